@@ -1,0 +1,123 @@
+// Joins the library to a run of the peer benchmark, which provides peer_bench.hpp: every case below is timed as "jorm"
+// with the vectorised kernels and as "jorm_off" without. bench/compare builds and runs it.
+#include "jorm.h"
+#include "peer_bench.hpp"
+
+#include <cstddef>
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+namespace {
+
+jorm_array describe(const pb::Plane &plane) {
+    static const uint32_t types[] = {JORM_U8, JORM_S16, JORM_S32, JORM_F32}; // in the order of pb::Elem
+    const int32_t extent[3] = {plane.h, plane.w, plane.ch};                  // the benchmark's planes are dense
+    jorm_array a;
+    _jorm_array__$xtrn(&a, types[int(plane.elem)], 3, extent, nullptr, plane.data);
+    return a;
+}
+
+// What the cases work on: the benchmark's planes as descriptors, under the same names, and room for scalar results.
+struct Scene {
+    jorm_array u8a, u8b, u8c3, mask, s16a, s16b, s16w, f32a, f32b, f32w, out8, out16, out32f;
+    jorm_xe *xe;
+    double values[8];
+
+    explicit Scene(const pb::Data &d)
+        : u8a(describe(d.u8a)), u8b(describe(d.u8b)), u8c3(describe(d.u8c3)), mask(describe(d.mask)),
+          s16a(describe(d.s16a)), s16b(describe(d.s16b)), s16w(describe(d.s16w)), f32a(describe(d.f32a)),
+          f32b(describe(d.f32b)), f32w(describe(d.f32w)), out8(describe(d.out8)), out16(describe(d.out16)),
+          out32f(describe(d.out32f)), xe(JormXEopen(nullptr, nullptr, 0)) {}
+    ~Scene() { JormXEclose(xe); }
+};
+
+// A case fills the plane `result`, or, when that is null, the first `count` values of the scene.
+struct Case {
+    const char *name;
+    const pb::Plane pb::Data::*result;
+    int count;
+    int64_t (*run)(Scene &);
+};
+
+constexpr std::nullptr_t no = nullptr; // the whole picture, from its start
+constexpr double c37[] = {37}, c1_75[] = {1.75};
+constexpr auto out8 = &pb::Data::out8, out16 = &pb::Data::out16, out32f = &pb::Data::out32f;
+
+// clang-format off
+const Case cases[] = {
+    {"add_u8_sat", out8, 0, [](Scene &s) { return JormAddq(s.xe, 0, &s.out8, &s.u8a, &s.u8b, no, no, no, 0, 0); }},
+    {"add_u8_wrap", out8, 0, [](Scene &s) { return JormAdd(s.xe, 0, &s.out8, &s.u8a, &s.u8b, no, no, no, 0, 0); }},
+    {"add_s16_sat", out16, 0, [](Scene &s) { return JormAddq(s.xe, 0, &s.out16, &s.s16a, &s.s16b, no, no, no, 0, 0); }},
+    {"add_s16_wrap", out16, 0, [](Scene &s) { return JormAdd(s.xe, 0, &s.out16, &s.s16a, &s.s16b, no, no, no, 0, 0); }},
+    {"add_f32", out32f, 0, [](Scene &s) { return JormAdd(s.xe, 0, &s.out32f, &s.f32a, &s.f32b, no, no, no, 0, 0); }},
+    {"add_u8u8_s16", out16, 0, [](Scene &s) { return JormAdd(s.xe, 0, &s.out16, &s.u8a, &s.u8b, no, no, no, 0, 0); }},
+    {"addC_u8_sat", out8, 0, [](Scene &s) { return JormAddqC(s.xe, 0, &s.out8, &s.u8a, c37, no, no, 0, 0); }},
+    {"addC_u8_wrap", out8, 0, [](Scene &s) { return JormAddC(s.xe, 0, &s.out8, &s.u8a, c37, no, no, 0, 0); }},
+    {"sub_u8_sat", out8, 0, [](Scene &s) { return JormSubq(s.xe, 0, &s.out8, &s.u8a, &s.u8b, no, no, no, 0, 0); }},
+    {"mul_f32", out32f, 0, [](Scene &s) { return JormMul(s.xe, 0, &s.out32f, &s.f32a, &s.f32b, no, no, no, 0, 0); }},
+    {"mul_u8_scaled", out8, 0, [](Scene &s) { return JormMul(s.xe, 0, &s.out8, &s.u8a, &s.u8b, no, no, no, -8, 0); }},
+    {"div_f32", out32f, 0, [](Scene &s) { return JormDiv(s.xe, 0, &s.out32f, &s.f32a, &s.f32b, no, no, no, 0, 0); }},
+    {"and_u8", out8, 0, [](Scene &s) { return JormAnd(s.xe, 0, &s.out8, &s.u8a, &s.u8b, no, no, no); }},
+    {"not_u8", out8, 0, [](Scene &s) { return JormNot(s.xe, 0, &s.out8, &s.u8a, no, no); }},
+    {"mlaC_f32", out32f, 0, [](Scene &s) { return JormMulAddC(s.xe, 0, &s.out32f, &s.f32a, &s.f32b, c1_75, no, no, no, 0, 0); }},
+};
+// clang-format on
+
+void add(pb::Registry &registry, const pb::Data &data, const std::shared_ptr<Scene> &scene, const Case &c,
+         const char *peer, int32_t simd) {
+    const auto run = [scene, simd, f = c.run] {
+        _G_jorm_use_simd = simd;
+        return f(*scene);
+    };
+    pb::Entry &entry =
+        registry.add(std::string(c.name) + "@" + data.tag, peer, double(data.w) * data.h, [run] { run(); });
+    if (c.result)
+        entry.result = data.*c.result;
+    else
+        entry.values = [run, scene, n = c.count] {
+            run();
+            return std::vector<double>(scene->values, scene->values + n);
+        };
+}
+
+} // namespace
+
+void pb::register_extra(Registry &registry, const Data &data) {
+    const auto scene = std::make_shared<Scene>(data);
+    for (const Case &c : cases) {
+        if (const int64_t status = c.run(*scene); status < 0) {
+            std::fprintf(stderr, "%s@%s left out: %s\n", c.name, data.tag.c_str(), jorm_status_str(status));
+            continue;
+        }
+        add(registry, data, scene, c, "jorm", 1);
+        add(registry, data, scene, c, "jorm_off", 0);
+    }
+}
+
+void pb::register_extra_geometry(Registry &registry, const std::string &case_name, Points points) {
+    const auto hull = std::make_shared<std::vector<jorm_2d_pt>>(points.n);
+    const auto values = [=] {
+        const auto *xy = reinterpret_cast<const jorm_2d_pt *>(points.xy);
+        return std::vector<double>{double(jorm_2d_ptv_convexhull(hull->data(), xy, points.n))};
+    };
+    registry.add(case_name, "jorm", points.n, [=] { values(); }).values = values;
+}
+
+void pb::register_extra_sort(Registry &registry, const std::string &case_name, Ints ints) {
+    const auto sorted = std::make_shared<std::vector<int32_t>>(ints.n);
+    const auto run = [=] { // like the peers, from a fresh copy each time
+        sorted->assign(ints.v, ints.v + ints.n);
+        const jorm_ulcmp compare = [](const void *a, const void *b, void *) {
+            const int32_t x = *static_cast<const int32_t *>(a), y = *static_cast<const int32_t *>(b);
+            return int32_t(x > y) - int32_t(x < y);
+        };
+        UlQuickSort(sorted->data(), sorted->size(), sizeof(int32_t), compare, nullptr);
+    };
+    const auto check = [=] {
+        run();
+        const std::vector<int32_t> &s = *sorted;
+        return std::vector<double>{double(s.front()), double(s[s.size() / 2]), double(s.back())};
+    };
+    registry.add(case_name, "jorm", ints.n, run).values = check;
+}

@@ -1,0 +1,23 @@
+# Installs headers, libraries, the CMake package and the pkg-config file. The library's file name carries its version
+# and is its SONAME too: versions live side by side and symbols need no versions of their own.
+include(CMakePackageConfigHelpers)
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME jorm)
+set(jorm_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Jorm)
+
+set(jorm_targets jorm)
+if(TARGET jorm_static)
+    list(APPEND jorm_targets jorm_static)
+endif()
+install(TARGETS ${jorm_targets} EXPORT JormTargets)
+install(FILES ${PROJECT_SOURCE_DIR}/include/jorm.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/jorm DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h)
+
+install(EXPORT JormTargets FILE JormConfig.cmake NAMESPACE Jorm:: DESTINATION ${jorm_package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/JormConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/JormConfigVersion.cmake DESTINATION ${jorm_package_dir})
+
+# The prefix is found from where the file lies, so that an installed tree can be moved.
+file(RELATIVE_PATH jorm_prefix_from_pc /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" jorm_prefix_from_pc ${jorm_prefix_from_pc})
+configure_file(${PROJECT_SOURCE_DIR}/cmake/jorm.pc.in ${PROJECT_BINARY_DIR}/jorm.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/jorm.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

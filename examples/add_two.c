@@ -1,0 +1,20 @@
+#include <jorm.h>
+#include <stdio.h>
+
+int main(void) {
+    uint8_t x[6] = {0, 50, 100, 150, 200, 250}, y[6] = {10, 10, 10, 10, 100, 100}, sum[6];
+    const int32_t extent[3] = {2, 3, 1}; /* rows, pixels, channels */
+    jorm_array a, b, dst;                /* descriptors: the memory stays yours */
+    _jorm_array__$xtrn(&a, JORM_U8, 3, extent, NULL, x);
+    _jorm_array__$xtrn(&b, JORM_U8, 3, extent, NULL, y);
+    _jorm_array__$xtrn(&dst, JORM_U8, 3, extent, NULL, sum);
+
+    jorm_xe *xe = JormXEopen(NULL, NULL, 0); /* scratch memory for all calls */
+    int64_t status = JormAddq(xe, 0, &dst, &a, &b, NULL, NULL, NULL, 0, 0);
+    JormXEclose(xe);
+
+    printf("%s:", jorm_status_str(status));
+    for (int i = 0; i < 6; ++i) printf(" %d", sum[i]); /* 10 60 110 160 255 255 */
+    printf("\n");
+    return status != JORM_OK || sum[5] != 255;
+}

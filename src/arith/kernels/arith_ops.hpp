@@ -1,0 +1,139 @@
+// The arithmetic of single elements, for the level sources of this folder: which type holds a result exactly, how it is
+// scaled, rounded and stored.
+#pragma once
+#include "arith/kernels/families.hpp"
+#include "kernel/level_ops.hpp"
+
+namespace jorm::JORM_LEVEL {
+namespace {
+
+// How many bits the exact result of an operation takes.
+enum class Growth { sum, product, square, product_sum };
+
+template <Growth G, int Size> struct WholeType { using type = s64; };
+template <> struct WholeType<Growth::sum, 1> { using type = s16; };
+template <> struct WholeType<Growth::sum, 2> { using type = s32; };
+template <> struct WholeType<Growth::product, 1> { using type = uint16_t; };
+template <> struct WholeType<Growth::product, 2> { using type = s32; };
+template <> struct WholeType<Growth::square, 1> { using type = s32; };
+template <> struct WholeType<Growth::square, 4> { using type = uint64_t; };
+template <> struct WholeType<Growth::product_sum, 1> { using type = s32; };
+template <> struct WholeType<Growth::product_sum, 2> { using type = s32; };
+
+template <class... T> constexpr int widest = 1;
+template <class T> constexpr int widest<T> = sizeof(T);
+template <class T, class U, class... R>
+constexpr int widest<T, U, R...> = widest<U, R...> > int(sizeof(T)) ? widest<U, R...> : int(sizeof(T));
+
+template <class... T> constexpr bool any_real = (is_real<T> || ...);
+template <class... T> constexpr bool any_s32 = (same<T, s32> || ...);
+template <class... T> constexpr bool all_f32 = (same<T, f32> && ...);
+
+// Holds the result of an operation on these sources without rounding, real sources aside.
+template <Growth G, class... T>
+using exact_type = select<any_real<T...>, f64, typename WholeType<G, widest<T...>>::type>;
+
+// Computes a result that goes into f32 so that it is rounded once where that is possible; a product and a sum of three
+// f32 operands round once each.
+template <Growth G, class... T>
+using float_type = select<any_real<T...>, select<G == Growth::product_sum ? !all_f32<T...> : any_s32<T...>, f64, f32>,
+                          select<any_s32<T...> && G == Growth::sum, f64, exact_type<G, T...>>>;
+
+// What the loop without a scale computes in: wrapping results need only the low bits.
+template <class D, bool Clamp, Growth G, class... T>
+using plain_type =
+    select<is_real<D>, float_type<G, T...>, select<any_real<T...> || Clamp, exact_type<G, T...>, uint32_t>>;
+
+// Scaled results: real ones by a factor, whole ones by a rounding shift; 0 < -shift < bits of C takes the fast loop.
+template <class D, class C> constexpr bool scales_by_factor = is_real<D> || is_real<C>;
+
+// ------------------------------------------------------------ the operations
+
+struct Add {
+    static constexpr Growth growth = Growth::sum;
+    template <class C> [[gnu::always_inline]] static C of(C a, C b) { return C(a + b); }
+};
+struct Sub {
+    static constexpr Growth growth = Growth::sum;
+    template <class C> [[gnu::always_inline]] static C of(C a, C b) { return C(a - b); }
+};
+struct RSub {
+    static constexpr Growth growth = Growth::sum;
+    template <class C> [[gnu::always_inline]] static C of(C a, C b) { return C(b - a); }
+};
+struct Mul {
+    static constexpr Growth growth = Growth::product;
+    template <class C> [[gnu::always_inline]] static C of(C a, C b) { return C(a * b); }
+};
+// The square of 2^32 alone does not fit the unsigned type that holds all others: it counts as the value below.
+template <class C> [[gnu::always_inline]] inline C square(C x) {
+    const C result = C(x * x);
+    if constexpr (same<C, uint64_t>) return result == 0 && x != 0 ? ~result : result;
+    return result;
+}
+struct AddSquare {
+    static constexpr Growth growth = Growth::square;
+    template <class C> [[gnu::always_inline]] static C of(C a, C b) { return square(C(a + b)); }
+};
+struct SubSquare {
+    static constexpr Growth growth = Growth::square;
+    template <class C> [[gnu::always_inline]] static C of(C a, C b) { return square(C(a - b)); }
+};
+struct And {
+    template <class C> [[gnu::always_inline]] static C of(C a, C b) { return C(a & b); }
+};
+struct Orr {
+    template <class C> [[gnu::always_inline]] static C of(C a, C b) { return C(a | b); }
+};
+struct Xor {
+    template <class C> [[gnu::always_inline]] static C of(C a, C b) { return C(a ^ b); }
+};
+struct MulAdd {
+    static constexpr Growth growth = Growth::product_sum;
+    template <class C> [[gnu::always_inline]] static C of(C a, C b, C c) { return C(a * b + c); }
+};
+struct MulSub {
+    static constexpr Growth growth = Growth::product_sum;
+    template <class C> [[gnu::always_inline]] static C of(C a, C b, C c) { return C(a * b - c); }
+};
+struct MulRSub {
+    static constexpr Growth growth = Growth::product_sum;
+    template <class C> [[gnu::always_inline]] static C of(C a, C b, C c) { return C(c - a * b); }
+};
+
+// Clamped sums of operands of the destination's own type, without leaving its width.
+template <class Op, class T> [[gnu::always_inline]] inline T clamped_sum(T a, T b) {
+    if constexpr (same<Op, RSub>)
+        return clamped_sum<Sub>(b, a);
+    else if constexpr (same<T, u8> && same<Op, Add>) {
+        const u8 sum = u8(a + b);
+        return sum < a ? u8(255) : sum;
+    } else if constexpr (same<T, u8>)
+        return u8((a > b ? a : b) - b);
+    else {
+        using U = select<sizeof(T) == 2, uint16_t, uint32_t>;
+        const bool add = same<Op, Add>;
+        const T sum = T(add ? U(U(a) + U(b)) : U(U(a) - U(b)));
+        const T over = T(add ? (a ^ sum) & (b ^ sum) : (a ^ b) & (a ^ sum)); // the sign bit tells
+        const T edge = T((a >> (bits<T> - 1)) ^ T(largest<T>));
+        return over < 0 ? edge : sum;
+    }
+}
+
+// Runs `loop` with a function object that scales and stores an exact result of type X.
+template <class D, bool Clamp, class X, class Loop>
+[[gnu::always_inline]] inline void scaled_loop(const RowParams &p, Loop loop) {
+    if constexpr (scales_by_factor<D, X>) {
+        const f64 scale = p.scale;
+        loop([scale](X x) { return store<D, Clamp>(f64(x) * scale); });
+    } else {
+        const int shift = p.shift;
+        if (-shift > 0 && -shift < bits<X>)
+            loop([shift](X x) { return store<D, Clamp>(shift_right(x, -shift)); });
+        else
+            loop([shift](X x) { return store_shifted<D, Clamp>(select<same<X, uint64_t>, X, s64>(x), shift); });
+    }
+}
+
+} // namespace
+} // namespace jorm::JORM_LEVEL

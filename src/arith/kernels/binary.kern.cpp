@@ -1,0 +1,114 @@
+// Rows of two sources.
+#include "arith/kernels/arith_ops.hpp"
+
+namespace jorm::JORM_LEVEL {
+namespace {
+
+template <class Op, bool Clamp> struct Binary {
+    template <class D, class A, class B>
+    static void plain(void *dst, const void *const *src, int64_t n, const RowParams &) {
+        using C = plain_type<D, Clamp, Op::growth, A, B>;
+        if constexpr (Clamp && same<D, A> && same<D, B> && Op::growth == Growth::sum && !is_real<D>)
+            row2<D, A, B>(dst, src, n, [](A a, B b) { return clamped_sum<Op, D>(a, b); });
+        else
+            row2<D, A, B>(dst, src, n, [](A a, B b) { return store<D, Clamp>(Op::of(C(a), C(b))); });
+    }
+    template <class D, class A, class B>
+    static void scaled(void *dst, const void *const *src, int64_t n, const RowParams &p) {
+        using X = exact_type<Op::growth, A, B>;
+        scaled_loop<D, Clamp, X>(
+            p, [=](auto finish) { row2<D, A, B>(dst, src, n, [=](A a, B b) { return finish(Op::of(X(a), X(b))); }); });
+    }
+    template <class D, class A, class B> static constexpr Rows rows() {
+        return {plain<D, A, B>, scaled<D, A, B>, nullptr, nullptr, ConstantRule::none};
+    }
+};
+
+template <class Op> struct Logic {
+    template <class D> static void plain(void *dst, const void *const *src, int64_t n, const RowParams &) {
+        row2<D, D, D>(dst, src, n, [](D a, D b) { return Op::of(a, b); });
+    }
+    template <class D, class, class> static constexpr Rows rows() {
+        return {plain<D>, plain<D>, nullptr, nullptr, ConstantRule::none};
+    }
+};
+
+// Quotients of integers: single precision divides 16-bit integers closely enough to tell where a quotient stands
+// between two integers or two halves, double precision 32-bit ones.
+template <bool Reversed, bool Nearest> struct Divide {
+    template <class D> using real = select<same<D, s32>, f64, f32>;
+
+    template <class D> static D quotient(D a, D b) {
+        using R = real<D>;
+        const R q = Reversed ? R(b) / R(a) : R(a) / R(b);
+        if constexpr (is_real<D>)
+            return q;
+        else {
+            const R y = (Reversed ? a : b) == 0 ? R(0) : q;
+            if constexpr (Nearest)
+                return D(round_s32(y));
+            else
+                return D(s32(y < R(2147483648.0) ? y : R(-2147483648.0)));
+        }
+    }
+    // a * 2^shift / b, exactly.
+    template <class D> static D whole(D a, D b, int shift) {
+        using wide = __int128;
+        if (b == 0) return D(0);
+        const int k = shift < -95 ? -95 : shift > 95 ? 95 : shift;
+        const wide n = wide(a) * (wide(1) << (k > 0 ? k : 0)), d = wide(b) * (wide(1) << (k < 0 ? -k : 0));
+        const wide q = n / d;
+        if constexpr (!Nearest) return D(q);
+        const wide rest = n % d < 0 ? -(n % d) : n % d, divisor = d < 0 ? -d : d;
+        const bool away = rest > divisor - rest || (rest == divisor - rest && (q & 1));
+        return D(away ? ((n < 0) != (d < 0) ? q - 1 : q + 1) : q);
+    }
+
+    template <class D> static void plain(void *dst, const void *const *src, int64_t n, const RowParams &) {
+        row2<D, D, D>(dst, src, n, [](D a, D b) { return quotient(a, b); });
+    }
+    template <class D> static void scaled(void *dst, const void *const *src, int64_t n, const RowParams &p) {
+        const f64 scale = p.scale;
+        const int shift = p.shift;
+        row2<D, D, D>(dst, src, n, [=](D a, D b) {
+            if constexpr (is_real<D>)
+                return D((Reversed ? f64(b) / f64(a) : f64(a) / f64(b)) * scale);
+            else
+                return Reversed ? whole(b, a, shift) : whole(a, b, shift);
+        });
+    }
+    template <class D, class, class> static constexpr Rows rows() {
+        return {plain<D>, scaled<D>, nullptr, nullptr, ConstantRule::none};
+    }
+};
+
+#define ROWS(name, D, A, B) Op::rows<D, A, B>(),
+#define TABLE(family, list, ...)                                                                                       \
+    namespace family {                                                                                                 \
+    using Op = __VA_ARGS__;                                                                                            \
+    constexpr Rows rows[] = {list(ROWS)};                                                                              \
+    }
+TABLE(add, JORM_ADD_KERNELS, Binary<Add, false>)
+TABLE(sub, JORM_SUB_KERNELS, Binary<Sub, false>)
+TABLE(rsub, JORM_RSUB_KERNELS, Binary<RSub, false>)
+TABLE(mul, JORM_MUL_KERNELS, Binary<Mul, false>)
+TABLE(addq, JORM_ADDQ_KERNELS, Binary<Add, true>)
+TABLE(subq, JORM_SUBQ_KERNELS, Binary<Sub, true>)
+TABLE(rsubq, JORM_RSUBQ_KERNELS, Binary<RSub, true>)
+TABLE(addsq, JORM_ADD_KERNELS, Binary<AddSquare, true>)
+TABLE(subsq, JORM_SUB_KERNELS, Binary<SubSquare, true>)
+TABLE(div, JORM_DIV_KERNELS, Divide<false, false>)
+TABLE(divr, JORM_DIVR_KERNELS, Divide<false, true>)
+TABLE(rdiv, JORM_DIV_KERNELS, Divide<true, false>)
+TABLE(rdivr, JORM_DIVR_KERNELS, Divide<true, true>)
+TABLE(and_, JORM_AND_KERNELS, Logic<And>)
+TABLE(orr, JORM_ORR_KERNELS, Logic<Orr>)
+TABLE(xor_, JORM_XOR_KERNELS, Logic<Xor>)
+
+} // namespace
+
+#define FAMILY(family, list, shape) family::rows,
+extern const Rows *const binary_rows[];
+const Rows *const binary_rows[] = {JORM_BINARY_FAMILIES(FAMILY)};
+
+} // namespace jorm::JORM_LEVEL

@@ -1,0 +1,77 @@
+// One call of a dispatcher or kernel: flat arguments that describe up to three axes, and their way into walks.
+#pragma once
+#include "array/element.hpp"
+#include "jorm/types.h"
+#include "kernel/walk.hpp"
+
+namespace jorm {
+
+// A typed start pointer with its strides, addressed at the first used slot.
+struct Operand {
+    uint32_t type;
+    char *start;
+    const int32_t *stride;
+    bool by_pixel = false; // one element for all channels of a pixel: a mask
+};
+inline Operand operand(uint32_t type, const void *start, const int32_t *stride) {
+    return {type, static_cast<char *>(const_cast<void *>(start)), stride};
+}
+
+// What the packed count word and the size vector say: words with two used slots (one row) serve as well as three.
+struct Shape {
+    int32_t axes;
+    int32_t rows, pixels, channels;
+    uint32_t selected; // channel mask that travels in bits 4-7 of the channel slot
+};
+
+inline int64_t read_shape(Shape &shape, uint32_t word, const int32_t *size) {
+    const int32_t axes = int32_t(word & 15);
+    if (axes == 4) return JORM_ENOTSUP;
+    if (axes < 2 || axes > 4 || !size) return JORM_EINVAL;
+    const uint32_t code = uint32_t(size[axes - 1]);
+    shape = {axes, axes == 3 ? size[0] : 1, size[axes - 2], stored_channels(code & 15), code >> 4 & 15};
+    return shape.channels >= 1 && shape.channels <= 4 ? JORM_OK : JORM_EINVAL;
+}
+
+inline int32_t row_stride(const Shape &s, const Operand &o) { return s.axes == 3 ? o.stride[0] : 0; }
+inline int32_t pixel_stride(const Shape &s, const Operand &o) { return o.stride[s.axes - 2]; }
+inline int32_t channel_stride(const Shape &s, const Operand &o) { return o.stride[s.axes - 1]; }
+
+// Do the channels of every operand fold into the rows: are the pixels dense?
+template <int N> bool channels_fold(const Shape &s, const Operand (&operands)[N], int count) {
+    for (int i = 0; i < count && s.channels > 1; ++i)
+        if (!operands[i].by_pixel &&
+            (channel_stride(s, operands[i]) != element_size(operands[i].type) ||
+             (s.pixels > 1 && pixel_stride(s, operands[i]) != s.channels * element_size(operands[i].type))))
+            return false;
+    return true;
+}
+
+// The walk over all channels folded into the rows (channel < 0), or over one of them.
+template <int N> Walk make_walk(const Shape &s, const Operand (&operands)[N], int count, int channel) {
+    static_assert(N == 1 + max_sources);
+    const bool fold = channel < 0 && s.channels > 1;
+    Walk w = {s.rows, fold ? int64_t(s.pixels) * s.channels : s.pixels, count, {}};
+    for (int i = 0; i < count; ++i) {
+        const Operand &o = operands[i];
+        const int32_t element = element_size(o.type);
+        const int64_t skip = channel > 0 && !o.by_pixel ? int64_t(channel) * channel_stride(s, o) : 0;
+        w.operand[i] = {o.start + skip, row_stride(s, o), fold && !o.by_pixel ? element : pixel_stride(s, o), element,
+                        fold && o.by_pixel ? s.channels : 1};
+    }
+    return w;
+}
+
+// Runs the row over all channels, folded where the layout allows it, else one after the other.
+template <int N>
+void walk_channels(const Shape &s, const Operand (&operands)[N], int count, Row row, const RowParams &params,
+                   WalkKind kind = WalkKind::map) {
+    const bool fold = channels_fold(s, operands, count);
+    for (int c = 0; c < (fold ? 1 : s.channels); ++c) {
+        Walk w = make_walk(s, operands, count, fold ? -1 : c);
+        w.kind = kind;
+        walk(w, row, params);
+    }
+}
+
+} // namespace jorm

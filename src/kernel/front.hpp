@@ -1,0 +1,48 @@
+// The steps that every front end takes before it calls an adapter: checks, negotiation, folding of offsets.
+#pragma once
+#include "jorm/types.h"
+#include "kernel/row.hpp"
+
+#include <initializer_list>
+
+namespace jorm {
+
+// An operation code: four characters, the first in the highest byte.
+constexpr uint32_t fourcc(const char (&s)[5]) {
+    return uint32_t(uint8_t(s[0])) << 24 | uint32_t(uint8_t(s[1])) << 16 | uint32_t(uint8_t(s[2])) << 8 | uint8_t(s[3]);
+}
+
+struct FrontSource {
+    const jorm_array *array;
+    const int32_t *at; // where its region starts, null for its origin
+};
+
+// An array ready for an adapter.
+struct FrontOperand {
+    uint32_t type;
+    char *base;
+    int32_t origin[4];
+    int32_t stride[4];
+};
+
+// The operands of one call, the destination first. Vectors are whole; `first` is the first used slot.
+struct Front {
+    uint32_t word;
+    int32_t first;
+    int32_t size[4];
+    FrontOperand operand[1 + max_sources];
+
+    const int32_t *sizes() const { return size + first; }
+    const int32_t *origin(int i) const { return operand[i].origin + first; }
+    const int32_t *stride(int i) const { return operand[i].stride + first; }
+};
+
+// Checks the destination and the sources, negotiates the region and fills the front. A null first source means the
+// destination itself. Four-axis arrays pass here; the caller decides about them by word. Returns a status.
+int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *roi,
+                  std::initializer_list<FrontSource> sources);
+
+// An array that a descriptor can really describe: no null base, elements at multiples of their size.
+bool describes_memory(const jorm_array *a);
+
+} // namespace jorm

@@ -1,0 +1,161 @@
+#include "kernel/walk.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace jorm {
+namespace {
+
+// A block stays in the first-level cache and holds whole patterns of constants and whole cache lines.
+constexpr int64_t block_bytes = 2048;
+constexpr int64_t line = 64;
+
+constexpr int64_t block_elements(int32_t element) { return block_bytes / element / pattern_length * pattern_length; }
+
+// From this traffic on, results would leave the cache before anyone reads them: they are written past it, which saves
+// reading the lines that they overwrite.
+constexpr int64_t streaming_bytes = int64_t(12) << 20;
+
+template <class T> void gather(void *to, const WalkOperand &from, const char *start, int64_t n) {
+    T *t = static_cast<T *>(to);
+    if (from.repeat == 1)
+        for (int64_t i = 0; i < n; ++i) t[i] = *reinterpret_cast<const T *>(start + i * from.stride);
+    else
+        for (int64_t i = 0; i < n; i += from.repeat, start += from.stride)
+            for (int32_t k = 0; k < from.repeat; ++k) t[i + k] = *reinterpret_cast<const T *>(start);
+}
+template <class T> void scatter(char *to, int64_t stride, const void *from, int64_t n) {
+    const T *f = static_cast<const T *>(from);
+    for (int64_t i = 0; i < n; ++i) *reinterpret_cast<T *>(to + i * stride) = f[i];
+}
+
+void gather(void *to, const WalkOperand &from, const char *start, int64_t n) {
+    switch (from.element) {
+    case 1:
+        return gather<uint8_t>(to, from, start, n);
+    case 2:
+        return gather<uint16_t>(to, from, start, n);
+    case 4:
+        return gather<uint32_t>(to, from, start, n);
+    default:
+        return gather<uint64_t>(to, from, start, n);
+    }
+}
+void scatter(const WalkOperand &to, char *start, const void *from, int64_t n) {
+    switch (to.element) {
+    case 1:
+        return scatter<uint8_t>(start, to.stride, from, n);
+    case 2:
+        return scatter<uint16_t>(start, to.stride, from, n);
+    case 4:
+        return scatter<uint32_t>(start, to.stride, from, n);
+    default:
+        return scatter<uint64_t>(start, to.stride, from, n);
+    }
+}
+
+// Copies past the cache; the lines at both ends, which belong to others too, go through it.
+void stream(char *to, const char *from, int64_t bytes) {
+#if defined(__SSE2__)
+    const int64_t head = std::min(bytes, int64_t(-reinterpret_cast<uintptr_t>(to) & (line - 1)));
+    const int64_t body = (bytes - head) / line * line;
+    std::memcpy(to, from, size_t(head));
+    for (int64_t i = head; i < head + body; i += 16)
+        _mm_stream_si128(reinterpret_cast<__m128i *>(to + i),
+                         _mm_loadu_si128(reinterpret_cast<const __m128i *>(from + i)));
+    std::memcpy(to + head + body, from + head + body, size_t(bytes - head - body));
+#else
+    std::memcpy(to, from, size_t(bytes));
+#endif
+}
+
+void end_streaming() {
+#if defined(__SSE2__)
+    _mm_sfence();
+#endif
+}
+
+bool dense(const WalkOperand &o) { return o.stride == o.element && o.repeat == 1; }
+
+// The operands that are arrays.
+int first_array(const Walk &w) { return w.kind == WalkKind::reduce ? 1 : 0; }
+
+bool all_dense(const Walk &w) { return std::all_of(w.operand + first_array(w), w.operand + w.operands, dense); }
+
+// One axis where the layout allows it: rows of one element, and rows that follow each other in every operand.
+void merge_rows(Walk &w) {
+    if (w.length == 1)
+        for (int i = first_array(w); i < w.operands; ++i) w.operand[i].stride = w.operand[i].row_stride;
+    else {
+        if (w.rows == 1) return;
+        for (int i = first_array(w); i < w.operands; ++i)
+            if (w.operand[i].row_stride != w.length / w.operand[i].repeat * w.operand[i].stride) return;
+    }
+    w.length *= w.rows;
+    w.rows = 1;
+}
+
+// Streaming pays when the destination is not among the sources, whose lines are in the cache anyway.
+bool wants_streaming(const Walk &w) {
+    int64_t bytes = 0;
+    for (int i = 0; i < w.operands; ++i) bytes += w.rows * w.length * w.operand[i].element;
+    if (bytes < streaming_bytes || w.kind != WalkKind::map || !dense(w.operand[0])) return false;
+    auto low = [&](const WalkOperand &o) { return o.start + std::min<int64_t>(0, (w.rows - 1) * o.row_stride); };
+    auto high = [&](const WalkOperand &o) {
+        return o.start + std::max<int64_t>(0, (w.rows - 1) * o.row_stride) + std::max<int64_t>(o.stride, 0) * w.length;
+    };
+    for (int i = 1; i < w.operands; ++i)
+        if (low(w.operand[i]) < high(w.operand[0]) && low(w.operand[0]) < high(w.operand[i])) return false;
+    return true;
+}
+
+void walk_blocks(const Walk &w, Row row, const RowParams &params, bool streaming) {
+    alignas(line) char block[1 + max_sources][block_bytes];
+    int32_t widest = 1;
+    for (int i = first_array(w); i < w.operands; ++i) widest = std::max(widest, w.operand[i].element);
+    const int64_t step = block_elements(widest);
+    const bool direct = w.kind == WalkKind::reduce || (dense(w.operand[0]) && !streaming);
+    for (int64_t y = 0; y < w.rows; ++y)
+        for (int64_t x = 0; x < w.length; x += step) {
+            const int64_t n = std::min(step, w.length - x);
+            char *start[1 + max_sources] = {};
+            const void *src[max_sources] = {};
+            for (int i = 0; i < w.operands; ++i) {
+                const WalkOperand &o = w.operand[i];
+                if (i < first_array(w)) {
+                    start[i] = o.start;
+                    continue;
+                }
+                start[i] = o.start + y * o.row_stride + x / o.repeat * o.stride;
+                if (i > 0) src[i - 1] = dense(o) ? start[i] : block[i];
+                if (i > 0 ? !dense(o) : w.kind == WalkKind::update && !direct) gather(block[i], o, start[i], n);
+            }
+            row(direct ? start[0] : block[0], src, n, params);
+            if (streaming)
+                stream(start[0], block[0], n * w.operand[0].element);
+            else if (!direct)
+                scatter(w.operand[0], start[0], block[0], n);
+        }
+    if (streaming) end_streaming();
+}
+
+} // namespace
+
+void walk(Walk w, Row row, const RowParams &params) {
+    if (w.rows <= 0 || w.length <= 0) return;
+    merge_rows(w);
+    const bool streaming = wants_streaming(w);
+    if (streaming || !all_dense(w)) return walk_blocks(w, row, params, streaming);
+    const int64_t dst_step = w.kind == WalkKind::reduce ? 0 : w.operand[0].row_stride;
+    for (int64_t y = 0; y < w.rows; ++y) {
+        const void *src[max_sources] = {};
+        for (int i = 1; i < w.operands; ++i) src[i - 1] = w.operand[i].start + y * w.operand[i].row_stride;
+        row(w.operand[0].start + y * dst_step, src, w.length, params);
+    }
+}
+
+} // namespace jorm

@@ -1,0 +1,37 @@
+#!/usr/bin/env python3
+"""Every public header compiles alone, as C99 and as C++17, without a warning.
+
+Usage: headers.py INCLUDE_DIR COMPILER...
+A compiler is a C or a C++ one; one that is not installed is skipped.
+"""
+import pathlib
+import shutil
+import subprocess
+import sys
+
+MODES = [("c", "c99"), ("c++", "c++17")]
+WARNINGS = ["-Wall", "-Wextra", "-pedantic", "-Werror"]
+
+
+def main():
+    include, compilers = pathlib.Path(sys.argv[1]), [c for c in sys.argv[2:] if shutil.which(c)]
+    failed = checked = 0
+    for compiler in compilers:
+        version = subprocess.run([compiler, "--version"], capture_output=True, text=True).stdout
+        # Names with a dollar sign are an extension that only clang speaks about.
+        dollars = ["-Wno-dollar-in-identifier-extension"] if "clang" in version else []
+        for header in sorted(include.rglob("*.h")):
+            for language, standard in MODES:
+                name = header.relative_to(include).as_posix()
+                run = subprocess.run([compiler, "-x", language, "-std=" + standard, *WARNINGS, *dollars,
+                                      "-I", str(include), "-fsyntax-only", "-"],
+                                     input=f'#include "{name}"\n', capture_output=True, text=True)
+                checked += 1
+                if run.returncode:
+                    failed += 1
+                    print(f"{name} as {standard} with {compiler}:\n{run.stderr}")
+    print(f"{checked} compilations, {failed} failed")
+    return 1 if failed or not checked else 0
+
+
+sys.exit(main())
