@@ -3,6 +3,7 @@
 #include "jorm.h"
 #include "peer_bench.hpp"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <memory>
@@ -18,30 +19,64 @@ jorm_array describe(const pb::Plane &plane) {
     return a;
 }
 
-// What the cases work on: the benchmark's planes as descriptors, under the same names, and room for scalar results.
+// The benchmark's planes, and results of sizes of our own.
+struct Planes : pb::Data {
+    pb::Plane framed2, framed16; // with a margin of so many pixels
+    std::vector<uint8_t> memory2, memory16;
+
+    explicit Planes(const pb::Data &d) : pb::Data(d) {
+        frame(framed2, memory2, 2);
+        frame(framed16, memory16, 16);
+    }
+    Planes(const Planes &) = delete;
+
+private:
+    void frame(pb::Plane &plane, std::vector<uint8_t> &memory, int margin) const {
+        plane = {nullptr, w + 2 * margin, h + 2 * margin, 1, pb::Elem::u8, size_t(w) + 2 * size_t(margin)};
+        memory.resize(plane.count());
+        plane.data = memory.data();
+    }
+};
+
+// What the cases work on: the planes as descriptors, under the same names, and room for scalar results.
 struct Scene {
-    jorm_array u8a, u8b, u8c3, mask, s16a, s16b, s16w, f32a, f32b, f32w, out8, out16, out32f;
+    Planes planes;
+    jorm_array u8a, u8b, u8c3, mask, s16a, s16b, s16w, f32a, f32b, f32w, out8, out16, out32f, framed2, framed16;
     jorm_xe *xe;
     double values[8];
 
     explicit Scene(const pb::Data &d)
-        : u8a(describe(d.u8a)), u8b(describe(d.u8b)), u8c3(describe(d.u8c3)), mask(describe(d.mask)),
+        : planes(d), u8a(describe(d.u8a)), u8b(describe(d.u8b)), u8c3(describe(d.u8c3)), mask(describe(d.mask)),
           s16a(describe(d.s16a)), s16b(describe(d.s16b)), s16w(describe(d.s16w)), f32a(describe(d.f32a)),
           f32b(describe(d.f32b)), f32w(describe(d.f32w)), out8(describe(d.out8)), out16(describe(d.out16)),
-          out32f(describe(d.out32f)), xe(JormXEopen(nullptr, nullptr, 0)) {}
+          out32f(describe(d.out32f)), framed2(describe(planes.framed2)), framed16(describe(planes.framed16)), xe(JormXEopen(nullptr, nullptr, 0)) {}
     ~Scene() { JormXEclose(xe); }
+
+    // Minimum and maximum, then the row and the column of each.
+    int64_t extrema(const jorm_array &a) {
+        jorm_minmax mm;
+        mm.request = JORM_WANT_MIN | JORM_WANT_MAX;
+        const int64_t status = JormMinmax(xe, 0, &a, nullptr, &mm);
+        const double found[] = {mm.min[0].f,           mm.max[0].f,           double(mm.min[0].row), double(mm.min[0].column),
+                                double(mm.max[0].row), double(mm.max[0].column)};
+        std::copy(found, found + 6, values);
+        return status;
+    }
 };
 
 // A case fills the plane `result`, or, when that is null, the first `count` values of the scene.
 struct Case {
     const char *name;
-    const pb::Plane pb::Data::*result;
+    const pb::Plane Planes::*result;
     int count;
     int64_t (*run)(Scene &);
+    bool filters = false; // only at the size of the filter cases
 };
 
 constexpr std::nullptr_t no = nullptr; // the whole picture, from its start
-constexpr double c37[] = {37}, c1_75[] = {1.75};
+constexpr double c37[] = {37}, c1_75[] = {1.75}, c93[] = {93};
+constexpr jorm_border reflect101 = {JORM_BORDER_REFLECT101, 0, {}};
+constexpr int32_t margin2[] = {0, -2, -2, 0}, margin16[] = {0, -16, -16, 0};
 constexpr auto out8 = &pb::Data::out8, out16 = &pb::Data::out16, out32f = &pb::Data::out32f;
 
 // clang-format off
@@ -61,6 +96,23 @@ const Case cases[] = {
     {"and_u8", out8, 0, [](Scene &s) { return JormAnd(s.xe, 0, &s.out8, &s.u8a, &s.u8b, no, no, no); }},
     {"not_u8", out8, 0, [](Scene &s) { return JormNot(s.xe, 0, &s.out8, &s.u8a, no, no); }},
     {"mlaC_f32", out32f, 0, [](Scene &s) { return JormMulAddC(s.xe, 0, &s.out32f, &s.f32a, &s.f32b, c1_75, no, no, no, 0, 0); }},
+    {"copy_u8", out8, 0, [](Scene &s) { return JormCopy(s.xe, 0, &s.out8, &s.u8a, no, no); }},
+    {"copy_u8_masked", out8, 0, [](Scene &s) { return JormCopyEx(s.xe, 0, &s.out8, &s.u8a, &s.mask, no, no, no); }},
+    {"fill_u8", out8, 0, [](Scene &s) { return JormFill(s.xe, 0, &s.out8, no, c93); }},
+    {"fill_u8_masked", out8, 0, [](Scene &s) { return JormFillEx(s.xe, 0, &s.out8, &s.mask, no, no, c93); }},
+    {"sum_u8", nullptr, 1, [](Scene &s) { return JormSum(s.xe, 0, &s.u8a, no, s.values); }},
+    {"sum_f32", nullptr, 1, [](Scene &s) { return JormSum(s.xe, 0, &s.f32a, no, s.values); }},
+    {"sum_u8c3", nullptr, 3, [](Scene &s) { return JormSum(s.xe, 0, &s.u8c3, no, s.values); }},
+    {"mean_u8", nullptr, 1, [](Scene &s) { return JormMean(s.xe, 0, &s.u8a, no, s.values); }},
+    {"mean_f32", nullptr, 1, [](Scene &s) { return JormMean(s.xe, 0, &s.f32a, no, s.values); }},
+    {"minmaxloc_u8", nullptr, 6, [](Scene &s) { return s.extrema(s.u8a); }},
+    {"minmaxloc_s16", nullptr, 6, [](Scene &s) { return s.extrema(s.s16a); }},
+    {"minmaxloc_f32", nullptr, 6, [](Scene &s) { return s.extrema(s.f32a); }},
+    {"minmax_u8", nullptr, 2, [](Scene &s) { return s.extrema(s.u8a); }},
+    {"minmax_s16", nullptr, 2, [](Scene &s) { return s.extrema(s.s16a); }},
+    {"minmax_f32", nullptr, 2, [](Scene &s) { return s.extrema(s.f32a); }},
+    {"mkborder_u8_r101_2", &Planes::framed2, 0, [](Scene &s) { return JormCopyMkb(s.xe, 0, &s.framed2, &s.u8a, no, margin2, &reflect101); }, true},
+    {"mkborder_u8_r101_16", &Planes::framed16, 0, [](Scene &s) { return JormCopyMkb(s.xe, 0, &s.framed16, &s.u8a, no, margin16, &reflect101); }, true},
 };
 // clang-format on
 
@@ -73,7 +125,7 @@ void add(pb::Registry &registry, const pb::Data &data, const std::shared_ptr<Sce
     pb::Entry &entry =
         registry.add(std::string(c.name) + "@" + data.tag, peer, double(data.w) * data.h, [run] { run(); });
     if (c.result)
-        entry.result = data.*c.result;
+        entry.result = scene->planes.*c.result;
     else
         entry.values = [run, scene, n = c.count] {
             run();
@@ -86,6 +138,7 @@ void add(pb::Registry &registry, const pb::Data &data, const std::shared_ptr<Sce
 void pb::register_extra(Registry &registry, const Data &data) {
     const auto scene = std::make_shared<Scene>(data);
     for (const Case &c : cases) {
+        if (c.filters && !data.filters) continue;
         if (const int64_t status = c.run(*scene); status < 0) {
             std::fprintf(stderr, "%s@%s left out: %s\n", c.name, data.tag.c_str(), jorm_status_str(status));
             continue;

@@ -9,6 +9,7 @@ int main(void) {
     _jorm_array__$xtrn(&b, JORM_U8, 3, extent, NULL, y);
     _jorm_array__$xtrn(&dst, JORM_U8, 3, extent, NULL, sum);
 
+    _G_jorm_use_simd = 1;                    /* the best kernels that this processor runs */
     jorm_xe *xe = JormXEopen(NULL, NULL, 0); /* scratch memory for all calls */
     int64_t status = JormAddq(xe, 0, &dst, &a, &b, NULL, NULL, NULL, 0, 0);
     JormXEclose(xe);

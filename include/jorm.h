@@ -11,7 +11,10 @@
 
 #include "jorm/arith.h"
 #include "jorm/convert.h"
+#include "jorm/copy.h"
 #include "jorm/geometry.h"
+#include "jorm/shapes.h"
 #include "jorm/sort.h"
+#include "jorm/stats.h"
 
 #endif

@@ -59,6 +59,7 @@ int run(const std::vector<std::string> &words) {
 
 int main(int argc, char **argv) {
     const std::vector<std::string> words(argv + 1, argv + argc);
+    _G_jorm_use_simd = 1;
     try {
         return tool::run(words);
     } catch (const std::exception &fault) {

@@ -8,9 +8,10 @@
  * Operands. Arrays have three axes (rows, pixels, channels) and 1 to 4 channels, the same number in every operand.
  *   Strides may be anything: padded rows and pixels, views, negative strides. Dense data is the fast path. Elements lie
  *   at multiples of their size (else JORM_EINVAL). An element type that no kernel serves gives JORM_ENOTSUP.
- * Region. `roi` is a site in coordinates of the destination, null for all of it. `at` is the point (four slots) where
- *   the source's region starts, null for its first element. The operation covers what all operands offer: a source that
- *   ends early shortens it. When nothing is left the status is JORM_EEMPTY.
+ * Region. `roi` is a site in coordinates of the destination, null for all of it; its channel slot may narrow the
+ *   channels. `at` is the point (four slots) where the source's region starts, null for its first element. The
+ *   operation covers what all operands offer: a source that ends early shortens it. When nothing is left the status is
+ *   JORM_EEMPTY.
  * In place. A null first source means the destination; with a null `at` its region then starts at the origin of `roi`.
  *   A source may also be the destination itself. The results of other overlaps are unspecified.
  * Constants are arrays of double, one for each stored channel.
@@ -30,7 +31,7 @@
  *   of three f32 operands (constants that single precision holds included) are rounded one after the other.
  * - A destination narrower than the widest source, for a combination without a kernel of its own: the result in the
  *   type of that source, stored as above, then converted (rounded to nearest even, clamped).
- * - The same bits on every processor, with the vectorised kernels on or off.
+ * - The same bits on every processor, with the vectorised kernels on or off (of NaN, only that it is one).
  */
 #ifndef JORM_ARITH_H
 #define JORM_ARITH_H
@@ -47,70 +48,86 @@
  *   JormDivr, JormRDivr         the same to nearest even; u8, s16, s32. An integer divided by 0 gives 0; f32 division
  *                               follows IEEE 754
  */
-JORM_API int64_t JormAdd(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                         const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p, int32_t q);
-JORM_API int64_t JormSub(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                         const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p, int32_t q);
-JORM_API int64_t JormRSub(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                          const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p, int32_t q);
-JORM_API int64_t JormMul(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                         const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p, int32_t q);
-JORM_API int64_t JormAddq(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                          const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p, int32_t q);
-JORM_API int64_t JormSubq(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                          const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p, int32_t q);
-JORM_API int64_t JormRSubq(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                           const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p, int32_t q);
-JORM_API int64_t JormAddsq(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                           const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p, int32_t q);
-JORM_API int64_t JormSubsq(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                           const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p, int32_t q);
-JORM_API int64_t JormRSubsq(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                            const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p, int32_t q);
-JORM_API int64_t JormDiv(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                         const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p, int32_t q);
-JORM_API int64_t JormDivr(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                          const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p, int32_t q);
-JORM_API int64_t JormRDiv(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                          const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p, int32_t q);
-JORM_API int64_t JormRDivr(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                           const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p, int32_t q);
+JORM_API int64_t JormAdd(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                         const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
+                         int32_t p, int32_t q);
+JORM_API int64_t JormSub(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                         const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
+                         int32_t p, int32_t q);
+JORM_API int64_t JormRSub(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                          const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
+                          int32_t p, int32_t q);
+JORM_API int64_t JormMul(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                         const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
+                         int32_t p, int32_t q);
+JORM_API int64_t JormAddq(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                          const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
+                          int32_t p, int32_t q);
+JORM_API int64_t JormSubq(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                          const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
+                          int32_t p, int32_t q);
+JORM_API int64_t JormRSubq(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                           const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
+                           int32_t p, int32_t q);
+JORM_API int64_t JormAddsq(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                           const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
+                           int32_t p, int32_t q);
+JORM_API int64_t JormSubsq(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                           const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
+                           int32_t p, int32_t q);
+JORM_API int64_t JormRSubsq(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                            const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
+                            int32_t p, int32_t q);
+JORM_API int64_t JormDiv(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                         const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
+                         int32_t p, int32_t q);
+JORM_API int64_t JormDivr(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                          const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
+                          int32_t p, int32_t q);
+JORM_API int64_t JormRDiv(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                          const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
+                          int32_t p, int32_t q);
+JORM_API int64_t JormRDivr(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                           const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
+                           int32_t p, int32_t q);
 
 /* ---- One source and a constant for each channel ----
  *
  * The forms above with src2 = constant (JormRSubC: constant - src, JormRDivC: constant / src). Any constant serves;
- * whole ones are exact. JormSigmoidAlpha: 1 / (1 + exp(-constant * src)), f32, within 2 units in the last place.
+ * results of whole ones are exact. JormSigmoidAlpha: 1 / (1 + exp(-constant * src)), f32, within 2 units in the last
+ * place.
  */
-JORM_API int64_t JormAddC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                          const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormSubC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                          const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormRSubC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                           const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormMulC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                          const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormAddqC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                           const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormSubqC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                           const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormRSubqC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                            const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormAddsqC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                            const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormSubsqC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                            const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormRSubsqC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                             const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormDivC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                          const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormDivrC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                           const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormRDivC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                           const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormRDivrC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                            const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormSigmoidAlpha(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                                  const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormAddC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                          const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormSubC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                          const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormRSubC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                           const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormMulC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                          const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormAddqC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                           const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormSubqC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                           const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormRSubqC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                            const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormAddsqC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                            const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormSubsqC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                            const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormRSubsqC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                             const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormDivC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                          const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormDivrC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                           const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormRDivC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                           const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormRDivrC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                            const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormSigmoidAlpha(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                                  const double *constant, const jorm_site *roi, const int32_t *at, int32_t p,
+                                  int32_t q);
 
 /* ---- One source ----
  *
@@ -119,16 +136,16 @@ JORM_API int64_t JormSigmoidAlpha(jorm_xe *xe, uint64_t options, const jorm_arra
  *                             ln 0 is -infinity, ln of a negative number NaN
  *   JormNot                   the complement of every bit; u8, s16, s32
  */
-JORM_API int64_t JormNegate(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const jorm_site *roi,
-                            const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormNegateq(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const jorm_site *roi,
-                             const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormExp(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const jorm_site *roi,
-                         const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormLn(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const jorm_site *roi,
-                        const int32_t *at, int32_t p, int32_t q);
-JORM_API int64_t JormNot(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const jorm_site *roi,
-                         const int32_t *at);
+JORM_API int64_t JormNegate(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                            const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormNegateq(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                             const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormExp(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                         const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormLn(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                        const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormNot(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                         const jorm_site *roi, const int32_t *at);
 
 /* ---- Products and sums ----
  *
@@ -143,85 +160,97 @@ JORM_API int64_t JormNot(jorm_xe *xe, uint64_t options, const jorm_array *dst, c
  *   one constant      every pair of sources no wider than the destination; f32 sources into f32
  *   two constants     u8, s16, s32, f32 from any of them
  */
-JORM_API int64_t JormMulAdd(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                            const jorm_array *src3, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
-                            const int32_t *at3, int32_t p, int32_t q);
-JORM_API int64_t JormMulAddC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                             const double *constant, const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p,
-                             int32_t q);
+JORM_API int64_t JormMulAdd(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                            const jorm_array *src2, const jorm_array *src3, const jorm_site *roi, const int32_t *at1,
+                            const int32_t *at2, const int32_t *at3, int32_t p, int32_t q);
+JORM_API int64_t JormMulAddC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                             const jorm_array *src2, const double *constant, const jorm_site *roi, const int32_t *at1,
+                             const int32_t *at2, int32_t p, int32_t q);
 JORM_API int64_t JormMulAddCC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
                               const double *constant1, const double *constant2, const jorm_site *roi, const int32_t *at,
                               int32_t p, int32_t q);
-JORM_API int64_t JormMulSub(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                            const jorm_array *src3, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
-                            const int32_t *at3, int32_t p, int32_t q);
-JORM_API int64_t JormMulSubC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                             const double *constant, const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p,
-                             int32_t q);
+JORM_API int64_t JormMulSub(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                            const jorm_array *src2, const jorm_array *src3, const jorm_site *roi, const int32_t *at1,
+                            const int32_t *at2, const int32_t *at3, int32_t p, int32_t q);
+JORM_API int64_t JormMulSubC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                             const jorm_array *src2, const double *constant, const jorm_site *roi, const int32_t *at1,
+                             const int32_t *at2, int32_t p, int32_t q);
 JORM_API int64_t JormMulSubCC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
                               const double *constant1, const double *constant2, const jorm_site *roi, const int32_t *at,
                               int32_t p, int32_t q);
-JORM_API int64_t JormMulRSub(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                             const jorm_array *src3, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
-                             const int32_t *at3, int32_t p, int32_t q);
-JORM_API int64_t JormMulRSubC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                              const double *constant, const jorm_site *roi, const int32_t *at1, const int32_t *at2, int32_t p,
-                              int32_t q);
+JORM_API int64_t JormMulRSub(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                             const jorm_array *src2, const jorm_array *src3, const jorm_site *roi, const int32_t *at1,
+                             const int32_t *at2, const int32_t *at3, int32_t p, int32_t q);
+JORM_API int64_t JormMulRSubC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                              const jorm_array *src2, const double *constant, const jorm_site *roi, const int32_t *at1,
+                              const int32_t *at2, int32_t p, int32_t q);
 JORM_API int64_t JormMulRSubCC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
-                               const double *constant1, const double *constant2, const jorm_site *roi, const int32_t *at,
-                               int32_t p, int32_t q);
+                               const double *constant1, const double *constant2, const jorm_site *roi,
+                               const int32_t *at, int32_t p, int32_t q);
 
 /* ---- Logic: u8, s16, s32, equal types ----
  *
  * The C forms round their constants to nearest even and take the low bits: 255 and -1 are both all ones of an u8. */
-JORM_API int64_t JormAnd(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                         const jorm_site *roi, const int32_t *at1, const int32_t *at2);
-JORM_API int64_t JormAndC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                          const jorm_site *roi, const int32_t *at);
-JORM_API int64_t JormOrr(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                         const jorm_site *roi, const int32_t *at1, const int32_t *at2);
-JORM_API int64_t JormOrrC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                          const jorm_site *roi, const int32_t *at);
-JORM_API int64_t JormXor(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1, const jorm_array *src2,
-                         const jorm_site *roi, const int32_t *at1, const int32_t *at2);
-JORM_API int64_t JormXorC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src, const double *constant,
-                          const jorm_site *roi, const int32_t *at);
+JORM_API int64_t JormAnd(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                         const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2);
+JORM_API int64_t JormAndC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                          const double *constant, const jorm_site *roi, const int32_t *at);
+JORM_API int64_t JormOrr(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                         const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2);
+JORM_API int64_t JormOrrC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                          const double *constant, const jorm_site *roi, const int32_t *at);
+JORM_API int64_t JormXor(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                         const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2);
+JORM_API int64_t JormXorC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                          const double *constant, const jorm_site *roi, const int32_t *at);
 
 /* ---- Adapters: bases with origins; the vectors have four slots and are addressed at their first used one. ---- */
 
 typedef int64_t jorm_not_adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t dst_type,
-    void *dst, const int32_t *dst_origin, const int32_t *dst_stride, uint32_t src_type, const void *src, const int32_t
-    *src_origin, const int32_t *src_stride);
-typedef int64_t jorm_unary_adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t
-    dst_type, void *dst, const int32_t *dst_origin, const int32_t *dst_stride, uint32_t src_type, const void *src,
-    const int32_t *src_origin, const int32_t *src_stride, int32_t p, int32_t q);
-typedef int64_t jorm_binary_adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t
-    dst_type, void *dst, const int32_t *dst_origin, const int32_t *dst_stride, uint32_t src1_type, const void *src1,
-    const int32_t *src1_origin, const int32_t *src1_stride, uint32_t src2_type, const void *src2, const int32_t
-    *src2_origin, const int32_t *src2_stride, int32_t p, int32_t q);
-typedef int64_t jorm_constant_adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t
-    dst_type, void *dst, const int32_t *dst_origin, const int32_t *dst_stride, uint32_t src_type, const void *src,
-    const int32_t *src_origin, const int32_t *src_stride, const double *constant, int32_t p, int32_t q);
-typedef int64_t jorm_ternary_adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t
-    dst_type, void *dst, const int32_t *dst_origin, const int32_t *dst_stride, uint32_t src1_type, const void *src1,
-    const int32_t *src1_origin, const int32_t *src1_stride, uint32_t src2_type, const void *src2, const int32_t
-    *src2_origin, const int32_t *src2_stride, uint32_t src3_type, const void *src3, const int32_t *src3_origin, const
-    int32_t *src3_stride, int32_t p, int32_t q);
+                                 void *dst, const int32_t *dst_origin, const int32_t *dst_stride, uint32_t src_type,
+                                 const void *src, const int32_t *src_origin, const int32_t *src_stride);
+typedef int64_t jorm_unary_adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t dst_type,
+                                   void *dst, const int32_t *dst_origin, const int32_t *dst_stride, uint32_t src_type,
+                                   const void *src, const int32_t *src_origin, const int32_t *src_stride, int32_t p,
+                                   int32_t q);
+typedef int64_t jorm_binary_adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
+                                    uint32_t dst_type, void *dst, const int32_t *dst_origin, const int32_t *dst_stride,
+                                    uint32_t src1_type, const void *src1, const int32_t *src1_origin,
+                                    const int32_t *src1_stride, uint32_t src2_type, const void *src2,
+                                    const int32_t *src2_origin, const int32_t *src2_stride, int32_t p, int32_t q);
+typedef int64_t jorm_constant_adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
+                                      uint32_t dst_type, void *dst, const int32_t *dst_origin,
+                                      const int32_t *dst_stride, uint32_t src_type, const void *src,
+                                      const int32_t *src_origin, const int32_t *src_stride, const double *constant,
+                                      int32_t p, int32_t q);
+typedef int64_t jorm_ternary_adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
+                                     uint32_t dst_type, void *dst, const int32_t *dst_origin, const int32_t *dst_stride,
+                                     uint32_t src1_type, const void *src1, const int32_t *src1_origin,
+                                     const int32_t *src1_stride, uint32_t src2_type, const void *src2,
+                                     const int32_t *src2_origin, const int32_t *src2_stride, uint32_t src3_type,
+                                     const void *src3, const int32_t *src3_origin, const int32_t *src3_stride,
+                                     int32_t p, int32_t q);
 typedef int64_t jorm_ternary_constant_adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
-    uint32_t dst_type, void *dst, const int32_t *dst_origin, const int32_t *dst_stride, uint32_t src1_type, const void
-    *src1, const int32_t *src1_origin, const int32_t *src1_stride, uint32_t src2_type, const void *src2, const int32_t
-    *src2_origin, const int32_t *src2_stride, const double *constant, int32_t p, int32_t q);
+                                              uint32_t dst_type, void *dst, const int32_t *dst_origin,
+                                              const int32_t *dst_stride, uint32_t src1_type, const void *src1,
+                                              const int32_t *src1_origin, const int32_t *src1_stride,
+                                              uint32_t src2_type, const void *src2, const int32_t *src2_origin,
+                                              const int32_t *src2_stride, const double *constant, int32_t p, int32_t q);
 typedef int64_t jorm_ternary_constants_adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
-    uint32_t dst_type, void *dst, const int32_t *dst_origin, const int32_t *dst_stride, uint32_t src_type, const void
-    *src, const int32_t *src_origin, const int32_t *src_stride, const double *constant1, const double *constant2,
-    int32_t p, int32_t q);
-typedef int64_t jorm_logic_adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t
-    dst_type, void *dst, const int32_t *dst_origin, const int32_t *dst_stride, uint32_t src1_type, const void *src1,
-    const int32_t *src1_origin, const int32_t *src1_stride, uint32_t src2_type, const void *src2, const int32_t
-    *src2_origin, const int32_t *src2_stride);
+                                               uint32_t dst_type, void *dst, const int32_t *dst_origin,
+                                               const int32_t *dst_stride, uint32_t src_type, const void *src,
+                                               const int32_t *src_origin, const int32_t *src_stride,
+                                               const double *constant1, const double *constant2, int32_t p, int32_t q);
+typedef int64_t jorm_logic_adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t dst_type,
+                                   void *dst, const int32_t *dst_origin, const int32_t *dst_stride, uint32_t src1_type,
+                                   const void *src1, const int32_t *src1_origin, const int32_t *src1_stride,
+                                   uint32_t src2_type, const void *src2, const int32_t *src2_origin,
+                                   const int32_t *src2_stride);
 typedef int64_t jorm_logic_constant_adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
-    uint32_t dst_type, void *dst, const int32_t *dst_origin, const int32_t *dst_stride, uint32_t src_type, const void
-    *src, const int32_t *src_origin, const int32_t *src_stride, const double *constant);
+                                            uint32_t dst_type, void *dst, const int32_t *dst_origin,
+                                            const int32_t *dst_stride, uint32_t src_type, const void *src,
+                                            const int32_t *src_origin, const int32_t *src_stride,
+                                            const double *constant);
 
 JORM_API jorm_binary_adapter jorma_add, jorma_addq, jorma_addsq, jorma_sub, jorma_subq, jorma_subsq, jorma_rsub,
     jorma_rsubq, jorma_rsubsq, jorma_mul, jorma_div, jorma_divr, jorma_rdiv, jorma_rdivr;
@@ -238,34 +267,43 @@ JORM_API jorm_logic_constant_adapter jorma_andC, jorma_orrC, jorma_xorC;
 
 /* ---- Dispatchers: start pointers with element types. ---- */
 
-typedef int64_t jorm_not_dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t
-    dst_type, void *dst, const int32_t *dst_stride, uint32_t src_type, const void *src, const int32_t *src_stride);
-typedef int64_t jorm_unary_dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t
-    dst_type, void *dst, const int32_t *dst_stride, uint32_t src_type, const void *src, const int32_t *src_stride,
-    int32_t p, int32_t q);
-typedef int64_t jorm_binary_dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t
-    dst_type, void *dst, const int32_t *dst_stride, uint32_t src1_type, const void *src1, const int32_t *src1_stride,
-    uint32_t src2_type, const void *src2, const int32_t *src2_stride, int32_t p, int32_t q);
-typedef int64_t jorm_constant_dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t
-    dst_type, void *dst, const int32_t *dst_stride, uint32_t src_type, const void *src, const int32_t *src_stride,
-    const double *constant, int32_t p, int32_t q);
-typedef int64_t jorm_ternary_dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t
-    dst_type, void *dst, const int32_t *dst_stride, uint32_t src1_type, const void *src1, const int32_t *src1_stride,
-    uint32_t src2_type, const void *src2, const int32_t *src2_stride, uint32_t src3_type, const void *src3, const
-    int32_t *src3_stride, int32_t p, int32_t q);
+typedef int64_t jorm_not_dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
+                                    uint32_t dst_type, void *dst, const int32_t *dst_stride, uint32_t src_type,
+                                    const void *src, const int32_t *src_stride);
+typedef int64_t jorm_unary_dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
+                                      uint32_t dst_type, void *dst, const int32_t *dst_stride, uint32_t src_type,
+                                      const void *src, const int32_t *src_stride, int32_t p, int32_t q);
+typedef int64_t jorm_binary_dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
+                                       uint32_t dst_type, void *dst, const int32_t *dst_stride, uint32_t src1_type,
+                                       const void *src1, const int32_t *src1_stride, uint32_t src2_type,
+                                       const void *src2, const int32_t *src2_stride, int32_t p, int32_t q);
+typedef int64_t jorm_constant_dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
+                                         uint32_t dst_type, void *dst, const int32_t *dst_stride, uint32_t src_type,
+                                         const void *src, const int32_t *src_stride, const double *constant, int32_t p,
+                                         int32_t q);
+typedef int64_t jorm_ternary_dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
+                                        uint32_t dst_type, void *dst, const int32_t *dst_stride, uint32_t src1_type,
+                                        const void *src1, const int32_t *src1_stride, uint32_t src2_type,
+                                        const void *src2, const int32_t *src2_stride, uint32_t src3_type,
+                                        const void *src3, const int32_t *src3_stride, int32_t p, int32_t q);
 typedef int64_t jorm_ternary_constant_dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
-    uint32_t dst_type, void *dst, const int32_t *dst_stride, uint32_t src1_type, const void *src1, const int32_t
-    *src1_stride, uint32_t src2_type, const void *src2, const int32_t *src2_stride, const double *constant, int32_t p,
-    int32_t q);
+                                                 uint32_t dst_type, void *dst, const int32_t *dst_stride,
+                                                 uint32_t src1_type, const void *src1, const int32_t *src1_stride,
+                                                 uint32_t src2_type, const void *src2, const int32_t *src2_stride,
+                                                 const double *constant, int32_t p, int32_t q);
 typedef int64_t jorm_ternary_constants_dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
-    uint32_t dst_type, void *dst, const int32_t *dst_stride, uint32_t src_type, const void *src, const int32_t
-    *src_stride, const double *constant1, const double *constant2, int32_t p, int32_t q);
-typedef int64_t jorm_logic_dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t
-    dst_type, void *dst, const int32_t *dst_stride, uint32_t src1_type, const void *src1, const int32_t *src1_stride,
-    uint32_t src2_type, const void *src2, const int32_t *src2_stride);
+                                                  uint32_t dst_type, void *dst, const int32_t *dst_stride,
+                                                  uint32_t src_type, const void *src, const int32_t *src_stride,
+                                                  const double *constant1, const double *constant2, int32_t p,
+                                                  int32_t q);
+typedef int64_t jorm_logic_dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
+                                      uint32_t dst_type, void *dst, const int32_t *dst_stride, uint32_t src1_type,
+                                      const void *src1, const int32_t *src1_stride, uint32_t src2_type,
+                                      const void *src2, const int32_t *src2_stride);
 typedef int64_t jorm_logic_constant_dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
-    uint32_t dst_type, void *dst, const int32_t *dst_stride, uint32_t src_type, const void *src, const int32_t
-    *src_stride, const double *constant);
+                                               uint32_t dst_type, void *dst, const int32_t *dst_stride,
+                                               uint32_t src_type, const void *src, const int32_t *src_stride,
+                                               const double *constant);
 
 JORM_API jorm_binary_dispatcher jorma__add, jorma__addq, jorma__addsq, jorma__sub, jorma__subq, jorma__subsq,
     jorma__rsub, jorma__rsubq, jorma__rsubsq, jorma__mul, jorma__div, jorma__divr, jorma__rdiv, jorma__rdivr;
@@ -285,29 +323,35 @@ JORM_API jorm_logic_constant_dispatcher jorma__andC, jorma__orrC, jorma__xorC;
  * channels, by the strides of the pixel (and channel) slot. Constants are doubles, one per channel. A constant kernel
  * serves every constant exactly; the type that its name gives to the constant is the one meant for it. */
 
-typedef int64_t jorm_not_kernel(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void *dst, const
-    int32_t *dst_stride, const void *src, const int32_t *src_stride);
-typedef int64_t jorm_unary_kernel(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void *dst, const
-    int32_t *dst_stride, const void *src, const int32_t *src_stride, int32_t p, int32_t q);
-typedef int64_t jorm_binary_kernel(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void *dst, const
-    int32_t *dst_stride, const void *src1, const int32_t *src1_stride, const void *src2, const int32_t *src2_stride,
-    int32_t p, int32_t q);
+typedef int64_t jorm_not_kernel(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void *dst,
+                                const int32_t *dst_stride, const void *src, const int32_t *src_stride);
+typedef int64_t jorm_unary_kernel(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void *dst,
+                                  const int32_t *dst_stride, const void *src, const int32_t *src_stride, int32_t p,
+                                  int32_t q);
+typedef int64_t jorm_binary_kernel(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void *dst,
+                                   const int32_t *dst_stride, const void *src1, const int32_t *src1_stride,
+                                   const void *src2, const int32_t *src2_stride, int32_t p, int32_t q);
 typedef int64_t jorm_constant_kernel(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void *dst,
-    const int32_t *dst_stride, const void *src, const int32_t *src_stride, const double *constant, int32_t p, int32_t
-    q);
+                                     const int32_t *dst_stride, const void *src, const int32_t *src_stride,
+                                     const double *constant, int32_t p, int32_t q);
 typedef int64_t jorm_ternary_kernel(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void *dst,
-    const int32_t *dst_stride, const void *src1, const int32_t *src1_stride, const void *src2, const int32_t
-    *src2_stride, const void *src3, const int32_t *src3_stride, int32_t p, int32_t q);
-typedef int64_t jorm_ternary_constant_kernel(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void
-    *dst, const int32_t *dst_stride, const void *src1, const int32_t *src1_stride, const void *src2, const int32_t
-    *src2_stride, const double *constant, int32_t p, int32_t q);
-typedef int64_t jorm_ternary_constants_kernel(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void
-    *dst, const int32_t *dst_stride, const void *src, const int32_t *src_stride, const double *constant1, const double
-    *constant2, int32_t p, int32_t q);
-typedef int64_t jorm_logic_kernel(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void *dst, const
-    int32_t *dst_stride, const void *src1, const int32_t *src1_stride, const void *src2, const int32_t *src2_stride);
-typedef int64_t jorm_logic_constant_kernel(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void
-    *dst, const int32_t *dst_stride, const void *src, const int32_t *src_stride, const double *constant);
+                                    const int32_t *dst_stride, const void *src1, const int32_t *src1_stride,
+                                    const void *src2, const int32_t *src2_stride, const void *src3,
+                                    const int32_t *src3_stride, int32_t p, int32_t q);
+typedef int64_t jorm_ternary_constant_kernel(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
+                                             void *dst, const int32_t *dst_stride, const void *src1,
+                                             const int32_t *src1_stride, const void *src2, const int32_t *src2_stride,
+                                             const double *constant, int32_t p, int32_t q);
+typedef int64_t jorm_ternary_constants_kernel(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
+                                              void *dst, const int32_t *dst_stride, const void *src,
+                                              const int32_t *src_stride, const double *constant1,
+                                              const double *constant2, int32_t p, int32_t q);
+typedef int64_t jorm_logic_kernel(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void *dst,
+                                  const int32_t *dst_stride, const void *src1, const int32_t *src1_stride,
+                                  const void *src2, const int32_t *src2_stride);
+typedef int64_t jorm_logic_constant_kernel(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void *dst,
+                                           const int32_t *dst_stride, const void *src, const int32_t *src_stride,
+                                           const double *constant);
 
 JORM_API jorm_binary_kernel jorma__add_c1_f32f32f32, jorma__add_c1_f32f32s16, jorma__add_c1_f32f32s32,
     jorma__add_c1_f32f32u8, jorma__add_c1_f32s16s16, jorma__add_c1_f32s16u8, jorma__add_c1_f32s32s16,
@@ -336,25 +380,23 @@ JORM_API jorm_logic_constant_kernel jorma__andC_c1_s16s16, jorma__andC_c1_s32s32
     jorma__andC_c4_u8u8;
 JORM_API jorm_binary_kernel jorma__div_c1_f32f32f32, jorma__div_c1_s16s16s16, jorma__div_c1_s32s32s32,
     jorma__div_c1_u8u8u8;
-JORM_API jorm_constant_kernel jorma__divC_c1_f32f32, jorma__divC_c1_s16s16, jorma__divC_c1_s32s32,
-    jorma__divC_c1_u8u8, jorma__divC_c3_f32f32, jorma__divC_c3_s16s16, jorma__divC_c3_s32s32, jorma__divC_c3_u8u8,
-    jorma__divC_c4_f32f32, jorma__divC_c4_s16s16, jorma__divC_c4_s32s32, jorma__divC_c4_u8u8;
+JORM_API jorm_constant_kernel jorma__divC_c1_f32f32, jorma__divC_c1_s16s16, jorma__divC_c1_s32s32, jorma__divC_c1_u8u8,
+    jorma__divC_c3_f32f32, jorma__divC_c3_s16s16, jorma__divC_c3_s32s32, jorma__divC_c3_u8u8, jorma__divC_c4_f32f32,
+    jorma__divC_c4_s16s16, jorma__divC_c4_s32s32, jorma__divC_c4_u8u8;
 JORM_API jorm_binary_kernel jorma__divr_c1_s16s16s16, jorma__divr_c1_s32s32s32, jorma__divr_c1_u8u8u8;
 JORM_API jorm_constant_kernel jorma__divrC_c1_s16s16, jorma__divrC_c1_s32s32, jorma__divrC_c1_u8u8,
     jorma__divrC_c3_s16s16, jorma__divrC_c3_s32s32, jorma__divrC_c3_u8u8, jorma__divrC_c4_s16s16,
     jorma__divrC_c4_s32s32, jorma__divrC_c4_u8u8;
 JORM_API jorm_ternary_constants_kernel jorma__mlaCC_c1_f32f32f32f32, jorma__mlaCC_c1_f32s16s16s16,
-    jorma__mlaCC_c1_f32s32s32s32, jorma__mlaCC_c1_f32u8u8u8, jorma__mlaCC_c1_s16f32f32f32,
-    jorma__mlaCC_c1_s16s16s16s16, jorma__mlaCC_c1_s16s32s32s32, jorma__mlaCC_c1_s16u8u8u8,
-    jorma__mlaCC_c1_s32f32f32f32, jorma__mlaCC_c1_s32s16s16s16, jorma__mlaCC_c1_s32s32s32s32,
-    jorma__mlaCC_c1_s32u8u8u8, jorma__mlaCC_c1_u8f32f32f32, jorma__mlaCC_c1_u8s16s16s16, jorma__mlaCC_c1_u8s32s32s32,
-    jorma__mlaCC_c1_u8u8u8u8;
+    jorma__mlaCC_c1_f32s32s32s32, jorma__mlaCC_c1_f32u8u8u8, jorma__mlaCC_c1_s16f32f32f32, jorma__mlaCC_c1_s16s16s16s16,
+    jorma__mlaCC_c1_s16s32s32s32, jorma__mlaCC_c1_s16u8u8u8, jorma__mlaCC_c1_s32f32f32f32, jorma__mlaCC_c1_s32s16s16s16,
+    jorma__mlaCC_c1_s32s32s32s32, jorma__mlaCC_c1_s32u8u8u8, jorma__mlaCC_c1_u8f32f32f32, jorma__mlaCC_c1_u8s16s16s16,
+    jorma__mlaCC_c1_u8s32s32s32, jorma__mlaCC_c1_u8u8u8u8;
 JORM_API jorm_ternary_constants_kernel jorma__mlsCC_c1_f32f32f32f32, jorma__mlsCC_c1_f32s16s16s16,
-    jorma__mlsCC_c1_f32s32s32s32, jorma__mlsCC_c1_f32u8u8u8, jorma__mlsCC_c1_s16f32f32f32,
-    jorma__mlsCC_c1_s16s16s16s16, jorma__mlsCC_c1_s16s32s32s32, jorma__mlsCC_c1_s16u8u8u8,
-    jorma__mlsCC_c1_s32f32f32f32, jorma__mlsCC_c1_s32s16s16s16, jorma__mlsCC_c1_s32s32s32s32,
-    jorma__mlsCC_c1_s32u8u8u8, jorma__mlsCC_c1_u8f32f32f32, jorma__mlsCC_c1_u8s16s16s16, jorma__mlsCC_c1_u8s32s32s32,
-    jorma__mlsCC_c1_u8u8u8u8;
+    jorma__mlsCC_c1_f32s32s32s32, jorma__mlsCC_c1_f32u8u8u8, jorma__mlsCC_c1_s16f32f32f32, jorma__mlsCC_c1_s16s16s16s16,
+    jorma__mlsCC_c1_s16s32s32s32, jorma__mlsCC_c1_s16u8u8u8, jorma__mlsCC_c1_s32f32f32f32, jorma__mlsCC_c1_s32s16s16s16,
+    jorma__mlsCC_c1_s32s32s32s32, jorma__mlsCC_c1_s32u8u8u8, jorma__mlsCC_c1_u8f32f32f32, jorma__mlsCC_c1_u8s16s16s16,
+    jorma__mlsCC_c1_u8s32s32s32, jorma__mlsCC_c1_u8u8u8u8;
 JORM_API jorm_binary_kernel jorma__mul_c1_f32f32f32, jorma__mul_c1_f32f32s16, jorma__mul_c1_f32f32s32,
     jorma__mul_c1_f32f32u8, jorma__mul_c1_f32s16s16, jorma__mul_c1_f32s16u8, jorma__mul_c1_f32s32s16,
     jorma__mul_c1_f32s32s32, jorma__mul_c1_f32s32u8, jorma__mul_c1_f32u8u8, jorma__mul_c1_s16s16s16,
@@ -383,9 +425,8 @@ JORM_API jorm_logic_constant_kernel jorma__orrC_c1_s16s16, jorma__orrC_c1_s32s32
     jorma__orrC_c3_s16s16, jorma__orrC_c3_s32s32, jorma__orrC_c3_u8u8, jorma__orrC_c4_s16s16, jorma__orrC_c4_s32s32,
     jorma__orrC_c4_u8u8;
 JORM_API jorm_constant_kernel jorma__rdivC_c1_f32f32, jorma__rdivC_c1_s16s16, jorma__rdivC_c1_s32s32,
-    jorma__rdivC_c1_u8u8, jorma__rdivC_c3_f32f32, jorma__rdivC_c3_s16s16, jorma__rdivC_c3_s32s32,
-    jorma__rdivC_c3_u8u8, jorma__rdivC_c4_f32f32, jorma__rdivC_c4_s16s16, jorma__rdivC_c4_s32s32,
-    jorma__rdivC_c4_u8u8;
+    jorma__rdivC_c1_u8u8, jorma__rdivC_c3_f32f32, jorma__rdivC_c3_s16s16, jorma__rdivC_c3_s32s32, jorma__rdivC_c3_u8u8,
+    jorma__rdivC_c4_f32f32, jorma__rdivC_c4_s16s16, jorma__rdivC_c4_s32s32, jorma__rdivC_c4_u8u8;
 JORM_API jorm_constant_kernel jorma__rdivrC_c1_s16s16, jorma__rdivrC_c1_s32s32, jorma__rdivrC_c1_u8u8,
     jorma__rdivrC_c3_s16s16, jorma__rdivrC_c3_s32s32, jorma__rdivrC_c3_u8u8, jorma__rdivrC_c4_s16s16,
     jorma__rdivrC_c4_s32s32, jorma__rdivrC_c4_u8u8;
@@ -524,28 +565,30 @@ typedef struct jorm_pack {
 } jorm_pack;
 
 JORM_API int64_t jorma_call(const jorm_pack *record);
-JORM_API jorm_pack *jorma_genpackL(jorm_pack *record, uint32_t opcode, jorm_proc *entry, jorm_xe *xe, uint64_t
-    options, const void *parameters, uint32_t word, int32_t piece_axes, const int32_t *size, uint32_t type1, const
-    void *base1, const int32_t *origin1, const int32_t *stride1);
-JORM_API jorm_pack *jorma_mappackL(jorm_pack *record, uint32_t opcode, jorm_proc *entry, jorm_xe *xe, uint64_t
-    options, const void *parameters, uint32_t word, int32_t piece_axes, const int32_t *size, uint32_t type1, const
-    void *base1, const int32_t *origin1, const int32_t *stride1, uint32_t type2, const void *base2, const int32_t
-    *origin2, const int32_t *stride2);
-JORM_API jorm_pack *jorma_zippackL(jorm_pack *record, uint32_t opcode, jorm_proc *entry, jorm_xe *xe, uint64_t
-    options, const void *parameters, uint32_t word, int32_t piece_axes, const int32_t *size, uint32_t type1, const
-    void *base1, const int32_t *origin1, const int32_t *stride1, uint32_t type2, const void *base2, const int32_t
-    *origin2, const int32_t *stride2, uint32_t type3, const void *base3, const int32_t *origin3, const int32_t
-    *stride3);
-JORM_API jorm_pack *jorma_zip3packL(jorm_pack *record, uint32_t opcode, jorm_proc *entry, jorm_xe *xe, uint64_t
-    options, const void *parameters, uint32_t word, int32_t piece_axes, const int32_t *size, uint32_t type1, const
-    void *base1, const int32_t *origin1, const int32_t *stride1, uint32_t type2, const void *base2, const int32_t
-    *origin2, const int32_t *stride2, uint32_t type3, const void *base3, const int32_t *origin3, const int32_t
-    *stride3, uint32_t type4, const void *base4, const int32_t *origin4, const int32_t *stride4);
-JORM_API jorm_pack *jorma_zip4packL(jorm_pack *record, uint32_t opcode, jorm_proc *entry, jorm_xe *xe, uint64_t
-    options, const void *parameters, uint32_t word, int32_t piece_axes, const int32_t *size, uint32_t type1, const
-    void *base1, const int32_t *origin1, const int32_t *stride1, uint32_t type2, const void *base2, const int32_t
-    *origin2, const int32_t *stride2, uint32_t type3, const void *base3, const int32_t *origin3, const int32_t
-    *stride3, uint32_t type4, const void *base4, const int32_t *origin4, const int32_t *stride4, uint32_t type5, const
-    void *base5, const int32_t *origin5, const int32_t *stride5);
+JORM_API jorm_pack *jorma_genpackL(jorm_pack *record, uint32_t opcode, jorm_proc *entry, jorm_xe *xe, uint64_t options,
+                                   const void *parameters, uint32_t word, int32_t piece_axes, const int32_t *size,
+                                   uint32_t type1, const void *base1, const int32_t *origin1, const int32_t *stride1);
+JORM_API jorm_pack *jorma_mappackL(jorm_pack *record, uint32_t opcode, jorm_proc *entry, jorm_xe *xe, uint64_t options,
+                                   const void *parameters, uint32_t word, int32_t piece_axes, const int32_t *size,
+                                   uint32_t type1, const void *base1, const int32_t *origin1, const int32_t *stride1,
+                                   uint32_t type2, const void *base2, const int32_t *origin2, const int32_t *stride2);
+JORM_API jorm_pack *jorma_zippackL(jorm_pack *record, uint32_t opcode, jorm_proc *entry, jorm_xe *xe, uint64_t options,
+                                   const void *parameters, uint32_t word, int32_t piece_axes, const int32_t *size,
+                                   uint32_t type1, const void *base1, const int32_t *origin1, const int32_t *stride1,
+                                   uint32_t type2, const void *base2, const int32_t *origin2, const int32_t *stride2,
+                                   uint32_t type3, const void *base3, const int32_t *origin3, const int32_t *stride3);
+JORM_API jorm_pack *jorma_zip3packL(jorm_pack *record, uint32_t opcode, jorm_proc *entry, jorm_xe *xe, uint64_t options,
+                                    const void *parameters, uint32_t word, int32_t piece_axes, const int32_t *size,
+                                    uint32_t type1, const void *base1, const int32_t *origin1, const int32_t *stride1,
+                                    uint32_t type2, const void *base2, const int32_t *origin2, const int32_t *stride2,
+                                    uint32_t type3, const void *base3, const int32_t *origin3, const int32_t *stride3,
+                                    uint32_t type4, const void *base4, const int32_t *origin4, const int32_t *stride4);
+JORM_API jorm_pack *jorma_zip4packL(jorm_pack *record, uint32_t opcode, jorm_proc *entry, jorm_xe *xe, uint64_t options,
+                                    const void *parameters, uint32_t word, int32_t piece_axes, const int32_t *size,
+                                    uint32_t type1, const void *base1, const int32_t *origin1, const int32_t *stride1,
+                                    uint32_t type2, const void *base2, const int32_t *origin2, const int32_t *stride2,
+                                    uint32_t type3, const void *base3, const int32_t *origin3, const int32_t *stride3,
+                                    uint32_t type4, const void *base4, const int32_t *origin4, const int32_t *stride4,
+                                    uint32_t type5, const void *base5, const int32_t *origin5, const int32_t *stride5);
 
 #endif

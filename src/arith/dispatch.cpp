@@ -3,6 +3,7 @@
 #include "jorm/arith.h"
 #include "jorm/convert.h"
 #include "kernel/level_table.hpp"
+#include "kernel/stream.hpp"
 #include "xe/scratch.hpp"
 
 #include <algorithm>
@@ -35,9 +36,8 @@ bool obeys(ConstantRule rule, double c) {
     switch (rule) {
     case ConstantRule::none:
         return false;
-    case ConstantRule::low_bits:
-    case ConstantRule::saturated:
-        return is_whole(c);
+    case ConstantRule::low_bits: return is_whole(c);
+    case ConstantRule::saturated: return is_whole(c) && std::fabs(c) <= 2147483647.0;
     case ConstantRule::small:
         return is_whole(c) && std::fabs(c) <= 16777216.0;
     case ConstantRule::single:
@@ -49,83 +49,85 @@ bool obeys(ConstantRule rule, double c) {
     return false;
 }
 
-// The low 32 bits of a number rounded to nearest even; 0 for what is not finite.
+// What a constant is as an integer: the low 32 bits of the number rounded to nearest even.
 int32_t low_bits(double c) {
-    if (!std::isfinite(c)) return 0;
-    const double rest = std::fmod(std::nearbyint(c), 4294967296.0);
-    return int32_t(uint32_t(int64_t(rest)));
+    return std::isfinite(c) ? int32_t(uint32_t(int64_t(std::fmod(std::nearbyint(c), 4294967296.0)))) : INT32_MIN;
 }
 
-int32_t whole_constant(ConstantRule rule, double c) {
-    if (rule == ConstantRule::saturated)
-        return c < -2147483648.0 ? INT32_MIN : c > 2147483647.0 ? INT32_MAX : int32_t(c);
-    return low_bits(c);
-}
+// The constants of some channels of a call.
+struct Constants {
+    const ArithCall &call;
+    int count;          // per channel
+    int first, channels;
 
-// The constants of one walk: what they are, and room for their patterns.
-class Constants {
-public:
-    Constants(int count, int channels) : count_(count), channels_(channels) {}
-    double at(const ArithCall &call, int i, int channel) const { return call.constant[i][channel]; }
-
-    template <class F> bool all(const ArithCall &call, F f) const {
-        for (int i = 0; i < count_; ++i)
-            for (int c = 0; c < channels_; ++c)
-                if (!f(call.constant[i][c])) return false;
+    double at(int i, int channel) const { return call.constant[i][first + channel]; }
+    template <class F> bool all(F f) const {
+        for (int i = 0; i < count; ++i)
+            for (int c = 0; c < channels; ++c)
+                if (!f(at(i, c))) return false;
         return true;
     }
-    bool uniform(const ArithCall &call) const {
-        for (int i = 0; i < count_; ++i)
-            for (int c = 1; c < channels_; ++c)
-                if (!(call.constant[i][c] == call.constant[i][0])) return false;
+    bool uniform() const {
+        for (int i = 0; i < count; ++i)
+            for (int c = 1; c < channels; ++c)
+                if (!(at(i, c) == at(i, 0))) return false;
         return true;
     }
-    // Lays out the constants from `channel` on; only the first entry when `length` is 1.
-    void lay_out(RowParams &params, const ArithCall &call, ConstantRule rule, int channel, int channels, int length) {
-        for (int i = 0; i < count_; ++i) {
+    // Writes the patterns, or the first `length` entries of them.
+    void lay_out(ConstantPattern *pattern, int length) const {
+        for (int i = 0; i < count; ++i, ++pattern) {
             for (int j = 0; j < std::min(channels, length); ++j) {
-                const double c = call.constant[i][channel + j];
-                pattern_[i].real[j] = c;
-                pattern_[i].whole[j] = is_whole(c) || rule == ConstantRule::rounded ? whole_constant(rule, c) : 0;
+                pattern->real[j] = at(i, j);
+                pattern->whole[j] = low_bits(at(i, j));
             }
             for (int j = channels; j < length; ++j) {
-                pattern_[i].real[j] = pattern_[i].real[j - channels];
-                pattern_[i].whole[j] = pattern_[i].whole[j - channels];
+                pattern->real[j] = pattern->real[j - channels];
+                pattern->whole[j] = pattern->whole[j - channels];
             }
-            params.constants[i] = &pattern_[i];
         }
     }
-
-private:
-    int count_, channels_;
-    ConstantPattern pattern_[2];
 };
 
 enum class Variant { plain, pattern, scaled, real };
 
 // Rows in double precision are exact for whole numbers as well, as long as no result leaves 32 bits.
-bool fits_real_rows(const ArithCall &call, const FamilyKeys &keys, const Constants &constants) {
+bool fits_real_rows(Family family, const Constants &constants) {
+    const ArithCall &call = constants.call;
+    const FamilyKeys &keys = family_keys[family];
+    const bool squares = family == family_addsqC || family == family_subsqC;
     double bound = 1;
     for (int i = 1; i <= keys.sources; ++i)
         bound = std::max(bound, std::ldexp(1.0, 8 * element_size(call.operand[i].type)));
-    return constants.all(call, [&](double c) {
-        return std::ldexp(2 * (bound + 1) * (std::fabs(c) + 1), std::clamp(call.p, 0, 64)) < 2147483648.0;
+    return constants.all([&](double c) {
+        const double most = 2 * (bound + 1) * (std::fabs(c) + 1);
+        return std::ldexp(squares ? most * most : most, std::clamp(call.p, 0, 64)) < 2147483648.0;
     });
 }
 
-Variant choose(const Rows &rows, const Rows &base, const ArithCall &call, const FamilyKeys &keys,
-               const Constants &constants) {
-    if (keys.constants == 0) return call.p == 0 ? Variant::plain : Variant::scaled;
-    const bool logic = rows.rule == ConstantRule::rounded;
-    if ((call.p == 0 || logic) && rows.plain && constants.all(call, [&](double c) { return obeys(rows.rule, c); }))
-        return constants.uniform(call) ? Variant::plain : Variant::pattern;
-    const bool whole = constants.all(call, [](double c) { return is_whole(c) && std::fabs(c) <= 2147483648.0; });
-    return base.scaled && whole && !fits_real_rows(call, keys, constants) ? Variant::scaled : Variant::real;
+Variant choose(Family family, const Rows &rows, const Rows &base, const Constants &constants) {
+    const int32_t p = constants.call.p;
+    if (constants.count == 0) return p == 0 ? Variant::plain : Variant::scaled;
+    const bool unscaled = p == 0 || rows.rule == ConstantRule::rounded;
+    if (unscaled && rows.plain && constants.all([&](double c) { return obeys(rows.rule, c); }))
+        return constants.uniform() ? Variant::plain : Variant::pattern;
+    return base.scaled && constants.all(is_whole) && !fits_real_rows(family, constants) ? Variant::scaled : Variant::real;
+}
+
+Row row_of(Variant variant, const Rows &rows, const Rows &base) {
+    switch (variant) {
+    case Variant::plain: return rows.plain;
+    case Variant::pattern: return rows.pattern;
+    case Variant::real: return rows.real;
+    default: return rows.scaled ? rows.scaled : base.scaled;
+    }
 }
 
 // ---------------------------------------------------------------------- strips
 
 constexpr int64_t strip_bytes = 32768;
+
+// Transcendental functions serve f32 alone.
+bool converts(Family f) { return f != family_exp && f != family_ln && f != family_sigmoid; }
 
 bool is_float(uint32_t type) { return type == JORM_F32; }
 
@@ -169,7 +171,7 @@ int64_t run_through_strip(Family family, int line, uint32_t type, const Shape &s
             }
             const Operand dst = part.operand[0];
             part.operand[0] = operand(type, strip.get(), strip_stride);
-            int64_t status = run_kernel(family, line, shape.channels, part);
+            int64_t status = run_kernel(family, line, shape.channels, std::move(part));
             if (status == JORM_OK)
                 status = _jorma__swtconvert(call.xe, call.options, part.word, size, dst.type, dst.start, dst.stride,
                                             type, strip.get(), strip_stride);
@@ -215,7 +217,7 @@ bool add_to_itself(const ArithCall &call) {
     static constexpr double two[4] = {2, 2, 2, 2};
     ArithCall twice = call;
     twice.constant[0] = two;
-    return dispatch(family_mulC, twice) == JORM_OK;
+    return dispatch(family_mulC, std::move(twice)) == JORM_OK;
 }
 
 bool complete(Family family, const ArithCall &call) {
@@ -229,7 +231,7 @@ bool complete(Family family, const ArithCall &call) {
 
 } // namespace
 
-int64_t run_kernel(Family family, int line, int channels, ArithCall call) {
+int64_t run_kernel(Family family, int line, int channels, ArithCall &&call) {
     Shape shape;
     const FamilyKeys &keys = family_keys[family];
     if (!complete(family, call) || line < 0) return JORM_EINVAL;
@@ -238,29 +240,34 @@ int64_t run_kernel(Family family, int line, int channels, ArithCall call) {
     // Kernels are told their types by their names: operands need not repeat them.
     for (int i = 0; i <= keys.sources; ++i) call.operand[i].type = keys.keys[line] >> 4 * (keys.sources - i) & 15;
 
-    const Rows &rows = find_rows(level(call.options), family, line), &base = find_rows(level_base, family, line);
-    Constants constants(keys.constants, channels);
-    const Variant variant = choose(rows, base, call, keys, constants);
-    const Row row = variant == Variant::plain     ? rows.plain
-                    : variant == Variant::pattern ? rows.pattern
-                    : variant == Variant::real    ? rows.real
-                    : rows.scaled                 ? rows.scaled
-                                                  : base.scaled;
-    RowParams params = {call.p, std::ldexp(1.0, std::clamp(call.p, -1000, 1000)), {}};
-    const int count = 1 + keys.sources;
-    const int length = variant == Variant::plain ? 1 : pattern_length;
-    if (channels_fold(shape, call.operand, count)) {
-        constants.lay_out(params, call, rows.rule, 0, channels, length);
-        walk(make_walk(shape, call.operand, count, -1), row, params);
-    } else
-        for (int c = 0; c < channels; ++c) {
-            constants.lay_out(params, call, rows.rule, c, 1, length);
-            walk(make_walk(shape, call.operand, count, c), row, params);
-        }
+    const Level which = level(call.options);
+    const Rows &rows = find_rows(which, family, line), &base = find_rows(level_base, family, line);
+    ConstantPattern pattern[2];
+    RowParams params;
+    params.shift = std::clamp(call.p, -200, 200); // from there on nothing changes
+    if (call.p != 0) params.scale = std::ldexp(1.0, std::clamp(call.p, -1000, 1000));
+    params.stream = stream_at(which);
+    params.constants[0] = &pattern[0];
+    params.constants[1] = &pattern[1];
+
+    // Channels run together where their pixels are dense and their constants call for the same rows.
+    const Constants all = {call, keys.constants, 0, channels};
+    const Variant variant = choose(family, rows, base, all);
+    bool together = channels_fold(shape, call.operand, 1 + keys.sources);
+    if (variant == Variant::real || variant == Variant::scaled)
+        for (int c = 0; c < channels && keys.constants > 0; ++c)
+            together = together && choose(family, rows, base, {call, keys.constants, c, 1}) == variant;
+    for (int c = 0; c < (together ? 1 : channels); ++c) {
+        const Constants some = together ? all : Constants{call, keys.constants, c, 1};
+        const Variant own = together ? variant : choose(family, rows, base, some);
+        some.lay_out(pattern, own == Variant::plain ? 1 : pattern_length);
+        Walk w = make_walk(shape, call.operand, 1 + keys.sources, together ? -1 : c);
+        walk(w, row_of(own, rows, base), params);
+    }
     return JORM_OK;
 }
 
-int64_t dispatch(Family family, ArithCall call) {
+int64_t dispatch(Family family, ArithCall &&call) {
     Shape shape;
     if (!complete(family, call)) return JORM_EINVAL;
     if (int64_t status = read_shape(shape, call.word, call.size); status != JORM_OK) return status;
@@ -272,18 +279,19 @@ int64_t dispatch(Family family, ArithCall call) {
         std::swap(o[1], o[2]);
         family = exchanged(family);
     }
-    if (family == family_add && same_memory(shape, o[1], o[2]) && add_to_itself(call)) return JORM_OK;
 
     const uint32_t dst = o[0].type;
     bool formed = dst < 16;
     for (int i = 1; i <= sources; ++i) formed = formed && o[i].type < 16;
-    if (const int line = formed ? find_line(family, key_of(call, sources, dst)) : -1; line >= 0)
-        return run_kernel(family, line, shape.channels, call);
+    if (const int line = formed ? find_line(family, key_of(call, sources, dst)) : -1; line >= 0) {
+        if (family == family_add && same_memory(shape, o[1], o[2]) && add_to_itself(call)) return JORM_OK;
+        return run_kernel(family, line, shape.channels, std::move(call));
+    }
 
     uint32_t widest = o[1].type;
     for (int i = 2; i <= sources; ++i)
         if (wider(o[i].type, widest)) widest = o[i].type;
-    if (formed && element_size(widest) > element_size(dst) &&
+    if (formed && converts(family) && element_size(widest) > element_size(dst) &&
         jorma__tcvtfun_imp(dst, widest, nullptr) != jorma_proc_enotsup)
         if (const int line = find_line(family, key_of(call, sources, widest)); line >= 0)
             return run_through_strip(family, line, widest, shape, call);

@@ -17,10 +17,10 @@ struct ArithCall {
 };
 
 // Orders the sources, finds the kernel, goes through a scratch strip where the destination is narrower than a source.
-int64_t dispatch(Family family, ArithCall call);
+int64_t dispatch(Family family, ArithCall &&call);
 
 // Runs the kernel in this line of the family's list on `channels` interleaved channels: the typed kernels.
-int64_t run_kernel(Family family, int line, int channels, ArithCall call);
+int64_t run_kernel(Family family, int line, int channels, ArithCall &&call);
 
 // How a family is called, and the keys of its list: the types of the destination and the sources, four bits each.
 struct FamilyKeys {

@@ -1,5 +1,5 @@
 // Sites of arrays, negotiation of regions, overlap, sub-arrays.
-#include "array/element.hpp"
+#include "array/region.hpp"
 #include "array/vec.hpp"
 #include "jorm/array.h"
 
@@ -16,43 +16,6 @@ static_assert(sizeof(jorm_array) == 80 && offsetof(jorm_array, extent) == 0 &&
 static_assert(sizeof(jorm_site) == 32 && offsetof(jorm_site, size) == 16);
 
 namespace {
-
-// Regions are negotiated over the spatial slots; fewer than three of them are the inner ones.
-int32_t spatial_slots(int32_t n) { return n >= 1 && n <= 3 ? n : 3; }
-
-jorm_site site_of(const uint32_t *extent) {
-    jorm_site site = {};
-    for (int32_t i = 0; i < 4; ++i) site.size[i] = int32_t(extent[i]);
-    return site;
-}
-
-// The whole array, the channel slot holding the number of stored channels.
-jorm_site explicit_site_of(const jorm_array &a) {
-    jorm_site site = site_of(a.extent);
-    site.size[3] = stored_channels(a.extent[3]);
-    return site;
-}
-
-struct Interval {
-    int32_t origin, size;
-};
-
-Interval intersection(int64_t origin, int64_t size, int64_t other_origin, int64_t other_size) {
-    const int64_t begin = origin < other_origin ? other_origin : origin;
-    const int64_t end = origin + size, other_end = other_origin + other_size;
-    return {int32_t(begin), saturate_i32((end < other_end ? end : other_end) - begin)};
-}
-
-// a and b meet in their slots; the result may lie in either.
-int32_t intersect(jorm_site &out, const jorm_site &a, const jorm_site &b) {
-    return jorm_intersec(4, out.origin, out.size, a.origin, a.size, b.origin, b.size);
-}
-
-// The whole of a, or what the region leaves of it; false when a slot is empty.
-int32_t region_of(const jorm_array &a, jorm_site &site, const jorm_site *roi) {
-    const jorm_site whole = explicit_site_of(a);
-    return intersect(site, whole, roi ? *roi : whole);
-}
 
 // Brings one slot of two regions to the proportion `scale` (size of a per unit of b). False when that empties it.
 bool fit_scaled(int32_t &size_a, int32_t &size_b, double &scale) {
@@ -127,14 +90,7 @@ jorm_array *sub_array(jorm_array *out, const jorm_array *a, const jorm_site *sit
 int32_t jorm_intersec(int32_t n, int32_t *out_origin, int32_t *out_size, const int32_t *origin, const int32_t *size,
                       const int32_t *other_origin, const int32_t *other_size) {
     if (n < 1 || !origin || !size || !other_origin || !other_size) return 0;
-    int32_t common = 1;
-    for (int32_t i = 0; i < n; ++i) {
-        const Interval meet = intersection(origin[i], size[i], other_origin[i], other_size[i]);
-        if (out_origin) out_origin[i] = meet.origin;
-        if (out_size) out_size[i] = meet.size;
-        common &= meet.size > 0;
-    }
-    return common;
+    return intersect_slots(n, out_origin, out_size, origin, size, other_origin, other_size);
 }
 
 int32_t jorm_intersecI(int32_t n, int32_t *origin, int32_t *size, const int32_t *other_origin,
@@ -169,12 +125,8 @@ jorm_site *jorm_arr_siteofAt_$g2(const jorm_array *a, jorm_site *site, int32_t y
 }
 
 jorm_site *jorm_arr__siteofAt(const jorm_array *a, int32_t n, jorm_site *site, const int32_t *at) {
-    if (!jorm_arr__siteof(a, n, site)) return nullptr;
-    if (!at) return site;
-    const int32_t used = spatial_slots(n), first = 3 - used;
-    const int32_t *whole = &site->size[first];
-    const int32_t origin[3] = {};
-    jorm_intersec(used, &site->origin[first], &site->size[first], origin, whole, at, whole);
+    if (!a || !site) return nullptr;
+    site_at(*a, spatial_slots(n), *site, at);
     return site;
 }
 
@@ -193,11 +145,7 @@ jorm_site *jorm_arr_adjustRoi_$I(const jorm_array *a, jorm_site *site) { return 
 int32_t jorm_arr_negotiateRoi(const jorm_array *a, const jorm_array *b, jorm_site *site_a, jorm_site *site_b,
                               const jorm_site *roi_a, const int32_t *at_b, int32_t n) {
     if (!a || !b || !site_a || !site_b) return 0;
-    region_of(*a, *site_a, roi_a);
-    jorm_arr_siteofAt(b, site_b, at_b);
-    const int32_t used = spatial_slots(n), first = 3 - used;
-    vec_binary_in_place<Min>(used, &site_a->size[first], &site_b->size[first]);
-    return jorm_vec__assign_$Z(used, &site_b->size[first], &site_a->size[first]);
+    return negotiate_region(*a, *b, *site_a, *site_b, roi_a, at_b, spatial_slots(n));
 }
 
 int32_t jorm_arr_negotiateRoiEx(const jorm_array *a, const jorm_array *b, jorm_site *site_a, jorm_site *site_b,

@@ -51,7 +51,10 @@ template <int N> bool channels_fold(const Shape &s, const Operand (&operands)[N]
 template <int N> Walk make_walk(const Shape &s, const Operand (&operands)[N], int count, int channel) {
     static_assert(N == 1 + max_sources);
     const bool fold = channel < 0 && s.channels > 1;
-    Walk w = {s.rows, fold ? int64_t(s.pixels) * s.channels : s.pixels, count, {}};
+    Walk w;
+    w.rows = s.rows;
+    w.length = fold ? int64_t(s.pixels) * s.channels : s.pixels;
+    w.operands = count;
     for (int i = 0; i < count; ++i) {
         const Operand &o = operands[i];
         const int32_t element = element_size(o.type);

@@ -1,8 +1,9 @@
 #include "kernel/front.hpp"
 
-#include "array/element.hpp"
+#include "array/region.hpp"
 #include "jorm/array.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace jorm {
@@ -15,10 +16,20 @@ bool valid_destination(const jorm_array *a) {
            channels_of(*a) <= 4 && describes_memory(a);
 }
 
-bool valid_source(const jorm_array *a, const jorm_array &dst) {
+bool valid_source(const FrontSource &source, const jorm_array &dst) {
+    const jorm_array *a = source.array;
+    const bool mask = source.role == Role::mask;
     return a && (a->ndims == dst.ndims || (dst.ndims == 4 && a->ndims == 3)) &&
-           (a->extent[0] == dst.extent[0] || a->extent[0] == 1) && channels_of(*a) == channels_of(dst) &&
-           describes_memory(a);
+           (a->extent[0] == dst.extent[0] || a->extent[0] == 1) &&
+           (channels_of(*a) == channels_of(dst) || (mask && channels_of(*a) == 1)) &&
+           (!mask || a->eltype == JORM_U8 || a->eltype == JORM_S8) && describes_memory(a);
+}
+
+bool agree(const jorm_array *dst, const FrontSource *source, int count) {
+    if (!valid_destination(dst)) return false;
+    for (int i = 0; i < count; ++i)
+        if (!valid_source(source[i], *dst)) return false;
+    return true;
 }
 
 // What a source other than the last offers of the common size. False when nothing is left.
@@ -30,23 +41,21 @@ bool clip_to_source(jorm_site &common, const FrontSource &source) {
     site.size[1] = common.size[1];
     site.size[2] = common.size[2];
     site.size[3] = channels_of(*source.array);
-    jorm_arr_adjustRoi_$I(source.array, &site);
+    region_of(*source.array, site, &site);
     for (int i = 0; i < 3; ++i)
         if (site.size[i] <= 0) return false;
+    common.size[0] = std::min(common.size[0], site.size[0]);
     common.size[1] = site.size[1];
     common.size[2] = site.size[2];
     return true;
 }
 
-// The start index with the linear offset folded in; what the strides cannot express stays with the base.
-void fold_offset(FrontOperand &o, const jorm_array &a, const int32_t *origin) {
-    std::memcpy(o.origin, origin, sizeof o.origin);
-    std::memcpy(o.stride, a.stride, sizeof o.stride);
-    const int64_t before = jorm_vec_mkloff(4, o.origin, o.stride);
-    jorm_vec_update_$loff(4, o.origin, o.stride, a.loff);
-    const int64_t folded = jorm_vec_mkloff(4, o.origin, o.stride) - before;
-    o.type = a.eltype;
-    o.base = static_cast<char *>(a.base) + (a.loff - folded);
+// The first of the source's channels, and how many channels it leaves of the region's.
+int32_t first_channel(const FrontSource &source, int32_t &channels) {
+    if (source.role == Role::mask && channels_of(*source.array) == 1) return 0;
+    const int32_t first = source.at ? std::max(source.at[3], 0) : 0;
+    channels = std::min(channels, channels_of(*source.array) - std::min(first, 4));
+    return first;
 }
 
 // Where a source's region starts: never before its first element.
@@ -69,34 +78,60 @@ bool describes_memory(const jorm_array *a) {
     return true;
 }
 
-int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *roi, std::initializer_list<FrontSource> given) {
+// What the strides cannot express stays with the base.
+void fold_operand(FrontOperand &o, const jorm_array &a, const int32_t *origin) {
+    std::memcpy(o.origin, origin, sizeof o.origin);
+    std::memcpy(o.stride, a.stride, sizeof o.stride);
+    int64_t folded = 0;
+    if (a.loff != 0) {
+        folded = -jorm_vec_mkloff(4, o.origin, o.stride);
+        jorm_vec_update_$loff(4, o.origin, o.stride, a.loff);
+        folded += jorm_vec_mkloff(4, o.origin, o.stride);
+    }
+    o.type = a.eltype;
+    o.base = static_cast<char *>(a.base) + (a.loff - folded);
+}
+
+int64_t check_operands(const jorm_array *dst, std::initializer_list<FrontSource> sources) {
+    return agree(dst, sources.begin(), int(sources.size())) ? JORM_OK : JORM_EINVAL;
+}
+
+int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *roi, std::initializer_list<FrontSource> given,
+                  Channels channels) {
     FrontSource source[max_sources];
     const int count = int(given.size());
     for (int i = 0; i < count; ++i) source[i] = given.begin()[i];
-    if (count > 0 && !source[0].array) {
+    if (count > 0 && !source[0].array && source[0].role == Role::source) {
         source[0].array = dst;
         if (!source[0].at && roi) source[0].at = roi->origin;
     }
-    if (!valid_destination(dst)) return JORM_EINVAL;
-    for (int i = 0; i < count; ++i)
-        if (!valid_source(source[i].array, *dst)) return JORM_EINVAL;
+    if (!agree(dst, source, count)) return JORM_EINVAL;
 
-    const FrontSource last = count > 0 ? source[count - 1] : FrontSource{dst, roi ? roi->origin : nullptr};
+    const FrontSource last = count > 0 ? source[count - 1] : FrontSource{dst, nullptr};
     jorm_site common, other;
-    if (!jorm_arr_negotiateRoi(dst, last.array, &common, &other, roi, last.at, 3)) return JORM_EEMPTY;
+    if (!negotiate_region(*dst, *last.array, common, other, roi, last.at, 3)) return JORM_EEMPTY;
     for (int i = 0; i + 1 < count; ++i)
         if (!clip_to_source(common, source[i])) return JORM_EEMPTY;
+
+    int32_t first[1 + max_sources] = {}, count_of_channels = channels_of(*dst);
+    if (channels == Channels::region) {
+        first[0] = common.origin[3];
+        count_of_channels = common.size[3];
+        for (int i = 0; i < count; ++i) first[1 + i] = first_channel(source[i], count_of_channels);
+        if (count_of_channels < 1) return JORM_EEMPTY;
+    }
 
     front.first = 4 - dst->ndims;
     front.word = JORM_WORD(dst->ndims);
     std::memcpy(front.size, common.size, sizeof front.size);
-    front.size[3] = channels_of(*dst);
-    common.origin[3] = 0;
-    fold_offset(front.operand[0], *dst, common.origin);
+    front.size[3] = count_of_channels;
+    common.origin[3] = first[0];
+    fold_operand(front.operand[0], *dst, common.origin);
     for (int i = 0; i < count; ++i) {
         int32_t origin[4];
         source_origin(origin, source[i].at);
-        fold_offset(front.operand[1 + i], *source[i].array, origin);
+        origin[3] = first[1 + i];
+        fold_operand(front.operand[1 + i], *source[i].array, origin);
     }
     return JORM_OK;
 }

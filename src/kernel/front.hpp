@@ -12,10 +12,18 @@ constexpr uint32_t fourcc(const char (&s)[5]) {
     return uint32_t(uint8_t(s[0])) << 24 | uint32_t(uint8_t(s[1])) << 16 | uint32_t(uint8_t(s[2])) << 8 | uint8_t(s[3]);
 }
 
+// What an operand beside the destination is: a source, or a mask of bytes with one channel or as many as the others.
+enum class Role : uint8_t { source, mask };
+
 struct FrontSource {
     const jorm_array *array;
     const int32_t *at; // where its region starts, null for its origin
+    Role role = Role::source;
 };
+
+// Which channels an operation works on: all of them, or those that the region names. The channels of a source then
+// start at the channel slot of its start point.
+enum class Channels : uint8_t { all, region };
 
 // An array ready for an adapter.
 struct FrontOperand {
@@ -39,8 +47,14 @@ struct Front {
 
 // Checks the destination and the sources, negotiates the region and fills the front. A null first source means the
 // destination itself. Four-axis arrays pass here; the caller decides about them by word. Returns a status.
-int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *roi,
-                  std::initializer_list<FrontSource> sources);
+int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *roi, std::initializer_list<FrontSource> sources,
+                  Channels channels = Channels::region);
+
+// The check of the descriptors alone, for fronts that negotiate by rules of their own.
+int64_t check_operands(const jorm_array *dst, std::initializer_list<FrontSource> sources);
+
+// An operand whose region starts at `origin` (four slots), with the linear offset folded in.
+void fold_operand(FrontOperand &o, const jorm_array &a, const int32_t *origin);
 
 // An array that a descriptor can really describe: no null base, elements at multiples of their size.
 bool describes_memory(const jorm_array *a);

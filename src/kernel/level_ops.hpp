@@ -19,6 +19,7 @@ using s8 = int8_t;
 using s16 = int16_t;
 using s32 = int32_t;
 using s64 = int64_t;
+using s128 = __int128;
 using f32 = float;
 using f64 = double;
 
@@ -64,6 +65,7 @@ template <class C> struct Unsigned { using type = C; };
 template <> struct Unsigned<s16> { using type = uint16_t; };
 template <> struct Unsigned<s32> { using type = uint32_t; };
 template <> struct Unsigned<s64> { using type = uint64_t; };
+template <> struct Unsigned<s128> { using type = unsigned __int128; };
 
 // x / 2^k to nearest even, 1 <= k < bits of C; exact for every x.
 template <class C> [[gnu::always_inline]] inline C shift_right(C x, int k) {
@@ -73,11 +75,17 @@ template <class C> [[gnu::always_inline]] inline C shift_right(C x, int k) {
     return C(quotient + C(U(rest + (quotient & 1)) > U(U(1) << (k - 1)) ? 1 : 0));
 }
 
+// The same for values that leave room for half a unit below the type's limit: one addition less.
+template <class C> [[gnu::always_inline]] inline C shift_right_small(C x, int k) {
+    const C half = C((C(1) << (k - 1)) - 1), quotient = C(x >> k), sum = C(x + half + (quotient & 1));
+    return C(sum >> k);
+}
+
 template <class D, class C> [[gnu::always_inline]] inline D clamp(C x) {
     if constexpr (is_real<D>)
         return D(x);
     else {
-        const C lo = lowest<C> > lowest<D> ? C(0) : C(lowest<D>), hi = C(largest<D>);
+        const C lo = C(-1) > 0 && lowest<D> < 0 ? C(0) : C(lowest<D>), hi = C(largest<D>);
         return D(x < lo ? lo : x > hi ? hi : x);
     }
 }
@@ -94,19 +102,21 @@ template <class D, bool Clamp, class C> [[gnu::always_inline]] inline D store(C 
         return D(x);
 }
 
-// x * 2^p for any p, of 64-bit integers: the slow road for shifts to the left and very long ones.
+// x * 2^p for any p, of integers: the slow road for shifts to the left and very long ones.
 template <class D, bool Clamp, class C> [[gnu::always_inline]] inline D store_shifted(C x, int p) {
+    using U = typename Unsigned<C>::type;
+    constexpr int width = int(sizeof(C)) * 8;
     if (p < 0) {
-        if (p < -63) return D(C(-1) > 0 && p == -64 && uint64_t(x) > uint64_t(1) << 63 ? 1 : 0);
+        if (p <= -width) return D(C(-1) > 0 && p == -width && x > C(U(1) << (width - 1)) ? 1 : 0);
         return store<D, Clamp>(shift_right(x, -p));
     }
-    const int k = p > 63 ? 63 : p;
+    if (p >= width) return D(!Clamp || x == 0 ? 0 : x > 0 ? largest<D> : lowest<D>);
     if constexpr (Clamp) {
         constexpr C top = C(largest<D>), bottom = C(lowest<D>);
-        if (x > top >> k) return D(largest<D>);
-        if (C(-1) < 0 && x < bottom >> k) return D(lowest<D>);
+        if (x > top >> p) return D(largest<D>);
+        if (C(-1) < 0 && x < bottom >> p) return D(lowest<D>);
     }
-    return p > 63 ? D(0) : store<D, Clamp>(C(uint64_t(x) << k));
+    return store<D, Clamp>(C(U(x) << p));
 }
 
 // ------------------------------------------------------- loops over one row

@@ -11,26 +11,30 @@ constexpr int max_sources = 3;
 constexpr int pattern_length = 192;
 
 struct ConstantPattern {
-    int32_t whole[pattern_length]; // for the rules low_bits, saturated and small; see ConstantRule
+    int32_t whole[pattern_length]; // rounded to nearest even, the low 32 bits
     double real[pattern_length];   // as given
 };
 
-// Which constants the fast rows of a constant form serve, and what they find in ConstantPattern::whole.
+// Which constants the fast rows of a constant form serve.
 enum class ConstantRule : uint8_t {
     none,      // the fast rows do not exist
-    low_bits,  // whole numbers; their low 32 bits
-    saturated, // whole numbers; saturated to 32 bits
+    low_bits,  // whole numbers, of which only the low bits matter
+    saturated, // whole numbers of 32 bits
     small,     // whole numbers of at most 24 bits
     single,    // numbers that single precision holds
     any,       // all
-    rounded    // all; rounded to nearest even, then the low 32 bits
+    rounded    // all, rounded to nearest even
 };
+
+// Copies a block past the cache to memory.
+using StreamCopy = void (*)(void *to, const void *from, int64_t bytes);
 
 // What is the same for every row of a call.
 struct RowParams {
-    int32_t shift;                       // results are scaled by 2^shift
-    double scale;                        // 2^shift
-    const ConstantPattern *constants[2]; // null when the operation has none
+    int32_t shift = 0;                        // results are scaled by 2^shift
+    double scale = 1;                         // 2^shift
+    const ConstantPattern *constants[2] = {}; // null when the operation has none
+    StreamCopy stream = nullptr;              // how large results leave; null where that does not pay
 };
 
 // Computes n dense elements. dst may be a source; rows never overlap otherwise.
@@ -39,7 +43,7 @@ using Row = void (*)(void *dst, const void *const *src, int64_t n, const RowPara
 // The rows of one combination of element types. Without constants: plain and scaled.
 struct Rows {
     Row plain;   // not scaled; constants: the same one for every channel, within the rule
-    Row scaled;  // any shift; constants: whole numbers of at most 2^31
+    Row scaled;  // any shift; constants: whole numbers
     Row pattern; // as plain, constants by channel
     Row real;    // any shift, any constants
     ConstantRule rule;

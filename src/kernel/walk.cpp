@@ -3,10 +3,6 @@
 #include <algorithm>
 #include <cstring>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 namespace jorm {
 namespace {
 
@@ -14,11 +10,17 @@ namespace {
 constexpr int64_t block_bytes = 2048;
 constexpr int64_t line = 64;
 
-constexpr int64_t block_elements(int32_t element) { return block_bytes / element / pattern_length * pattern_length; }
+constexpr int64_t block_elements(int64_t bytes, int32_t element) {
+    const int64_t patterns = bytes / element / pattern_length;
+    return (patterns < 1 ? 1 : patterns) * pattern_length;
+}
+
+// Results are streamed in smaller blocks, so that reading and writing alternate.
+constexpr int64_t streamed_block_bytes = 1024;
 
 // From this traffic on, results would leave the cache before anyone reads them: they are written past it, which saves
-// reading the lines that they overwrite.
-constexpr int64_t streaming_bytes = int64_t(12) << 20;
+// reading the lines that they overwrite. With one source that saves less.
+constexpr double streaming_bytes_one = 24 << 20, streaming_bytes_more = 5 << 20;
 
 template <class T> void gather(void *to, const WalkOperand &from, const char *start, int64_t n) {
     T *t = static_cast<T *>(to);
@@ -58,27 +60,6 @@ void scatter(const WalkOperand &to, char *start, const void *from, int64_t n) {
     }
 }
 
-// Copies past the cache; the lines at both ends, which belong to others too, go through it.
-void stream(char *to, const char *from, int64_t bytes) {
-#if defined(__SSE2__)
-    const int64_t head = std::min(bytes, int64_t(-reinterpret_cast<uintptr_t>(to) & (line - 1)));
-    const int64_t body = (bytes - head) / line * line;
-    std::memcpy(to, from, size_t(head));
-    for (int64_t i = head; i < head + body; i += 16)
-        _mm_stream_si128(reinterpret_cast<__m128i *>(to + i),
-                         _mm_loadu_si128(reinterpret_cast<const __m128i *>(from + i)));
-    std::memcpy(to + head + body, from + head + body, size_t(bytes - head - body));
-#else
-    std::memcpy(to, from, size_t(bytes));
-#endif
-}
-
-void end_streaming() {
-#if defined(__SSE2__)
-    _mm_sfence();
-#endif
-}
-
 bool dense(const WalkOperand &o) { return o.stride == o.element && o.repeat == 1; }
 
 // The operands that are arrays.
@@ -88,6 +69,8 @@ bool all_dense(const Walk &w) { return std::all_of(w.operand + first_array(w), w
 
 // One axis where the layout allows it: rows of one element, and rows that follow each other in every operand.
 void merge_rows(Walk &w) {
+    int64_t merged;
+    if (__builtin_mul_overflow(w.rows, w.length, &merged)) return;
     if (w.length == 1)
         for (int i = first_array(w); i < w.operands; ++i) w.operand[i].stride = w.operand[i].row_stride;
     else {
@@ -95,30 +78,48 @@ void merge_rows(Walk &w) {
         for (int i = first_array(w); i < w.operands; ++i)
             if (w.operand[i].row_stride != w.length / w.operand[i].repeat * w.operand[i].stride) return;
     }
-    w.length *= w.rows;
+    w.length = merged;
     w.rows = 1;
 }
 
 // Streaming pays when the destination is not among the sources, whose lines are in the cache anyway.
 bool wants_streaming(const Walk &w) {
-    int64_t bytes = 0;
-    for (int i = 0; i < w.operands; ++i) bytes += w.rows * w.length * w.operand[i].element;
-    if (bytes < streaming_bytes || w.kind != WalkKind::map || !dense(w.operand[0])) return false;
+    double bytes = 0;
+    for (int i = 0; i < w.operands; ++i) bytes += double(w.rows) * double(w.length) * w.operand[i].element;
+    if (bytes < (w.operands > 2 ? streaming_bytes_more : streaming_bytes_one)) return false;
+    if (w.kind != WalkKind::map || !all_dense(w)) return false;
     auto low = [&](const WalkOperand &o) { return o.start + std::min<int64_t>(0, (w.rows - 1) * o.row_stride); };
     auto high = [&](const WalkOperand &o) {
-        return o.start + std::max<int64_t>(0, (w.rows - 1) * o.row_stride) + std::max<int64_t>(o.stride, 0) * w.length;
+        return o.start + std::max<int64_t>(0, (w.rows - 1) * o.row_stride) + o.element * w.length;
     };
     for (int i = 1; i < w.operands; ++i)
         if (low(w.operand[i]) < high(w.operand[0]) && low(w.operand[0]) < high(w.operand[i])) return false;
     return true;
 }
 
-void walk_blocks(const Walk &w, Row row, const RowParams &params, bool streaming) {
+void walk_streaming(const Walk &w, Row row, const RowParams &params) {
+    alignas(line) char block[block_bytes];
+    const int64_t step = block_elements(streamed_block_bytes, w.operand[0].element);
+    for (int64_t y = 0; y < w.rows; ++y) {
+        char *dst = w.operand[0].start + y * w.operand[0].row_stride;
+        const void *src[max_sources] = {};
+        for (int64_t x = 0; x < w.length; x += step) {
+            const int64_t n = std::min(step, w.length - x);
+            for (int i = 1; i < w.operands; ++i)
+                src[i - 1] = w.operand[i].start + y * w.operand[i].row_stride + x * w.operand[i].element;
+            row(block, src, n, params);
+            params.stream(dst + x * w.operand[0].element, block, n * w.operand[0].element);
+        }
+    }
+    params.stream(nullptr, nullptr, 0);
+}
+
+void walk_blocks(const Walk &w, Row row, const RowParams &params) {
     alignas(line) char block[1 + max_sources][block_bytes];
     int32_t widest = 1;
     for (int i = first_array(w); i < w.operands; ++i) widest = std::max(widest, w.operand[i].element);
-    const int64_t step = block_elements(widest);
-    const bool direct = w.kind == WalkKind::reduce || (dense(w.operand[0]) && !streaming);
+    const int64_t step = block_elements(block_bytes, widest);
+    const bool direct = w.kind == WalkKind::reduce || dense(w.operand[0]);
     for (int64_t y = 0; y < w.rows; ++y)
         for (int64_t x = 0; x < w.length; x += step) {
             const int64_t n = std::min(step, w.length - x);
@@ -135,21 +136,17 @@ void walk_blocks(const Walk &w, Row row, const RowParams &params, bool streaming
                 if (i > 0 ? !dense(o) : w.kind == WalkKind::update && !direct) gather(block[i], o, start[i], n);
             }
             row(direct ? start[0] : block[0], src, n, params);
-            if (streaming)
-                stream(start[0], block[0], n * w.operand[0].element);
-            else if (!direct)
-                scatter(w.operand[0], start[0], block[0], n);
+            if (!direct) scatter(w.operand[0], start[0], block[0], n);
         }
-    if (streaming) end_streaming();
 }
 
 } // namespace
 
-void walk(Walk w, Row row, const RowParams &params) {
+void walk(Walk &w, Row row, const RowParams &params) {
     if (w.rows <= 0 || w.length <= 0) return;
     merge_rows(w);
-    const bool streaming = wants_streaming(w);
-    if (streaming || !all_dense(w)) return walk_blocks(w, row, params, streaming);
+    if (!all_dense(w)) return walk_blocks(w, row, params);
+    if (params.stream && wants_streaming(w)) return walk_streaming(w, row, params);
     const int64_t dst_step = w.kind == WalkKind::reduce ? 0 : w.operand[0].row_stride;
     for (int64_t y = 0; y < w.rows; ++y) {
         const void *src[max_sources] = {};

@@ -31,7 +31,7 @@ struct Walk {
 // Runs the row over everything, from the first element of the first row on. Dense data goes straight in, rows that
 // follow each other in memory as one. Other layouts pass through blocks on the stack; so do results too large to stay
 // in the cache, which are then streamed to memory. An operand may be the destination itself; the results of other
-// overlaps are unspecified.
-void walk(Walk w, Row row, const RowParams &params);
+// overlaps are unspecified. Merges the rows of `w` on the way.
+void walk(Walk &w, Row row, const RowParams &params);
 
 } // namespace jorm

@@ -36,7 +36,7 @@ using exact_type = select<any_real<T...>, f64, typename WholeType<G, widest<T...
 // Computes a result that goes into f32 so that it is rounded once where that is possible; a product and a sum of three
 // f32 operands round once each.
 template <Growth G, class... T>
-using float_type = select<any_real<T...>, select<G == Growth::product_sum ? !all_f32<T...> : any_s32<T...>, f64, f32>,
+using float_type = select<any_real<T...>, select<G == Growth::product_sum ? !all_f32<T...> : G == Growth::square || any_s32<T...>, f64, f32>,
                           select<any_s32<T...> && G == Growth::sum, f64, exact_type<G, T...>>>;
 
 // What the loop without a scale computes in: wrapping results need only the low bits.
@@ -44,8 +44,13 @@ template <class D, bool Clamp, Growth G, class... T>
 using plain_type =
     select<is_real<D>, float_type<G, T...>, select<any_real<T...> || Clamp, exact_type<G, T...>, uint32_t>>;
 
-// Scaled results: real ones by a factor, whole ones by a rounding shift; 0 < -shift < bits of C takes the fast loop.
+// Scaled results: real ones by a factor, whole ones by a rounding shift.
 template <class D, class C> constexpr bool scales_by_factor = is_real<D> || is_real<C>;
+
+// Up to this shift to the right an exact result of this type leaves room for the half that rounds it.
+template <class X> constexpr int longest_small_shift = bits<X> - 2;
+template <> constexpr int longest_small_shift<uint16_t> = 9;
+template <> constexpr int longest_small_shift<uint64_t> = 0;
 
 // ------------------------------------------------------------ the operations
 
@@ -120,6 +125,31 @@ template <class Op, class T> [[gnu::always_inline]] inline T clamped_sum(T a, T 
     }
 }
 
+// a * 2^shift / b, exactly, for operands of up to 63 bits; 0 for b = 0.
+template <class D, bool Nearest> inline D exact_quotient(s128 a, s128 b, int shift) {
+    if (b == 0) return D(0);
+    const int k = shift < -63 ? -63 : shift > 63 ? 63 : shift;
+    const s128 n = a * (s128(1) << (k > 0 ? k : 0)), d = b * (s128(1) << (k < 0 ? -k : 0));
+    const s128 q = n / d;
+    if constexpr (!Nearest) return D(q);
+    const s128 rest = n % d < 0 ? -(n % d) : n % d, divisor = d < 0 ? -d : d;
+    const bool away = rest > divisor - rest || (rest == divisor - rest && (q & 1));
+    return D(away ? ((n < 0) != (d < 0) ? q - 1 : q + 1) : q);
+}
+
+// The compiler keeps a loop in 16 bits only when it knows the shift: the usual ones get loops of their own.
+template <class X> constexpr int longest_known_shift = 0;
+template <> constexpr int longest_known_shift<s16> = 2;
+template <> constexpr int longest_known_shift<uint16_t> = 8;
+
+template <class D, bool Clamp, class X, int K, class Loop>
+[[gnu::always_inline]] inline bool known_shift_loop(int k, Loop loop) {
+    if constexpr (K > longest_known_shift<X>) return false;
+    else if (k != K) return known_shift_loop<D, Clamp, X, K + 1>(k, loop);
+    else loop([](X x) { return store<D, Clamp>(shift_right_small(x, K)); });
+    return true;
+}
+
 // Runs `loop` with a function object that scales and stores an exact result of type X.
 template <class D, bool Clamp, class X, class Loop>
 [[gnu::always_inline]] inline void scaled_loop(const RowParams &p, Loop loop) {
@@ -128,10 +158,11 @@ template <class D, bool Clamp, class X, class Loop>
         loop([scale](X x) { return store<D, Clamp>(f64(x) * scale); });
     } else {
         const int shift = p.shift;
-        if (-shift > 0 && -shift < bits<X>)
-            loop([shift](X x) { return store<D, Clamp>(shift_right(x, -shift)); });
+        if (shift < 0 && known_shift_loop<D, Clamp, X, 1>(-shift, loop)) return;
+        if (shift < 0 && -shift <= longest_small_shift<X>)
+            loop([shift](X x) { return store<D, Clamp>(shift_right_small(x, -shift)); });
         else
-            loop([shift](X x) { return store_shifted<D, Clamp>(select<same<X, uint64_t>, X, s64>(x), shift); });
+            loop([shift](X x) { return store_shifted<D, Clamp>(select<(sizeof(X) < 8), s64, X>(x), shift); });
     }
 }
 

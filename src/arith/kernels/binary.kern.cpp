@@ -51,19 +51,6 @@ template <bool Reversed, bool Nearest> struct Divide {
                 return D(s32(y < R(2147483648.0) ? y : R(-2147483648.0)));
         }
     }
-    // a * 2^shift / b, exactly.
-    template <class D> static D whole(D a, D b, int shift) {
-        using wide = __int128;
-        if (b == 0) return D(0);
-        const int k = shift < -95 ? -95 : shift > 95 ? 95 : shift;
-        const wide n = wide(a) * (wide(1) << (k > 0 ? k : 0)), d = wide(b) * (wide(1) << (k < 0 ? -k : 0));
-        const wide q = n / d;
-        if constexpr (!Nearest) return D(q);
-        const wide rest = n % d < 0 ? -(n % d) : n % d, divisor = d < 0 ? -d : d;
-        const bool away = rest > divisor - rest || (rest == divisor - rest && (q & 1));
-        return D(away ? ((n < 0) != (d < 0) ? q - 1 : q + 1) : q);
-    }
-
     template <class D> static void plain(void *dst, const void *const *src, int64_t n, const RowParams &) {
         row2<D, D, D>(dst, src, n, [](D a, D b) { return quotient(a, b); });
     }
@@ -74,7 +61,7 @@ template <bool Reversed, bool Nearest> struct Divide {
             if constexpr (is_real<D>)
                 return D((Reversed ? f64(b) / f64(a) : f64(a) / f64(b)) * scale);
             else
-                return Reversed ? whole(b, a, shift) : whole(a, b, shift);
+                return exact_quotient<D, Nearest>(Reversed ? b : a, Reversed ? a : b, shift);
         });
     }
     template <class D, class, class> static constexpr Rows rows() {

@@ -7,8 +7,10 @@ namespace {
 
 // x + c, x - c or c - x clamped to the type of x: x is first clamped to where the sum fits.
 template <class Op, class T> [[gnu::always_inline]] inline T clamped_sum_with(T x, s32 constant) {
-    constexpr s64 reach = largest<T> - lowest<T>;
-    const s64 c = constant < -reach ? -reach : constant > reach ? reach : constant;
+    // Constants beyond these give the same results as these.
+    constexpr s64 least = same<Op, RSub> ? 2 * lowest<T> : lowest<T> - largest<T>;
+    constexpr s64 most = same<Op, RSub> ? 2 * largest<T> : largest<T> - lowest<T>;
+    const s64 c = constant < least ? least : constant > most ? most : constant;
     const s64 from = same<Op, Add> ? lowest<T> - c : same<Op, Sub> ? lowest<T> + c : c - largest<T>;
     const s64 to = same<Op, Add> ? largest<T> - c : same<Op, Sub> ? largest<T> + c : c - lowest<T>;
     const T lo = T(from < lowest<T> ? lowest<T> : from), hi = T(to > largest<T> ? largest<T> : to);
@@ -48,10 +50,9 @@ template <class Op, bool Clamp> struct Constant {
         }
     }
     template <class D, class A> static void scaled(void *dst, const void *const *src, int64_t n, const RowParams &p) {
-        using X = select<Op::growth == Growth::square, uint64_t, s64>;
-        scaled_loop<D, Clamp, X>(p, [=](auto finish) {
+        scaled_loop<D, Clamp, s128>(p, [=](auto finish) {
             constant_row<false, 1, f64, D, A, void *>(dst, src, n, p,
-                                                      [=](A a, f64 k) { return finish(Op::of(X(a), X(s64(k)))); });
+                                                      [=](A a, f64 k) { return finish(Op::of(s128(a), whole<Op::growth == Growth::square ? 62 : 92>(k))); });
         });
     }
     template <class D, class A> static void real(void *dst, const void *const *src, int64_t n, const RowParams &p) {
@@ -68,7 +69,7 @@ template <class Op, bool Clamp> struct Constant {
 };
 
 // Quotients with a constant. Whole constants of at most 24 bits leave single precision exact enough for 16-bit
-// sources; all others are served in double precision.
+// sources, and double precision for 32-bit ones.
 template <bool Reversed, bool Nearest> struct ConstantDivide {
     template <class D, class R> static D quotient(D x, R c, R scale) {
         R q = (Reversed ? c / R(x) : R(x) / c) * scale;
@@ -84,20 +85,25 @@ template <bool Reversed, bool Nearest> struct ConstantDivide {
     }
     template <bool Uniform, class D>
     static void fast(void *dst, const void *const *src, int64_t n, const RowParams &p) {
-        constant_row<Uniform, 1, f32, D, D, void *>(dst, src, n, p,
-                                                    [](D a, f32 k) { return quotient<D, f32>(a, k, 1); });
+        using K = select<same<D, s32>, f64, f32>;
+        constant_row<Uniform, 1, K, D, D, void *>(dst, src, n, p, [](D a, K k) { return quotient<D, K>(a, k, 1); });
     }
     template <class D> static void real(void *dst, const void *const *src, int64_t n, const RowParams &p) {
         const f64 scale = p.scale;
         constant_row<false, 1, f64, D, D, void *>(dst, src, n, p,
                                                   [=](D a, f64 k) { return quotient<D, f64>(a, k, scale); });
     }
+    template <class D> static void scaled(void *dst, const void *const *src, int64_t n, const RowParams &p) {
+        const int shift = p.shift;
+        constant_row<false, 1, f64, D, D, void *>(dst, src, n, p, [=](D a, f64 k) {
+            return exact_quotient<D, Nearest>(Reversed ? whole<62>(k) : a, Reversed ? a : whole<62>(k), shift);
+        });
+    }
     template <class D, class> static constexpr Rows rows() {
-        if constexpr (same<D, s32>)
-            return {nullptr, nullptr, nullptr, real<D>, ConstantRule::none};
-        else
-            return {fast<true, D>, nullptr, fast<false, D>, real<D>,
-                    is_real<D> ? ConstantRule::single : ConstantRule::small};
+        Rows r = {fast<true, D>, nullptr, fast<false, D>, real<D>,
+                  is_real<D> ? ConstantRule::single : ConstantRule::small};
+        if constexpr (has_scaled_rows && !is_real<D>) r.scaled = scaled<D>;
+        return r;
     }
 };
 

@@ -21,6 +21,13 @@ template <class K> [[gnu::always_inline]] inline K constant_at(const RowParams &
         return K(p.constants[i]->whole[j]);
 }
 
+// A whole constant as the slow rows take it, cut to Bits bits so that the result fits 127. A larger one has no low bits
+// that could matter, and neither has the power of two that stands for it.
+template <int Bits> [[gnu::always_inline]] inline s128 whole(f64 k) {
+    constexpr f64 limit = __builtin_bit_cast(f64, uint64_t(1023 + Bits) << 52);
+    return s128(k < -limit ? -limit : k > limit ? limit : k);
+}
+
 // Calls f(a, [b,] k1[, k2]) for every element, with Count constants of type K: the first of each pattern, or by
 // pattern.
 template <bool Uniform, int Count, class K, class D, class A, class B, class F>

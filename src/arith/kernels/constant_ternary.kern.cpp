@@ -17,9 +17,9 @@ template <class Op> struct ConstantTernary {
     }
     template <class D, class A, class B>
     static void scaled(void *dst, const void *const *src, int64_t n, const RowParams &p) {
-        scaled_loop<D, false, s64>(p, [=](auto finish) {
+        scaled_loop<D, false, s128>(p, [=](auto finish) {
             constant_row<false, 1, f64, D, A, B>(
-                dst, src, n, p, [=](A a, B b, f64 k) { return finish(Op::of(s64(a), s64(k), s64(b))); });
+                dst, src, n, p, [=](A a, B b, f64 k) { return finish(Op::of(s128(a), whole<92>(k), s128(b))); });
         });
     }
     template <class D, class A, class B>
@@ -50,9 +50,9 @@ template <class Op> struct TwoConstants {
                                                   [](A a, C k1, C k2) { return D(Op::of(C(a), k1, k2)); });
     }
     template <class D, class A> static void scaled(void *dst, const void *const *src, int64_t n, const RowParams &p) {
-        scaled_loop<D, false, s64>(p, [=](auto finish) {
+        scaled_loop<D, false, s128>(p, [=](auto finish) {
             constant_row<false, 2, f64, D, A, void *>(
-                dst, src, n, p, [=](A a, f64 k1, f64 k2) { return finish(Op::of(s64(a), s64(k1), s64(k2))); });
+                dst, src, n, p, [=](A a, f64 k1, f64 k2) { return finish(Op::of(s128(a), whole<92>(k1), whole<92>(k2))); });
         });
     }
     template <class D, class A> static void real(void *dst, const void *const *src, int64_t n, const RowParams &p) {

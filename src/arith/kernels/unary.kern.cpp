@@ -7,22 +7,23 @@ namespace {
 
 struct Neg {
     static constexpr Growth growth = Growth::sum;
-    template <class C> static C of(C a) { return C(-a); }
+    // Integers have no negative zero.
+    template <class A, class C> static C of(C a) { return is_real<A> ? C(-a) : C(C(0) - a); }
 };
 struct Sqr {
     static constexpr Growth growth = Growth::square;
-    template <class C> static C of(C a) { return square(a); }
+    template <class, class C> static C of(C a) { return square(a); }
 };
 
 template <class Op, bool Clamp> struct Unary {
     template <class D, class A> static void plain(void *dst, const void *const *src, int64_t n, const RowParams &) {
         using C = plain_type<D, Clamp, Op::growth, A>;
-        row1<D, A>(dst, src, n, [](A a) { return store<D, Clamp>(Op::of(C(a))); });
+        row1<D, A>(dst, src, n, [](A a) { return store<D, Clamp>(Op::template of<A>(C(a))); });
     }
     template <class D, class A> static void scaled(void *dst, const void *const *src, int64_t n, const RowParams &p) {
         using X = exact_type<Op::growth, A>;
         scaled_loop<D, Clamp, X>(
-            p, [=](auto finish) { row1<D, A>(dst, src, n, [=](A a) { return finish(Op::of(X(a))); }); });
+            p, [=](auto finish) { row1<D, A>(dst, src, n, [=](A a) { return finish(Op::template of<A>(X(a))); }); });
     }
     template <class D, class A> static constexpr Rows rows() {
         return {plain<D, A>, scaled<D, A>, nullptr, nullptr, ConstantRule::none};

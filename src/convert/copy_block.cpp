@@ -1,0 +1,263 @@
+#include "convert/copy_block.hpp"
+
+#include "kernel/stream.hpp"
+#include "xe/scratch.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace jorm {
+namespace {
+
+// From this size on a destination would leave the cache before anyone reads it.
+constexpr int64_t streaming_bytes = 12 << 20, streamed_run = 4096;
+
+void move_bytes(void *dst, const void *src, int64_t bytes) { std::memmove(dst, src, size_t(bytes)); }
+
+template <int64_t Unit> void step_units(char *dst, int64_t dst_step, const char *src, int64_t src_step, int64_t n) {
+    for (; n > 0; --n, dst += dst_step, src += src_step) {
+        char unit[Unit];
+        std::memcpy(unit, src, Unit);
+        std::memcpy(dst, unit, Unit);
+    }
+}
+
+// Units that follow each other, all like the first: what stands already is doubled.
+void repeat_unit(char *dst, const char *src, int64_t n, int64_t unit) {
+    std::memcpy(dst, src, size_t(unit));
+    for (int64_t done = unit, all = n * unit; done < all;) {
+        const int64_t more = std::min(done, all - done);
+        std::memcpy(dst + done, dst, size_t(more));
+        done += more;
+    }
+}
+
+// Axes of one unit go; axes whose units follow each other become part of the unit.
+void fold_axes(CopyBlock &b) {
+    int kept = 0;
+    for (int i = 0; i < b.axes; ++i)
+        if (b.axis[i].size != 1) b.axis[kept++] = b.axis[i];
+    b.axes = kept;
+    for (int i = b.axes - 1; i >= 0; --i) {
+        if (b.axis[i].dst != b.unit || b.axis[i].src != b.unit) continue;
+        b.unit *= b.axis[i].size;
+        std::copy(b.axis + i + 1, b.axis + b.axes, b.axis + i);
+        i = --b.axes;
+    }
+}
+
+void reverse_axis(CopyBlock &b, CopyBlock::Axis &a) {
+    b.dst += (a.size - 1) * a.dst;
+    b.src += (a.size - 1) * a.src;
+    a.dst = -a.dst;
+    a.src = -a.src;
+}
+
+void run_axes(CopyBytes copy, const CopyBlock &b, int axis, char *dst, const char *src) {
+    if (axis + 1 >= b.axes) {
+        const CopyBlock::Axis run = b.axes > 0 ? b.axis[axis] : CopyBlock::Axis{1, 0, 0};
+        return copy_units(copy, dst, run.dst, src, run.src, run.size, b.unit);
+    }
+    for (int64_t i = 0; i < b.axis[axis].size; ++i)
+        run_axes(copy, b, axis + 1, dst + i * b.axis[axis].dst, src + i * b.axis[axis].src);
+}
+
+// Memory of the two does not overlap: any order will do.
+void run_apart(uint64_t options, CopyBlock b) {
+    int64_t bytes = b.unit;
+    for (int i = 0; i < b.axes; ++i) bytes *= b.axis[i].size;
+    // The longer one of the two inner axes makes the longer runs.
+    if (b.axes > 1 && b.axis[b.axes - 1].size < 8 && b.axis[b.axes - 2].size > b.axis[b.axes - 1].size)
+        std::swap(b.axis[b.axes - 1], b.axis[b.axes - 2]);
+    const StreamCopy stream = bytes >= streaming_bytes && b.unit >= streamed_run ? stream_at(level(options)) : nullptr;
+    run_axes(stream ? stream : memory_rows_at(level(options)).copy, b, 0, b.dst, b.src);
+    if (stream) stream(nullptr, nullptr, 0);
+}
+
+// How far the addresses of a block's destination or source reach from its start.
+struct Span {
+    int64_t low, high;
+};
+Span span_of(const CopyBlock &b, int from, int64_t CopyBlock::Axis::*stride) {
+    Span s = {0, b.unit};
+    for (int i = from; i < b.axes; ++i) {
+        const int64_t reach = (b.axis[i].size - 1) * (b.axis[i].*stride);
+        (reach < 0 ? s.low : s.high) += reach;
+    }
+    return s;
+}
+
+enum class Order { ascending, descending, none };
+
+// The source's units lie in ascending order. Copying in that order is safe when no unit moves up, in the opposite order
+// when none moves down.
+Order order_of_units(const CopyBlock &b) {
+    int64_t inside = b.unit;
+    int64_t least = b.dst - b.src, most = least;
+    for (int i = b.axes - 1; i >= 0; --i) {
+        const CopyBlock::Axis &a = b.axis[i];
+        if (a.src < inside) return Order::none;
+        inside += (a.size - 1) * a.src;
+        const int64_t drift = (a.size - 1) * (a.dst - a.src);
+        (drift < 0 ? least : most) += drift;
+    }
+    return most <= 0 ? Order::ascending : least >= 0 ? Order::descending : Order::none;
+}
+
+// The same for slices along the outermost axis: none may be written where a later one is still to be read.
+Order order_of_slices(const CopyBlock &b) {
+    if (b.axes < 2) return Order::none;
+    const Span dst = span_of(b, 1, &CopyBlock::Axis::dst), src = span_of(b, 1, &CopyBlock::Axis::src);
+    const CopyBlock::Axis &a = b.axis[0];
+    const int64_t between = b.dst - b.src, drift = (a.size - 2) * (a.dst - a.src);
+    const int64_t above = between + dst.high - a.src - src.low; // of slice 0 above the start of slice 1
+    const int64_t below = between + a.dst + dst.low - src.high; // of slice 1 below the end of slice 0
+    if (above <= 0 && above + drift <= 0) return Order::ascending;
+    if (below >= 0 && below + drift >= 0) return Order::descending;
+    return Order::none;
+}
+
+int64_t run_through_scratch(jorm_xe *xe, uint64_t options, const CopyBlock &b) {
+    if (!xe) return JORM_EINVAL;
+    CopyBlock in = b, out = b;
+    int64_t bytes = b.unit;
+    for (int i = b.axes - 1; i >= 0; --i) {
+        in.axis[i].dst = out.axis[i].src = bytes;
+        if (__builtin_mul_overflow(bytes, b.axis[i].size, &bytes)) return JORM_ENOMEM;
+    }
+    const Scratch scratch(xe, size_t(bytes), 64);
+    if (!scratch) return JORM_ENOMEM;
+    in.dst = scratch.as<char>();
+    out.src = in.dst;
+    run_apart(options, in);
+    run_apart(options, out);
+    return JORM_OK;
+}
+
+int64_t copy_overlapping(jorm_xe *xe, uint64_t options, CopyBlock b) {
+    for (int i = 0; i < b.axes; ++i)
+        if (b.axis[i].src < 0) reverse_axis(b, b.axis[i]);
+    for (int i = 1; i < b.axes; ++i)
+        for (int j = i; j > 0 && b.axis[j - 1].src < b.axis[j].src; --j) std::swap(b.axis[j - 1], b.axis[j]);
+    if (const Order order = order_of_units(b); order != Order::none) {
+        if (order == Order::descending)
+            for (int i = 0; i < b.axes; ++i) reverse_axis(b, b.axis[i]);
+        run_axes(move_bytes, b, 0, b.dst, b.src);
+        return JORM_OK;
+    }
+    const Order order = order_of_slices(b);
+    if (order == Order::none) return run_through_scratch(xe, options, b);
+    if (order == Order::descending) reverse_axis(b, b.axis[0]);
+    for (int64_t i = 0; i < b.axis[0].size; ++i) {
+        CopyBlock slice = b;
+        slice.dst += i * b.axis[0].dst;
+        slice.src += i * b.axis[0].src;
+        std::copy(b.axis + 1, b.axis + b.axes, slice.axis);
+        --slice.axes;
+        if (const int64_t status = copy_block(xe, options, slice); status != JORM_OK) return status;
+    }
+    return JORM_OK;
+}
+
+// What an operand's inner axes, from `from` on, span about its start.
+Span span_of(int axes, int from, const int32_t *size, int32_t channels, const Operand &o) {
+    Span s = {0, element_size(o.type)};
+    for (int i = from; i < axes; ++i) {
+        const int64_t n = i + 1 < axes ? size[i] : o.by_pixel ? 1 : channels;
+        const int64_t reach = (n - 1) * o.stride[i];
+        (reach < 0 ? s.low : s.high) += reach;
+    }
+    return s;
+}
+
+} // namespace
+
+void copy_units(CopyBytes copy, char *dst, int64_t dst_step, const char *src, int64_t src_step, int64_t n,
+                int64_t unit) {
+    if (n <= 0) return;
+    if (n == 1 || (dst_step == unit && src_step == unit)) return copy(dst, src, n * unit);
+    if (src_step == 0 && dst_step == unit) return repeat_unit(dst, src, n, unit);
+    switch (unit) {
+    case 1:
+        return step_units<1>(dst, dst_step, src, src_step, n);
+    case 2:
+        return step_units<2>(dst, dst_step, src, src_step, n);
+    case 3:
+        return step_units<3>(dst, dst_step, src, src_step, n);
+    case 4:
+        return step_units<4>(dst, dst_step, src, src_step, n);
+    case 6:
+        return step_units<6>(dst, dst_step, src, src_step, n);
+    case 8:
+        return step_units<8>(dst, dst_step, src, src_step, n);
+    case 12:
+        return step_units<12>(dst, dst_step, src, src_step, n);
+    case 16:
+        return step_units<16>(dst, dst_step, src, src_step, n);
+    default:
+        for (; n > 0; --n, dst += dst_step, src += src_step) copy(dst, src, unit);
+    }
+}
+
+int64_t copy_block(jorm_xe *xe, uint64_t options, CopyBlock b) {
+    bool same = b.dst == b.src;
+    for (int i = 0; i < b.axes; ++i) {
+        if (b.axis[i].size < 1) return JORM_OK;
+        same = same && (b.axis[i].size == 1 || b.axis[i].dst == b.axis[i].src);
+    }
+    if (same) return JORM_OK;
+    fold_axes(b);
+    const Span dst = span_of(b, 0, &CopyBlock::Axis::dst), src = span_of(b, 0, &CopyBlock::Axis::src);
+    const bool apart = b.dst + dst.high <= b.src + src.low || b.src + src.high <= b.dst + dst.low;
+    if (!apart) return copy_overlapping(xe, options, b);
+    run_apart(options, b);
+    return JORM_OK;
+}
+
+CopyBlock block_of(int axes, const int32_t *size, int32_t channels, const Operand &dst, const Operand &src) {
+    CopyBlock b = {axes, {}, dst.start, src.start, element_size(dst.type)};
+    for (int i = 0; i < axes; ++i) b.axis[i] = {i + 1 < axes ? size[i] : channels, dst.stride[i], src.stride[i]};
+    return b;
+}
+
+int64_t copy_elements(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, const Operand &dst,
+                      const Operand &src) {
+    Shape shape;
+    if (!dst.start || !dst.stride || !src.start || !src.stride) return JORM_EINVAL;
+    if (int64_t status = read_shape(shape, word, size); status != JORM_OK) return status;
+    if (dst.type != src.type || !well_formed(dst.type)) return JORM_EINVAL;
+    if (element_size(dst.type) == 0) return JORM_ENOTSUP;
+    return copy_block(xe, options, block_of(shape.axes, size, shape.channels, dst, src));
+}
+
+bool may_meet(int axes, int32_t channels, const int32_t *size_a, const Operand &a, const int32_t *size_b,
+              const Operand &b) {
+    const int64_t distance = b.start - a.start;
+    const Span s = span_of(axes, 0, size_a, channels, a), t = span_of(axes, 0, size_b, channels, b);
+    if (s.high <= distance + t.low || distance + t.high <= s.low) return false;
+    // Interleaved operands, like the two halves of a picture or two channels of it, part modulo a stride that divides
+    // all outer ones.
+    for (int k = 0; k + 1 < axes; ++k) {
+        const int64_t period = a.stride[k] < 0 ? -int64_t(a.stride[k]) : a.stride[k];
+        const auto divides = [&](const int32_t *size, const Operand &o, int i) {
+            return size[i] <= 1 || o.stride[i] % period == 0;
+        };
+        bool outer = period != 0;
+        for (int i = 0; i <= k && outer; ++i) outer = divides(size_a, a, i) && divides(size_b, b, i);
+        if (!outer) continue;
+        const Span in_a = span_of(axes, k + 1, size_a, channels, a), in_b = span_of(axes, k + 1, size_b, channels, b);
+        const int64_t rest = (distance + in_b.low - in_a.low) % period, offset = rest < 0 ? rest + period : rest;
+        if (offset >= in_a.high - in_a.low && offset + (in_b.high - in_b.low) <= period) return false;
+    }
+    return true;
+}
+
+bool coincide(int axes, const int32_t *size, int32_t channels, const Operand &a, const Operand &b) {
+    bool same = a.start == b.start && element_size(a.type) == element_size(b.type) &&
+                (a.by_pixel == b.by_pixel || channels == 1);
+    for (int i = 0; i < axes && same; ++i)
+        same = a.stride[i] == b.stride[i] || (i + 1 < axes ? size[i] : a.by_pixel ? 1 : channels) == 1;
+    return same;
+}
+
+} // namespace jorm

@@ -1,0 +1,40 @@
+// What the front ends of copies and fills share.
+#pragma once
+#include "arith/signatures.hpp"
+#include "convert/copy_block.hpp"
+#include "kernel/front.hpp"
+#include "kernel/proc.hpp"
+#include "xe/scratch.hpp"
+
+#include <optional>
+
+namespace jorm {
+
+// The start pointer of a negotiated operand.
+inline Operand start_operand(const Front &f, int i, bool by_pixel = false) {
+    const FrontOperand &o = f.operand[i];
+    return {o.type, o.base + jorm_vec_mkloff(4, o.origin, o.stride), f.stride(i), by_pixel};
+}
+
+inline bool masks_pixels(const jorm_array *mask, const jorm_array *dst) {
+    return stored_channels(mask->extent[3]) == 1 && stored_channels(dst->extent[3]) != 1;
+}
+
+// Scratch memory for an operand that the destination would overwrite before it is read.
+class Detached {
+public:
+    // Moves the operand, `size` of which count, into scratch memory.
+    int64_t move(jorm_xe *xe, uint64_t options, int axes, const int32_t *size, int32_t channels, Operand &o);
+    // The same where that is necessary.
+    int64_t move_from(const Operand &dst, jorm_xe *xe, uint64_t options, const Front &f, Operand &o);
+
+private:
+    std::optional<Scratch> block_;
+    int32_t stride_[4];
+};
+
+} // namespace jorm
+
+// An operand for a per-slice entry; the same for a pack.
+#define SLICE(o) (o).type, (o).start, (o).stride
+#define PACKED_SLICE(o) (o).type, (o).start, nullptr, (o).stride

@@ -1,0 +1,121 @@
+// The layers of sums, means, extrema and value ranges: entries, per-slice entries, adapters, dispatchers.
+#include "arith/signatures.hpp"
+#include "array/vec.hpp"
+#include "stats/gather.hpp"
+
+#include <algorithm>
+
+namespace jorm {
+namespace {
+
+// The front end: a source with up to four axes, and where it begins.
+struct StatFront {
+    Front f;
+    StatSource source;
+    int32_t origin[3]; // of the region, in coordinates of the array
+
+    int64_t negotiate(jorm_xe *xe, uint64_t options, const jorm_array *src, const jorm_site *roi) {
+        if (!few_channels(src)) return JORM_EINVAL;
+        if (const int64_t status = jorm::negotiate(f, src, roi, {}); status != JORM_OK) return status;
+        begin(xe, options, *src, roi);
+        return JORM_OK;
+    }
+    int64_t negotiate(jorm_xe *xe, uint64_t options, const jorm_array *src, const jorm_site *roi,
+                      const jorm_array *mask, const int32_t *at_mask) {
+        if (!few_channels(src) || !mask || stored_channels(mask->extent[3]) != 1) return JORM_EINVAL;
+        if (const int64_t status = jorm::negotiate(f, src, roi, {{mask, at_mask, Role::mask}}); status != JORM_OK)
+            return status;
+        begin(xe, options, *src, roi);
+        source.masked = true;
+        source.mask = start(1);
+        return JORM_OK;
+    }
+
+private:
+    static bool few_channels(const jorm_array *src) { return src && stored_channels(src->extent[3]) < 4; }
+    Operand start(int i) const {
+        return operand(f.operand[i].type, start_of(f.word, f.operand[i].base, f.origin(i), f.stride(i)), f.stride(i));
+    }
+    void begin(jorm_xe *xe, uint64_t options, const jorm_array &src, const jorm_site *roi) {
+        if ((options & JORM_OPT_CHANNELS) == 0) options |= src.extent[3] & JORM_OPT_CHANNELS;
+        source = {xe, options, f.word, f.sizes(), start(0)};
+        for (int i = 0; i < 3; ++i) origin[i] = roi ? std::max(roi->origin[i], 0) : 0;
+    }
+};
+
+// Every statistic as a function of source, results and where the source begins.
+int64_t sum_at(const StatSource &s, double *results, const int32_t *) { return sum(s, results); }
+int64_t mean_at(const StatSource &s, double *results, const int32_t *) { return mean(s, results); }
+int64_t compute_range_at(const StatSource &s, vrng *ranges, const int32_t *) { return compute_range(s, ranges); }
+int64_t adjust_range_at(const StatSource &s, vrng *ranges, const int32_t *) { return adjust_range(s, ranges); }
+
+} // namespace
+} // namespace jorm
+
+using namespace jorm;
+
+#define SOURCE(start) xe, options, word, size, operand(type, start, stride)
+#define MASK(start) true, operand(JORM_U8, start, mask_stride)
+#define TYPED_MASK true, operand(mask_type, mask, mask_stride)
+
+#define ENTRY(name, ex_name, slice, ex_slice, run, Result)                                                             \
+    JORM_API int64_t name(jorm_xe *xe, uint64_t options, const jorm_array *src, const jorm_site *roi,                  \
+                          Result *results) {                                                                           \
+        StatFront front;                                                                                               \
+        if (!results) return JORM_EINVAL;                                                                              \
+        const int64_t status = front.negotiate(xe, options, src, roi);                                                 \
+        return status == JORM_OK ? run(front.source, results, front.origin) : status;                                  \
+    }                                                                                                                  \
+    JORM_API int64_t ex_name(jorm_xe *xe, uint64_t options, const jorm_array *src, const jorm_array *mask,             \
+                             const jorm_site *roi, const int32_t *at_mask, Result *results) {                          \
+        StatFront front;                                                                                               \
+        if (!results) return JORM_EINVAL;                                                                              \
+        const int64_t status = front.negotiate(xe, options, src, roi, mask, at_mask);                                  \
+        return status == JORM_OK ? run(front.source, results, front.origin) : status;                                  \
+    }                                                                                                                  \
+    JORM_API int64_t slice(jorm_xe *xe, uint64_t options, Result *results, uint32_t word, const int32_t *size,         \
+                           uint32_t type, const void *data, const int32_t *stride) {                                   \
+        return run({SOURCE(data)}, results, nullptr);                                                                  \
+    }                                                                                                                  \
+    JORM_API int64_t ex_slice(jorm_xe *xe, uint64_t options, Result *results, uint32_t word, const int32_t *size,      \
+                              uint32_t type, const void *data, const int32_t *stride, uint32_t mask_type,              \
+                              const void *mask, const int32_t *mask_stride) {                                          \
+        return run({SOURCE(data), TYPED_MASK}, results, nullptr);                                                      \
+    }
+ENTRY(JormSum, JormSumEx, JormTGAsum, JormTGAsumEx, sum_at, double)
+ENTRY(JormMean, JormMeanEx, JormTGAmean, JormTGAmeanEx, mean_at, double)
+ENTRY(JormMinmax, JormMinmaxEx, JormTGAminmax, JormTGAminmaxEx, extrema, jorm_minmax)
+
+#define LAYERS(adapter, dispatcher, run, Result)                                                                       \
+    JORM_API int64_t adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t type,         \
+                             const void *base, const int32_t *origin, const int32_t *stride, Result *results) {        \
+        return run({SOURCE(start_of(word, base, origin, stride))}, results, at_slot0(word, origin));                   \
+    }                                                                                                                  \
+    JORM_API int64_t dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t type,      \
+                                const void *data, const int32_t *stride, Result *results) {                            \
+        return run({SOURCE(data)}, results, nullptr);                                                                  \
+    }
+LAYERS(jorma_sum, jorma__sum, sum_at, double)
+LAYERS(jorma_mean, jorma__mean, mean_at, double)
+LAYERS(jorma_minmax, jorma__minmax, extrema, jorm_minmax)
+LAYERS(jorma_compute_vrange, jorma__compute_vrange, compute_range_at, vrng)
+LAYERS(jorma_adjust_vrange, jorma__adjust_vrange, adjust_range_at, vrng)
+
+#define XM_LAYERS(adapter, dispatcher, run, Result)                                                                    \
+    JORM_API int64_t adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t type,         \
+                             const void *base, const int32_t *origin, const int32_t *stride, const void *mask,         \
+                             const int32_t *mask_origin, const int32_t *mask_stride, Result *results) {                \
+        return run(                                                                                                    \
+            {SOURCE(start_of(word, base, origin, stride)), MASK(start_of(word, mask, mask_origin, mask_stride))},      \
+            results, at_slot0(word, origin));                                                                          \
+    }                                                                                                                  \
+    JORM_API int64_t dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t type,      \
+                                const void *data, const int32_t *stride, const void *mask, const int32_t *mask_stride, \
+                                Result *results) {                                                                     \
+        return run({SOURCE(data), MASK(mask)}, results, nullptr);                                                      \
+    }
+XM_LAYERS(jorma_sum_xm, jorma__sum_xm, sum_at, double)
+XM_LAYERS(jorma_mean_xm, jorma__mean_xm, mean_at, double)
+XM_LAYERS(jorma_minmax_xm, jorma__minmax_xm, extrema, jorm_minmax)
+XM_LAYERS(jorma_compute_vrange_xm, jorma__compute_vrange_xm, compute_range_at, vrng)
+XM_LAYERS(jorma_adjust_vrange_xm, jorma__adjust_vrange_xm, adjust_range_at, vrng)

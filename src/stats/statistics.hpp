@@ -1,0 +1,30 @@
+// Statistics of samples, behind every layer of the interface.
+#pragma once
+#include "jorm/stats.h"
+#include "kernel/call.hpp"
+
+namespace jorm {
+
+// What a statistic is taken of: flat arguments with two to four axes.
+struct StatSource {
+    jorm_xe *xe;
+    uint64_t options;
+    uint32_t word;
+    const int32_t *size;
+    Operand samples;
+    bool masked = false;
+    Operand mask = {};
+    int32_t channels = 0; // what a kernel's name says; 0: what the size vector says
+};
+
+int64_t sum(const StatSource &s, double *results);
+int64_t mean(const StatSource &s, double *results);
+
+// Places are counted from `origin` (plane, row, column; null for zeros), where the samples begin.
+int64_t extrema(const StatSource &s, jorm_minmax *record, const int32_t *origin);
+
+// Per selected channel the measured range; the caller's range, repaired.
+int64_t compute_range(const StatSource &s, vrng *ranges);
+int64_t adjust_range(const StatSource &s, vrng *ranges);
+
+} // namespace jorm

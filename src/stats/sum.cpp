@@ -1,0 +1,83 @@
+#include "stats/gather.hpp"
+#include "stats/sum_rows.hpp"
+
+#include <algorithm>
+
+namespace jorm {
+
+JORM_LEVEL_TABLE(const Row, sum_rows);
+JORM_LEVEL_TABLE(const Row, masked_sum_rows);
+JORM_LEVEL_TABLE(const Row, selection_rows);
+
+namespace {
+
+constexpr uint32_t opcode = fourcc("sum ");
+
+void clear(SumState (&states)[4], const StatSource &s) {
+    for (SumState &state : states) {
+        if (s.samples.type == JORM_F32)
+            std::fill_n(state.partial, &state == states ? 4 * sum_partials : sum_partials, 0.0);
+        std::fill_n(state.whole, 4, 0);
+        state.phase = 0;
+        state.unselected = unselected(s);
+    }
+}
+
+double result(const Gathering<SumState> &g, uint32_t type, int channels, int c) {
+    const SumState &state = g.state_of(c);
+    const int index = g.index_of(c), step = g.interleaved ? channels : 1;
+    if (type != JORM_F32) return double(state.whole[index]);
+    double sum = 0;
+    for (int i = 0; i < sum_partials; ++i) sum += state.partial[i * step + index];
+    return sum;
+}
+
+// How many pixels the mask selects.
+int64_t count_selected(const StatSource &s, StatShape shape, double &count) {
+    StatSource mask = {s.xe, s.options, s.word, s.size, s.mask};
+    shape.channels = 1;
+    int32_t size[4];
+    const auto axes = int(s.word & 15);
+    std::copy_n(s.size, axes, size);
+    size[axes - 1] = 1;
+    mask.size = size;
+    Gathering<SumState> g(JORM_OF_LEVEL(selection_rows, level(s.options)), 1);
+    clear(g.state, s);
+    const int64_t status = gather(g, mask, shape, opcode);
+    if (status == JORM_OK) count = double(g.state[0].whole[0]);
+    return status;
+}
+
+} // namespace
+
+int64_t sum(const StatSource &s, double *results) {
+    StatShape shape;
+    if (!results) return JORM_EINVAL;
+    if (int64_t status = read_source(shape, s); status != JORM_OK) return status;
+    const int line = stat_line(s.samples.type);
+    if (line < 0) return JORM_EINVAL;
+    const Level at = level(s.options);
+    const Row *rows = s.masked ? JORM_OF_LEVEL(masked_sum_rows, at) : JORM_OF_LEVEL(sum_rows, at);
+    Gathering<SumState> g(rows + line * stat_line_length, shape.selected);
+    clear(g.state, s);
+    if (int64_t status = gather(g, s, shape, opcode); status != JORM_OK) return status;
+    for (int c = 0; c < shape.channels; ++c)
+        if (shape.is_selected(c)) results[c] = result(g, s.samples.type, shape.channels, c);
+    return JORM_OK;
+}
+
+int64_t mean(const StatSource &s, double *results) {
+    StatShape shape;
+    double sums[4], count;
+    if (!results) return JORM_EINVAL;
+    if (int64_t status = read_source(shape, s); status != JORM_OK) return status;
+    if (int64_t status = sum(s, sums); status != JORM_OK) return status;
+    count = double(shape.planes) * double(shape.rows) * double(shape.pixels);
+    if (s.masked)
+        if (int64_t status = count_selected(s, shape, count); status != JORM_OK) return status;
+    for (int c = 0; c < shape.channels; ++c)
+        if (shape.is_selected(c)) results[c] = count > 0 ? sums[c] / count : 0;
+    return JORM_OK;
+}
+
+} // namespace jorm
