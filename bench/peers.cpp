@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -19,22 +21,24 @@ jorm_array describe(const pb::Plane &plane) {
     return a;
 }
 
-// The benchmark's planes, and results of sizes of our own.
+// The benchmark's planes, and results of sizes of our own in memory of the same kind.
 struct Planes : pb::Data {
     pb::Plane framed2, framed16; // with a margin of so many pixels
-    std::vector<uint8_t> memory2, memory16;
 
-    explicit Planes(const pb::Data &d) : pb::Data(d) {
-        frame(framed2, memory2, 2);
-        frame(framed16, memory16, 16);
+    explicit Planes(const pb::Data &d) : pb::Data(d), framed2(frame(2)), framed16(frame(16)) {}
+    ~Planes() {
+        std::free(framed2.data);
+        std::free(framed16.data);
     }
     Planes(const Planes &) = delete;
 
 private:
-    void frame(pb::Plane &plane, std::vector<uint8_t> &memory, int margin) const {
-        plane = {nullptr, w + 2 * margin, h + 2 * margin, 1, pb::Elem::u8, size_t(w) + 2 * size_t(margin)};
-        memory.resize(plane.count());
-        plane.data = memory.data();
+    pb::Plane frame(int margin) const {
+        constexpr size_t block = size_t(2) << 20;
+        pb::Plane p = {nullptr, w + 2 * margin, h + 2 * margin, 1, pb::Elem::u8, size_t(w) + 2 * size_t(margin)};
+        const size_t bytes = (p.count() + block - 1) / block * block;
+        p.data = std::memset(std::aligned_alloc(block, bytes), 0, bytes);
+        return p;
     }
 };
 

@@ -238,19 +238,12 @@ TEST_F(Copies, CopyAndFillAnyLayoutUnderAnyMask) {
             } else if (selected)
                 writes.add(dst.at(sum(i, region.origin[0])), src.at(sum(i, region.origin[1])));
         });
-        const auto call = [&]() -> int64_t {
-            switch (kind) {
-            case copy:
-                return JormCopy(xe, options, &dst, &src, roi, at);
-            case copy_ex:
-                return JormCopyEx(xe, options, &dst, &src, &mask, roi, at, at_m);
-            case fill:
-                return JormFill(xe, options, &dst, roi, given);
-            case fill_ex:
-                return JormFillEx(xe, options, &dst, &mask, roi, at_m, given);
-            default:
-                return JormFillEx2(xe, options, &dst, &mask, roi, at_m, given, other);
-            }
+        const auto call = [&] {
+            return kind == copy      ? JormCopy(xe, options, &dst, &src, roi, at)
+                   : kind == copy_ex ? JormCopyEx(xe, options, &dst, &src, &mask, roi, at, at_m)
+                   : kind == fill    ? JormFill(xe, options, &dst, roi, given)
+                   : kind == fill_ex ? JormFillEx(xe, options, &dst, &mask, roi, at_m, given)
+                                     : JormFillEx2(xe, options, &dst, &mask, roi, at_m, given, other);
         };
         expect_model(call, region.empty ? JORM_EEMPTY : JORM_OK, writes,
                      "round " + std::to_string(round) + ", kind " + std::to_string(kind));
@@ -261,23 +254,11 @@ TEST_F(Copies, CopyAndFillAnyLayoutUnderAnyMask) {
 // Where position p of a line of n pixels lies, step by step; -1: nowhere.
 int continued(uint32_t mode, int p, int n) {
     while (p < 0 || p >= n) {
-        switch (mode) {
-        case JORM_BORDER_REPLICATE:
-            p += p < 0 ? 1 : -1;
-            break;
-        case JORM_BORDER_WRAP:
-            p += p < 0 ? n : -n;
-            break;
-        case JORM_BORDER_REFLECT:
-            p = p < 0 ? -1 - p : 2 * n - 1 - p;
-            break;
-        case JORM_BORDER_REFLECT101:
-            if (n == 1) return 0;
-            p = p < 0 ? -p : 2 * n - 2 - p;
-            break;
-        default:
-            return -1;
-        }
+        if (mode == JORM_BORDER_NUL || mode == JORM_BORDER_CONST) return -1;
+        if (mode == JORM_BORDER_REPLICATE) p += p < 0 ? 1 : -1;
+        if (mode == JORM_BORDER_WRAP) p += p < 0 ? n : -n;
+        if (mode == JORM_BORDER_REFLECT) p = p < 0 ? -1 - p : 2 * n - 1 - p;
+        if (mode == JORM_BORDER_REFLECT101) p = n == 1 ? 0 : p < 0 ? -p : 2 * n - 2 - p;
     }
     return p;
 }
@@ -337,38 +318,6 @@ Array picture(void *base, int h, int w, int stride) {
     return a;
 }
 
-// The image stands inside the block: its border is completed in place, by the kernel too.
-TEST_F(Copies, BorderAroundAnImageInPlace) {
-    const int32_t size[] = {7, 9, 1}, image[] = {3, 4, 1}, none[4] = {};
-    const int32_t at4[] = {0, -2, -3, 0}, *const at = at4 + 1, stride4[] = {0, 9, 1, 1}, *const stride = stride4 + 1;
-    for (uint32_t mode : {3, 4, 5, 6, 7}) {
-        const jorm_border border = {mode, 0, {77}};
-        for (int how = 0; how < 4; ++how) {
-            Bytes b(63);
-            std::iota(b.begin(), b.end(), uint8_t(0));
-            const Bytes before = b;
-            uint8_t *const inside = &b[2 * 9 + 3];
-            const jorm_mkbparams params = {&border, at, image};
-            const Array block = picture(b.data(), 7, 9, 9), view = picture(inside, 3, 4, 9);
-            const int64_t status = how == 0 ? jorma__copymkb(nullptr, 0, JORM_WORD(3), size, JORM_U8, b.data(), stride,
-                                                             JORM_U8, inside, stride, at, image, &border)
-                                   : how == 1 ? JormTGAcopymkb(nullptr, 0, &params, JORM_WORD(3), size, JORM_U8,
-                                                               b.data(), stride, JORM_U8, inside, stride)
-                                   : how == 2
-                                       ? jorma_copymkb(nullptr, 0, JORM_WORD(3), size, JORM_U8, b.data(), none + 1,
-                                                       stride, JORM_U8, inside, none + 1, stride, at, image, &border)
-                                       : JormCopyMkb(nullptr, 0, &block, &view, nullptr, at4, &border);
-            EXPECT_EQ(status, JORM_OK);
-            for (int y = 0; y < 7; ++y)
-                for (int x = 0; x < 9; ++x) {
-                    const int sy = continued(mode, y - 2, 3), sx = continued(mode, x - 3, 4);
-                    EXPECT_EQ(b[size_t(9 * y + x)], sy < 0 || sx < 0 ? 77 : before[size_t(9 * (sy + 2) + sx + 3)])
-                        << mode << " " << how << " at " << y << ", " << x;
-                }
-        }
-    }
-}
-
 // Orders of copying and scratch memory: what works without an environment, and what needs one.
 TEST_F(Copies, OverlapsInPlace) {
     const int h = 5, w = 8, last = h * w - 1;
@@ -413,191 +362,207 @@ TEST_F(Copies, OverlapsInPlace) {
 
 // Lengths about the thresholds of the loops, at every level; the bytes around stay.
 TEST_F(Copies, Lengths) {
+    _G_jorm_use_simd = 1;
     for (int level = 0; level < jorm::level_count; ++level)
-        for (int n : {1, 15, 63, 64, 65, 191, 255, 256, 257, 500, 24575, 24577, 786431, 786433, (12 << 20) + 5}) {
-            _G_jorm_use_simd = 1;
-            jorm::limit_level(jorm::Level(level));
-            Bytes src(size_t(n) + 80), dst(src.size(), 1), expected = dst;
-            for (size_t i = 0; i < src.size(); ++i) src[i] = uint8_t(i * 31 >> 3);
+        for (int n : {1, 15, 63, 64, 65, 191, 255, 257, 500, 24575, 24577, 786431, 786433, (9 << 20) + 5})
             for (int shift : {0, 7}) {
-                const Array to = picture(&dst[size_t(8 + shift)], 1, n, n), from = picture(&src[8], 1, n, n);
-                EXPECT_EQ(JormCopy(nullptr, 0, &to, &from, nullptr, nullptr), JORM_OK);
-                std::copy_n(&src[8], n, &expected[size_t(8 + shift)]);
-                ASSERT_EQ(dst, expected) << n << " + " << shift;
+                jorm::limit_level(jorm::Level(level));
+                const size_t start = size_t(8 + shift);
+                Bytes src(size_t(n) + 80), mask = src, dst(src.size(), 1), expected = dst;
+                for (size_t i = 0; i < src.size(); ++i) src[i] = uint8_t(i * 31 >> 3), mask[i] = i % 300 > 140;
+                const Array to = picture(&dst[start], 1, n, n), from = picture(&src[8], 1, n, n);
+                const Array by = picture(&mask[3], 1, n, n);
                 const double value = 9 + shift;
+                EXPECT_EQ(JormCopy(nullptr, 0, &to, &from, nullptr, nullptr), JORM_OK);
+                std::copy_n(&src[8], n, &expected[start]);
+                ASSERT_TRUE(dst == expected) << n << " + " << shift;
+                EXPECT_EQ(JormFillEx(nullptr, 0, &to, &by, nullptr, nullptr, &value), JORM_OK);
+                for (size_t i = 0; i < size_t(n); ++i)
+                    if (mask[3 + i]) expected[start + i] = uint8_t(9 + shift);
+                ASSERT_TRUE(dst == expected) << n << " + " << shift;
                 EXPECT_EQ(JormFill(nullptr, 0, &to, nullptr, &value), JORM_OK);
-                std::fill_n(&expected[size_t(8 + shift)], n, uint8_t(9 + shift));
-                ASSERT_EQ(dst, expected) << n << " + " << shift;
+                std::fill_n(&expected[start], n, uint8_t(9 + shift));
+                ASSERT_TRUE(dst == expected) << n << " + " << shift;
+                EXPECT_EQ(JormCopyEx(nullptr, 0, &to, &from, &by, nullptr, nullptr, nullptr), JORM_OK);
+                for (size_t i = 0; i < size_t(n); ++i)
+                    if (mask[3 + i]) expected[start + i] = src[8 + i];
+                ASSERT_TRUE(dst == expected) << n << " + " << shift;
             }
-        }
 }
 
 TEST_F(Copies, Statuses) {
     Bytes memory(4096, 5);
-    const auto array = [&](uint32_t type, int h, int w, uint32_t channels, int ndims = 3) {
-        Array a = {};
+    const auto array = [&](uint32_t type, uint32_t channels, int ndims = 3) {
         const int e = bytes_of(type);
+        Array a = {};
         a.ndims = uint16_t(ndims);
         a.eltype = type;
         a.base = memory.data();
-        const uint32_t extent[] = {1, uint32_t(h), uint32_t(w), channels};
-        std::copy_n(extent, 4, a.extent);
+        const uint32_t extent[] = {1, 4, 5, channels};
         const int32_t stride[] = {1024, 128, 4 * e, e};
+        std::copy_n(extent, 4, a.extent);
         std::copy_n(stride, 4, a.stride);
         return a;
     };
-    const Array a = array(JORM_U8, 4, 5, 3), other_type = array(JORM_S8, 4, 5, 3), two = array(JORM_U8, 4, 5, 2);
-    const Array five = array(5, 4, 5, 3), none = array(15, 4, 5, 3), wide = array(JORM_F64, 4, 5, 3);
-    const Array flat = array(JORM_U8, 4, 5, 3, 2), deep = array(JORM_U8, 4, 5, 3, 4), many = array(JORM_U8, 4, 5, 7);
-    const Array mask = array(JORM_U8, 4, 5, 1), s16_mask = array(JORM_S16, 4, 5, 1);
+    const Array a = array(JORM_U8, 3), s8 = array(JORM_S8, 3), two = array(JORM_U8, 2), five = array(5, 3);
+    const Array none = array(15, 3), wide = array(JORM_F64, 3), flat = array(JORM_U8, 3, 2),
+                deep = array(JORM_U8, 3, 4);
+    const Array many = array(JORM_U8, 7), mask = array(JORM_U8, 1), s16_mask = array(JORM_S16, 1);
     Array lost = a;
     lost.base = nullptr;
     const jorm_site outside = {{0, 4, 0, 0}, {1, 1, 1, 3}}, no_channel = {{0, 0, 0, 3}, {1, 4, 5, 1}};
     const int32_t past[] = {0, 0, 5, 0}, before[] = {0, -4, 0, 0};
     const jorm_border constant = {JORM_BORDER_CONST, 0, {}}, unknown = {2, 0, {}}, wrap = {JORM_BORDER_WRAP, 0, {}};
-    const auto copy = [&](const Array *d, const Array *s, const jorm_site *roi = nullptr, const int32_t *at = nullptr) {
-        return JormCopy(xe, 0, d, s, roi, at);
-    };
-    const auto copy_ex = [&](const Array *d, const Array *s, const Array *m, const jorm_site *roi = nullptr) {
-        return JormCopyEx(xe, 0, d, s, m, roi, nullptr, nullptr);
-    };
-    const auto mkb = [&](const Array *d, const Array *s, const jorm_border *b, const int32_t *at = nullptr) {
-        return JormCopyMkb(xe, 0, d, s, nullptr, at, b);
-    };
-    const auto fill_ex = [&](const Array *d, const Array *m) {
-        return JormFillEx(xe, 0, d, m, nullptr, nullptr, nullptr);
-    };
-    const int32_t size[] = {4, 5, 3}, stride[] = {128, 4, 1}, odd[] = {128, 12, 3};
+    const int32_t size[] = {4, 5, 3}, s[] = {128, 4, 1}, odd[] = {128, 12, 3};
+    const uint32_t word = JORM_WORD(3), u8 = JORM_U8;
     void *const p = memory.data();
+    // clang-format off
+#define COPY(d, s, roi, at) JormCopy(xe, 0, d, s, roi, at)
+#define COPY_EX(d, s, m, roi) JormCopyEx(xe, 0, d, s, m, roi, nullptr, nullptr)
+#define MKB(d, s, b, at) JormCopyMkb(xe, 0, d, s, nullptr, at, b)
+#define FILL(d) JormFill(xe, 0, d, nullptr, nullptr)
+#define FILL_EX(d, m) JormFillEx(xe, 0, d, m, nullptr, nullptr, nullptr)
+#define CASE(call, status) {#call, call, status}
+    const Array *const null = nullptr;
     const struct {
         const char *what;
         int64_t got, want;
     } cases[] = {
-        {"null", copy(nullptr, &a), JORM_EINVAL},
-        {"in place", copy(&a, nullptr), JORM_OK},
-        {"no base", copy(&a, &lost), JORM_EINVAL},
-        {"types", copy(&a, &other_type), JORM_EINVAL},
-        {"types before region", copy(&a, &other_type, &outside), JORM_EINVAL},
-        {"channels", copy(&a, &two), JORM_EINVAL},
-        {"axes", copy(&flat, &a), JORM_EINVAL},
-        {"axes of the source", copy(&a, &deep), JORM_EINVAL},
-        {"five channels", copy(&many, &many), JORM_EINVAL},
-        {"region", copy(&a, &a, &outside), JORM_EEMPTY},
-        {"region without a channel", copy(&a, &a, &no_channel), JORM_EEMPTY},
-        {"source past its end", copy(&a, &a, nullptr, past), JORM_EEMPTY},
-        {"source before its start", copy(&a, &a, nullptr, before), JORM_EEMPTY},
-        {"ill-formed", copy(&five, &five), JORM_EINVAL},
-        {"region before ill-formed", copy(&five, &five, &outside), JORM_EEMPTY},
-        {"no size", copy(&none, &none), JORM_ENOTSUP},
-        {"no mask", copy_ex(&a, &a, nullptr), JORM_EINVAL},
-        {"type of mask", copy_ex(&a, &a, &s16_mask), JORM_EINVAL},
-        {"channels of mask", copy_ex(&a, &a, &two), JORM_EINVAL},
-        {"mask and region", copy_ex(&a, &a, &mask, &outside), JORM_EEMPTY},
-        {"masked without a size", copy_ex(&none, &none, &mask), JORM_ENOTSUP},
-        {"masked and ill-formed", copy_ex(&five, &five, &mask), JORM_EINVAL},
-        {"fill without a mask", fill_ex(&a, nullptr), JORM_EINVAL},
-        {"fill wide", JormFill(xe, 0, &wide, nullptr, nullptr), JORM_ENOTSUP},
-        {"fill wide under a mask", fill_ex(&wide, &mask), JORM_ENOTSUP},
-        {"fill ill-formed", JormFill(xe, 0, &five, nullptr, nullptr), JORM_EINVAL},
-        {"fill null", JormFill(xe, 0, nullptr, nullptr, nullptr), JORM_EINVAL},
-        {"no border", mkb(&a, &a, nullptr), JORM_EINVAL},
-        {"no border, no block", mkb(&a, &a, nullptr, past), JORM_EEMPTY},
-        {"unknown border", mkb(&a, &a, &unknown), JORM_EINVAL},
-        {"axes of the image", mkb(&deep, &a, &wrap), JORM_EINVAL},
-        {"type of the image", mkb(&a, &other_type, &wrap), JORM_EINVAL},
-        {"wide constants", mkb(&wide, &wide, &constant), JORM_ENOTSUP},
-        {"image before the block", mkb(&a, &a, &wrap, before), JORM_EEMPTY},
-        {"four axes below", jorma__copy(xe, 0, JORM_WORD(4), size, p, stride, p, stride), JORM_ENOTSUP},
-        {"odd elements", jorma__copy(xe, 0, JORM_WORD(3), size, p, odd, p, stride), JORM_EINVAL},
-        {"null below", jorma__copy(xe, 0, JORM_WORD(3), size, nullptr, stride, p, stride), JORM_EINVAL},
-        {"null size", jorma__fill(xe, 0, JORM_WORD(3), nullptr, JORM_U8, p, stride, nullptr), JORM_EINVAL},
-        {"null parameters",
-         JormTGAcopyEx(xe, 0, nullptr, JORM_WORD(3), size, JORM_U8, p, stride, JORM_U8, p, stride, JORM_U8, p, stride),
-         JORM_EINVAL},
-        {"null parameters of a fill",
-         JormTGAfillEx(xe, 0, nullptr, JORM_WORD(3), size, JORM_U8, p, stride, JORM_U8, p, stride), JORM_EINVAL},
-        {"null parameters of a border",
-         JormTGAcopymkb(xe, 0, nullptr, JORM_WORD(3), size, JORM_U8, p, stride, JORM_U8, p, stride), JORM_EINVAL},
+        CASE(COPY(null, &a, nullptr, nullptr), JORM_EINVAL),
+        CASE(COPY(&a, null, nullptr, nullptr), JORM_OK), // in place
+        CASE(COPY(&a, &lost, nullptr, nullptr), JORM_EINVAL),
+        CASE(COPY(&a, &s8, &outside, nullptr), JORM_EINVAL), // types before the region
+        CASE(COPY(&a, &two, nullptr, nullptr), JORM_EINVAL),
+        CASE(COPY(&flat, &a, nullptr, nullptr), JORM_EINVAL),
+        CASE(COPY(&a, &deep, nullptr, nullptr), JORM_EINVAL),
+        CASE(COPY(&many, &many, nullptr, nullptr), JORM_EINVAL),
+        CASE(COPY(&a, &a, &outside, nullptr), JORM_EEMPTY),
+        CASE(COPY(&a, &a, &no_channel, nullptr), JORM_EEMPTY),
+        CASE(COPY(&a, &a, nullptr, past), JORM_EEMPTY),
+        CASE(COPY(&a, &a, nullptr, before), JORM_EEMPTY),
+        CASE(COPY(&five, &five, nullptr, nullptr), JORM_EINVAL),
+        CASE(COPY(&five, &five, &outside, nullptr), JORM_EEMPTY),
+        CASE(COPY(&none, &none, nullptr, nullptr), JORM_ENOTSUP),
+        CASE(COPY_EX(&a, &a, null, nullptr), JORM_EINVAL),
+        CASE(COPY_EX(&a, &a, &s16_mask, nullptr), JORM_EINVAL),
+        CASE(COPY_EX(&a, &a, &two, nullptr), JORM_EINVAL),
+        CASE(COPY_EX(&a, &a, &mask, &outside), JORM_EEMPTY),
+        CASE(COPY_EX(&none, &none, &mask, nullptr), JORM_ENOTSUP),
+        CASE(COPY_EX(&five, &five, &mask, nullptr), JORM_EINVAL),
+        CASE(FILL(null), JORM_EINVAL),
+        CASE(FILL(&wide), JORM_ENOTSUP),
+        CASE(FILL(&five), JORM_EINVAL),
+        CASE(FILL_EX(&a, null), JORM_EINVAL),
+        CASE(FILL_EX(&wide, &mask), JORM_ENOTSUP),
+        CASE(MKB(&a, &a, nullptr, nullptr), JORM_EINVAL),
+        CASE(MKB(&a, &a, nullptr, past), JORM_EEMPTY), // the block before the border
+        CASE(MKB(&a, &a, &unknown, nullptr), JORM_EINVAL),
+        CASE(MKB(&deep, &a, &wrap, nullptr), JORM_EINVAL),
+        CASE(MKB(&a, &s8, &wrap, nullptr), JORM_EINVAL),
+        CASE(MKB(&wide, &wide, &constant, nullptr), JORM_ENOTSUP),
+        CASE(MKB(&a, &a, &wrap, before), JORM_EEMPTY),
+        CASE(jorma__copy(xe, 0, JORM_WORD(4), size, p, s, p, s), JORM_ENOTSUP),
+        CASE(jorma__copy(xe, 0, word, size, p, odd, p, s), JORM_EINVAL),
+        CASE(jorma__copy(xe, 0, word, size, nullptr, s, p, s), JORM_EINVAL),
+        CASE(jorma__fill(xe, 0, word, nullptr, u8, p, s, nullptr), JORM_EINVAL),
+        CASE(JormTGAcopyEx(xe, 0, nullptr, word, size, u8, p, s, u8, p, s, u8, p, s), JORM_EINVAL),
+        CASE(JormTGAfillEx(xe, 0, nullptr, word, size, u8, p, s, u8, p, s), JORM_EINVAL),
+        CASE(JormTGAcopymkb(xe, 0, nullptr, word, size, u8, p, s, u8, p, s), JORM_EINVAL),
     };
+    // clang-format on
     for (const auto &c : cases) EXPECT_EQ(c.got, c.want) << c.what;
-    EXPECT_EQ(memory, Bytes(4096, 5)); // nor did the copies onto itself write anything
+    EXPECT_EQ(memory, Bytes(4096, 5));
 }
 
-// Below the entries: adapters add their origins, words of two slots stand for one row, dispatchers and kernels agree.
-TEST_F(Copies, AdaptersAndKernels) {
-    const int32_t stride[4] = {0, 12, 2, 1}, origin[4] = {0, 1, 1, 0}, size[] = {2, 3, 2}, row_size[] = {3, 2};
-    const double values[] = {7, 8}, others[] = {3, 4};
-    const auto mask_stride_em = stride + 1;
-    const int32_t mask_stride4[] = {0, 6, 1, 1}, *const mask_stride_xm = mask_stride4 + 1;
-    Bytes src(36), em(36), xm(18);
+// Adapters, dispatchers, kernels and per-slice entries do what the entries do.
+TEST_F(Copies, BelowTheEntries) {
+    const int32_t stride4[4] = {0, 12, 2, 1}, pixel_stride4[4] = {0, 6, 1, 1}, origin4[4] = {0, 1, 1, 0};
+    const int32_t size[] = {2, 3, 2}, at[] = {0, 1, 1, 0}, *const s = stride4 + 1, *const o = origin4 + 1;
+    const int32_t *const p = pixel_stride4 + 1, at_image[] = {-1, 2}, image_size[] = {2, 4};
+    const double v[] = {7, 8}, w[] = {3, 4};
+    const uint32_t word = JORM_WORD(3), u8 = JORM_U8;
+    Bytes src(48), dst, em(48), xm(24);
     std::iota(src.begin(), src.end(), uint8_t(100));
     for (size_t i = 0; i < em.size(); i += 3) em[i] = 1;
     for (size_t i = 0; i < xm.size(); i += 2) xm[i] = 1;
-    const int start = 12 + 2, mask_start = 6 + 1;
-    const uint32_t word = JORM_WORD(3), u8 = JORM_U8;
-    const int32_t *const s = stride + 1, *const o = origin + 1;
-
-    const auto check = [&](const char *name, int mask, bool copies, bool both, int rows, auto run) {
-        Bytes dst(36, 1), expected = dst;
-        for (int y = 0; y < rows; ++y)
-            for (int x = 0; x < 3; ++x)
-                for (int c = 0; c < 2; ++c) {
-                    const size_t i = size_t(start + 12 * y + 2 * x + c), m = size_t(mask_start + 6 * y + x);
-                    const bool in = mask == 0 || (mask == 1 ? em[i] : xm[m]) != 0;
-                    if (in || both) expected[i] = copies ? src[i] : uint8_t(in ? values[c] : others[c]);
-                }
-        EXPECT_EQ(run(dst.data()), JORM_OK) << name;
-        EXPECT_EQ(dst, expected) << name;
+    const auto array = [&](Bytes &b, int channels) {
+        const int32_t extent[] = {4, 6, channels};
+        Array a;
+        _jorm_array__$xtrn(&a, JORM_U8, 3, extent, nullptr, b.data());
+        return a;
     };
-#define ELEMENT_MASK u8, &em[start], mask_stride_em
-#define PIXEL_MASK u8, &xm[mask_start], mask_stride_xm
-#define LEAD nullptr, 0, word, size, u8
-    check("copy", 0, true, false, 2,
-          [&](uint8_t *d) { return jorma__copy(nullptr, 0, word, size, d + start, s, &src[start], s); });
-    check("copy, one row", 0, true, false, 1, [&](uint8_t *d) {
-        return jorma__copy(nullptr, 0, JORM_WORD(2), row_size, d + start, s + 1, &src[start], s + 1);
-    });
-    check("copy, adapter", 0, true, false, 2,
-          [&](uint8_t *d) { return jorma_copy(LEAD, d, o, s, u8, src.data(), o, s); });
-    check("copy, slice", 0, true, false, 2, [&](uint8_t *d) {
-        return JormTGAcopy(nullptr, 0, nullptr, word, size, u8, d + start, s, u8, &src[start], s);
-    });
-    check("em", 1, true, false, 2,
-          [&](uint8_t *d) { return jorma__copyem(LEAD, d + start, s, u8, &src[start], s, ELEMENT_MASK); });
-    check("xm", 2, true, false, 2,
-          [&](uint8_t *d) { return jorma__copyxm(LEAD, d + start, s, u8, &src[start], s, PIXEL_MASK); });
-    check("em, adapter", 1, true, false, 2, [&](uint8_t *d) {
-        return jorma_copyem(LEAD, d, o, s, u8, src.data(), o, s, u8, em.data(), o, mask_stride_em);
-    });
-    check("xm, adapter", 2, true, false, 2, [&](uint8_t *d) {
-        return jorma_copyxm(LEAD, d, o, s, u8, src.data(), o, s, u8, xm.data(), o, mask_stride_xm);
-    });
-    for (jorm_fill_kernel *f : {jorma__fill, jorma__dofill}) {
-        check("fill", 0, false, false, 2, [&](uint8_t *d) { return f(LEAD, d + start, s, values); });
-        check("fill, one row", 0, false, false, 1,
-              [&](uint8_t *d) { return f(nullptr, 0, JORM_WORD(2), row_size, u8, d + start, s + 1, values); });
+    dst.resize(48);
+    const Array d = array(dst, 2), sa = array(src, 2), ea = array(em, 2), xa = array(xm, 1);
+    const jorm_site roi = {{0, 1, 1, 0}, {1, 2, 3, 2}};
+    const auto after = [&](const std::function<int64_t()> &call) {
+        dst.assign(48, 1);
+        EXPECT_EQ(call(), JORM_OK);
+        return dst;
+    };
+    uint8_t *const to = &dst[14], *const from = &src[14], *const by = &em[14], *const by_x = &xm[7];
+    const jorm_border border = {JORM_BORDER_WRAP, 0, {}};
+    const jorm_mkbparams params = {&border, at_image, image_size};
+    using Calls = std::vector<std::function<int64_t()>>;
+    // clang-format off
+#define LEAD nullptr, 0, word, size
+#define TO u8, to, s
+#define BASE u8, dst.data(), o, s
+    const Calls groups[] = {
+        {[&] { return JormCopy(xe, 0, &d, &sa, &roi, at); },
+         [&] { return jorma__copy(LEAD, to, s, from, s); },
+         [&] { return jorma_copy(LEAD, BASE, u8, src.data(), o, s); },
+         [&] { return JormTGAcopy(nullptr, 0, nullptr, word, size, TO, u8, from, s); },
+         [&] { return jorma__copy(nullptr, 0, JORM_WORD(2), size + 1, to, s + 1, from, s + 1) +
+                      jorma__copy(nullptr, 0, JORM_WORD(2), size + 1, to + 12, s + 1, from + 12, s + 1); }},
+        {[&] { return JormCopyEx(xe, 0, &d, &sa, &ea, &roi, at, at); },
+         [&] { return jorma__copyem(LEAD, TO, u8, from, s, u8, by, s); },
+         [&] { return jorma_copyem(LEAD, BASE, u8, src.data(), o, s, u8, em.data(), o, s); }},
+        {[&] { return JormCopyEx(xe, 0, &d, &sa, &xa, &roi, at, at); },
+         [&] { return jorma__copyxm(LEAD, TO, u8, from, s, u8, by_x, p); },
+         [&] { return jorma_copyxm(LEAD, BASE, u8, src.data(), o, s, u8, xm.data(), o, p); }},
+        {[&] { return JormFill(xe, 0, &d, &roi, v); },
+         [&] { return jorma__fill(LEAD, TO, v); }, [&] { return jorma__dofill(LEAD, TO, v); },
+         [&] { return jorma_fill(LEAD, BASE, v); },
+         [&] { return JormTGAfill(nullptr, 0, v, word, size, TO); }},
+        {[&] { return JormFillEx(xe, 0, &d, &ea, &roi, at, v); },
+         [&] { return jorma__fillem(LEAD, TO, u8, by, s, v); }, [&] { return jorma__dofillem(LEAD, TO, u8, by, s, v); },
+         [&] { return jorma_fillem(LEAD, BASE, u8, em.data(), o, s, v); }},
+        {[&] { return JormFillEx(xe, 0, &d, &xa, &roi, at, v); },
+         [&] { return jorma__fillxm(LEAD, TO, u8, by_x, p, v); }, [&] { return jorma__dofillxm(LEAD, TO, u8, by_x, p, v); },
+         [&] { return jorma_fillxm(LEAD, BASE, u8, xm.data(), o, p, v); }},
+        {[&] { return JormFillEx2(xe, 0, &d, &ea, &roi, at, v, w); },
+         [&] { return jorma__fillem2(LEAD, TO, u8, by, s, v, w); }, [&] { return jorma__dofillem2(LEAD, TO, u8, by, s, v, w); },
+         [&] { return jorma_fillem2(LEAD, BASE, u8, em.data(), o, s, v, w); }},
+        {[&] { return JormFillEx2(xe, 0, &d, &xa, &roi, at, v, w); },
+         [&] { return jorma__fillxm2(LEAD, TO, u8, by_x, p, v, w); }, [&] { return jorma__dofillxm2(LEAD, TO, u8, by_x, p, v, w); },
+         [&] { return jorma_fillxm2(LEAD, BASE, u8, xm.data(), o, p, v, w); }},
+        {[&] { const jorm_site part = {{0, 1, 1, 0}, {1, 2, 4, 2}}; const int32_t where[] = {0, 0, 3, 0};
+               return JormCopyRMkb(xe, 0, &d, &sa, &roi, where, &border, &part); },
+         [&] { return jorma__copymkb(LEAD, TO, u8, from, s, at_image, image_size, &border); },
+         [&] { return jorma__copymkb_wrap(LEAD, TO, u8, from, s, at_image, image_size, &border); },
+         [&] { return JormTGAcopymkb(nullptr, 0, &params, word, size, TO, u8, from, s); },
+         [&] { return jorma_copymkb(LEAD, BASE, u8, src.data(), o, s, at_image, image_size, &border); }},
+    };
+    // clang-format on
+    for (const Calls &group : groups)
+        for (size_t i = 1; i < group.size(); ++i)
+            EXPECT_EQ(after(group[i]), after(group[0])) << "group " << &group - groups << ", way " << i;
+
+    // The image may stand in the block: its border is completed in place.
+    const int32_t block[] = {4, 6, 2}, inside[] = {2, 3, 2}, before[] = {-1, -1, 0};
+    jorm_mkb_kernel *const kernels[] = {jorma__copymkb_const, jorma__copymkb_replicate, jorma__copymkb_wrap,
+                                        jorma__copymkb_reflect, jorma__copymkb_reflect101};
+    for (uint32_t mode = 3; mode <= 7; ++mode) {
+        Bytes b = src;
+        const jorm_border of_mode = {0, 0, {77, 78}};
+        EXPECT_EQ(kernels[mode - 3](nullptr, 0, word, block, u8, b.data(), s, u8, &b[14], s, before, inside, &of_mode),
+                  JORM_OK);
+        for (int i = 0; i < 48; ++i) {
+            const int y = continued(mode, i / 12 - 1, 2), x = continued(mode, i / 2 % 6 - 1, 3);
+            EXPECT_EQ(b[size_t(i)], y < 0 || x < 0 ? 77 + i % 2 : src[size_t(14 + 12 * y + 2 * x + i % 2)])
+                << mode << " " << i;
+        }
     }
-    check("fill, adapter", 0, false, false, 2, [&](uint8_t *d) { return jorma_fill(LEAD, d, o, s, values); });
-    check("fill, slice", 0, false, false, 2,
-          [&](uint8_t *d) { return JormTGAfill(nullptr, 0, values, word, size, u8, d + start, s); });
-    for (jorm_masked_fill_kernel *f : {jorma__fillem, jorma__dofillem})
-        check("fill em", 1, false, false, 2, [&](uint8_t *d) { return f(LEAD, d + start, s, ELEMENT_MASK, values); });
-    for (jorm_masked_fill_kernel *f : {jorma__fillxm, jorma__dofillxm})
-        check("fill xm", 2, false, false, 2, [&](uint8_t *d) { return f(LEAD, d + start, s, PIXEL_MASK, values); });
-    for (jorm_masked_fill2_kernel *f : {jorma__fillem2, jorma__dofillem2})
-        check("fill em2", 1, false, true, 2,
-              [&](uint8_t *d) { return f(LEAD, d + start, s, ELEMENT_MASK, values, others); });
-    for (jorm_masked_fill2_kernel *f : {jorma__fillxm2, jorma__dofillxm2})
-        check("fill xm2", 2, false, true, 2,
-              [&](uint8_t *d) { return f(LEAD, d + start, s, PIXEL_MASK, values, others); });
-    check("fill em, adapter", 1, false, false, 2,
-          [&](uint8_t *d) { return jorma_fillem(LEAD, d, o, s, u8, em.data(), o, mask_stride_em, values); });
-    check("fill xm, adapter", 2, false, false, 2,
-          [&](uint8_t *d) { return jorma_fillxm(LEAD, d, o, s, u8, xm.data(), o, mask_stride_xm, values); });
-    check("fill em2, adapter", 1, false, true, 2,
-          [&](uint8_t *d) { return jorma_fillem2(LEAD, d, o, s, u8, em.data(), o, mask_stride_em, values, others); });
-    check("fill xm2, adapter", 2, false, true, 2,
-          [&](uint8_t *d) { return jorma_fillxm2(LEAD, d, o, s, u8, xm.data(), o, mask_stride_xm, values, others); });
 }
 
 } // namespace

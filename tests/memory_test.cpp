@@ -138,20 +138,7 @@ TEST(Hashes, Bytes) {
 }
 
 bool relation(uint32_t op, double a, double b) {
-    switch (op) {
-    case 3:
-        return a == b;
-    case 4:
-        return a < b;
-    case 5:
-        return a <= b;
-    case 6:
-        return a > b;
-    case 7:
-        return a >= b;
-    default:
-        return false;
-    }
+    return op == 3 ? a == b : op == 4 ? a < b : op == 5 ? a <= b : op == 6 ? a > b : op == 7 && a >= b;
 }
 
 TEST(Tables, ComparisonsAndTranslation) {
@@ -202,17 +189,16 @@ TEST_P(Memory, Vectors) {
         for (float &x : f) x = real(r);
         for (uint8_t &x : a) x = uint8_t(r());
         for (uint8_t &x : b) x = uint8_t(r());
+        // clang-format off
         const struct {
             void (*run)(float *, const float *, const float *, size_t);
             float (*model)(float, float);
         } with_constant[] = {
-            {C_jorm_addvcf, [](float x, float k) { return x + k; }},
-            {C_jorm_subvcf, [](float x, float k) { return x - k; }},
-            {C_jorm_rsubvcf, [](float x, float k) { return k - x; }},
-            {C_jorm_mulvcf, [](float x, float k) { return x * k; }},
-            {C_jorm_divvcf, [](float x, float k) { return x / k; }},
-            {C_jorm_rdivvcf, [](float x, float k) { return k / x; }},
+            {C_jorm_addvcf, [](float x, float k) { return x + k; }}, {C_jorm_subvcf, [](float x, float k) { return x - k; }},
+            {C_jorm_mulvcf, [](float x, float k) { return x * k; }}, {C_jorm_rsubvcf, [](float x, float k) { return k - x; }},
+            {C_jorm_divvcf, [](float x, float k) { return x / k; }}, {C_jorm_rdivvcf, [](float x, float k) { return k / x; }},
         };
+        // clang-format on
         for (const auto &op : with_constant) {
             op.run(out.data(), f.data(), pattern, n);
             for (size_t i = 0; i < n; ++i) ASSERT_EQ(out[i], op.model(f[i], pattern[i % 4])) << i;

@@ -6,19 +6,11 @@
 
 #include <algorithm>
 #include <array>
-#include <cstddef>
 #include <cstring>
 #include <random>
 #include <vector>
 
 namespace {
-
-static_assert(offsetof(jorm_pack, reduce_hint) == 2 && offsetof(jorm_pack, opcode) == 4);
-static_assert(offsetof(jorm_pack, codes) == 8 && offsetof(jorm_pack, entry) == 16 && offsetof(jorm_pack, name) == 24);
-static_assert(offsetof(jorm_pack, environment) == 32 && offsetof(jorm_pack, options) == 40);
-static_assert(offsetof(jorm_pack, parameters) == 48 && offsetof(jorm_pack, slots) == 56);
-static_assert(offsetof(jorm_pack, piece_axes) == 60 && offsetof(jorm_pack, size) == 64);
-static_assert(offsetof(jorm_pack, array) == 72 && sizeof(jorm_pack_array) == 32 && sizeof(jorm_pack) == 232);
 
 constexpr uint32_t code = 0x66696C74;
 const uint64_t option_bits = 0x1234500000;
@@ -53,9 +45,10 @@ int64_t see(Log *log, jorm_xe *xe, uint64_t options, uint32_t word, const int32_
             for (int c = 0; c < size[n - 1]; ++c) {
                 ptrdiff_t *place = log->places.emplace_back().data();
                 for (const auto &[type, start, stride] : arrays)
-                    *place++ = static_cast<uint8_t *>(start) - log->memory +
-                               (n > 2 ? ptrdiff_t(y) * stride[n - 3] : 0) + ptrdiff_t(x) * stride[n - 2] +
-                               ptrdiff_t(c) * stride[n - 1];
+                    *place++ = !start ? 0
+                                      : static_cast<uint8_t *>(start) - log->memory +
+                                            (n > 2 ? ptrdiff_t(y) * stride[n - 3] : 0) + ptrdiff_t(x) * stride[n - 2] +
+                                            ptrdiff_t(c) * stride[n - 1];
             }
     return ++log->calls == log->stop_at ? log->status : int64_t(JORM_OK);
 }
@@ -249,6 +242,15 @@ TEST(Pack, RefusesBadRecords) {
     EXPECT_EQ(jorma_proc_einval(), JORM_EINVAL);
     EXPECT_EQ(jorma_proc_enotimp(), JORM_ENOTIMP);
     EXPECT_EQ(jorma_proc_enotsup(), JORM_ENOTSUP);
+}
+
+TEST(Pack, AnArrayMayBeLeftOut) {
+    Dense d;
+    pack(&d.record, &d.log, 2, 4, 3, d.size, d.a, d.memory);
+    d.record.array[1] = {types[1], nullptr, nullptr, nullptr};
+    EXPECT_EQ(jorma_call(&d.record), JORM_OK);
+    EXPECT_TRUE(d.log.calls == 1 && d.log.passed_on && d.log.places.size() == 120);
+    EXPECT_EQ(d.log.places.back(), (Places{119, 0}));
 }
 
 // With both option bits the hint keeps axes from being merged.

@@ -135,7 +135,9 @@ Expected expected(Picture &src, const int *o, const int *n, int c, Picture *mask
                 if (!any || v > best[1]) best[1] = v, e.max = extremum(type, false, &v, o[0] + p, o[1] + y, o[2] + x);
                 any = true;
             }
-    for (double s : partial) e.sum += s;
+    for (int half = 32; half > 0; half /= 2)
+        for (int k = 0; k < half; ++k) partial[k] += partial[k + half];
+    e.sum = partial[0];
     if (type != JORM_F32) e.sum = double(whole);
     e.mean = count > 0 ? e.sum / count : 0;
     return e;

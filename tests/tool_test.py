@@ -102,6 +102,8 @@ class Tool(unittest.TestCase):
         run("negate", "c.png", "-o", "out.png")
         self.assertEqual(read_png("out.png"), (4, [v if v % 4 == 3 else 255 - v for v in range(16)]))
         write_pgm("c.ppm", 2, range(12), colour=True)
+        run("add", "c.png", "c.ppm", "-o", "out.png")
+        self.assertEqual(read_png("out.png")[1], [v if v % 4 == 3 else v + v // 4 * 3 + v % 4 for v in range(16)])
         run("add", "c.ppm", "c.ppm", "c.ppm", "-o", "out.png")
         self.assertEqual(read_png("out.png"), (3, [3 * v for v in range(12)]))
 
@@ -125,10 +127,18 @@ class Tool(unittest.TestCase):
         channels, samples = read_png("out.png")
         source, row = read_png("gradient.png")[1], 3 * (8 + 2 * 48)
         self.assertEqual(channels, 3)
-        at = 8 * row + 3 * 8  # every third pixel of the first picture
-        self.assertEqual(samples[at:at + 6], source[:3] + source[9:12])
-        at += 3 * 48  # the grey one in all channels
-        self.assertEqual(samples[at:at + 12], [v for v in self.A[:4] for _ in range(3)])
+        at = 8 * row + 3 * 8  # means of 3 by 3 pixels of the first picture
+        self.assertEqual(samples[at:at + 6], [
+            round(sum(source[3 * (90 * y + x) + c] for y in range(3) for x in range(left, left + 3)) / 9)
+            for left in (0, 3) for c in range(3)])
+        at += 9 * row + 3 * 48  # the grey one in all channels, in the last row of dots of the first pixels
+        self.assertEqual(samples[at:at + 120], [v for v in self.A[:4] for _ in range(30)])
+
+    def test_hull(self):
+        write_pgm("dot.pgm", 4, [0, 0, 0, 0, 0, 128, 127, 0])
+        self.assertIn("1 pixels\n", run("hull", "dot.pgm", "-o", "out.png").stdout)
+        self.assertEqual(read_png("out.png"), (3, 5 * [0, 0, 0] + [255, 64, 64] + 2 * [0, 0, 0]))
+        self.assertIn("2 pixels\n", run("hull", "dot.pgm", "--level", 127, "-o", "out.png").stdout)
 
     def test_info_and_help(self):
         self.assertIn("a.pgm: 4x2, 1 channel", run("info", "a.pgm").stdout)
@@ -140,6 +150,7 @@ class Tool(unittest.TestCase):
         (SCRATCH / "noise.png").write_bytes(b"\x89PNG\r\n\x1a\nnothing")
         (SCRATCH / "cut.jpg").write_bytes(JPEG[:60])
         (SCRATCH / "cut.pgm").write_bytes(b"P5 100 100 255\nx")
+        write_pgm("black.pgm", 4, [0] * 8)
         for words, message in [
             ([], "usage"),
             (["frobnicate"], "unknown command"),
@@ -151,6 +162,7 @@ class Tool(unittest.TestCase):
             (["blend", "a.pgm", "b.pgm", "--weight", "heavy", "-o", "x.png"], "wants a number"),
             (["paint", "cats", "-o", "x.png"], "cannot paint"),
             (["paint", "text", "--size", "0x5", "-o", "x.png"], "WIDTHxHEIGHT"),
+            (["hull", "black.pgm", "-o", "x.png"], "no sample of black.pgm reaches 128"),
             (["info", "missing.png"], "missing.png"),
             (["info", "."], "cannot read"),
             (["info", "noise.png"], "noise.png"),

@@ -7,9 +7,11 @@
 namespace tool {
 namespace {
 
+// An alpha channel takes no part, so it may be missing.
 Picture read_same(const std::string &path, const Picture &first, const std::string &first_path) {
     Picture picture = read_picture(path);
-    if (picture.width != first.width || picture.height != first.height || picture.channels != first.channels)
+    if (picture.width != first.width || picture.height != first.height ||
+        (picture.channels < 3) != (first.channels < 3))
         throw Failure("sizes differ: " + first_path + " is " + first.shape() + ", " + path + " is " + picture.shape());
     return picture;
 }

@@ -9,14 +9,33 @@ namespace {
 
 constexpr int gap = 8, caption = 2 * glyph_height;
 
-// Grey goes into all three channels; an alpha channel is left out.
-void place(Picture &sheet, int x, int y, Picture &picture, int step) {
-    const jorm_array reduced = picture.every(step);
+// The means of blocks; what is left over at the right and the lower edge is dropped.
+Picture reduce(Picture &picture, int step) {
+    const int across = std::min(step, picture.width), down = std::min(step, picture.height);
+    Picture result(picture.width / across, picture.height / down, picture.channels);
+    Picture sum(result.width, result.height, result.channels, JORM_F32);
+    const jorm_array dst = result.view(), total = sum.view();
+    for (int y = 0; y < down; ++y)
+        for (int x = 0; x < across; ++x) {
+            const jorm_array part = picture.every(step, x, y);
+            check(JormAdd(env(), 0, &total, nullptr, &part, nullptr, nullptr, nullptr, 0, 0), "sheet");
+        }
+    const double share = 1.0 / (across * down);
+    const Colour scale = {share, share, share, share}, zero = {0, 0, 0, 0};
+    check(JormMulAddCC(env(), 0, &dst, &total, scale, zero, nullptr, nullptr, 0, 0), "sheet");
+    return result;
+}
+
+// Small pictures get pixels of several dots. Grey goes into all three channels; an alpha channel is left out.
+void place(Picture &sheet, int x, int y, Picture &picture, int dots) {
     for (int c = 0; c < 3; ++c) {
-        jorm_array src = reduced;
-        src.extent[3] = 1;
-        src.loff = picture.channels < 3 ? 0 : c;
-        copy(sheet.channel(c), x, y, src);
+        const jorm_array src = picture.channel(picture.channels < 3 ? 0 : c);
+        for (int i = 0; i < dots * dots; ++i) {
+            jorm_array dst = sheet.every(dots, x + i % dots, y + i / dots);
+            dst.extent[3] = 1;
+            dst.loff += c;
+            copy(dst, 0, 0, src);
+        }
     }
 }
 
@@ -40,7 +59,8 @@ void run_sheet(const Args &args) {
         const int step =
             std::max((picture.width + cell_width - 1) / cell_width, (picture.height + cell_height - 1) / cell_height);
         const int x = gap + i % columns * (cell_width + gap), y = gap + i / columns * (cell_height + caption + gap);
-        place(sheet, x, y, picture, step);
+        if (step > 1) picture = reduce(picture, step);
+        place(sheet, x, y, picture, std::min(cell_width / picture.width, cell_height / picture.height));
         std::string name = std::filesystem::path(args.files[i]).stem().string();
         name.resize(std::min(name.size(), size_t(cell_width / glyph_width)));
         draw_text(whole, x, y + cell_height + glyph_height / 2, 1, name, ink);

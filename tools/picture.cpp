@@ -48,10 +48,12 @@ jorm_array Picture::channel(int c) {
     return a;
 }
 
-jorm_array Picture::every(int step) {
+jorm_array Picture::every(int step, int x, int y) {
     jorm_array a = view();
+    const int from[] = {0, y, x};
     for (int i : {1, 2}) {
-        a.extent[i] = a.parent_extent[i] = (a.extent[i] + uint32_t(step) - 1) / uint32_t(step);
+        a.extent[i] = (a.extent[i] - uint32_t(from[i]) + uint32_t(step) - 1) / uint32_t(step);
+        a.loff += from[i] * a.stride[i];
         a.stride[i] *= step;
     }
     return a;

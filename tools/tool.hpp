@@ -51,8 +51,8 @@ struct Picture {
     jorm_array colours(); // without the alpha channel, which no operation changes
     jorm_array row(int y);
     jorm_array channel(int c);
-    jorm_array every(int step); // each step-th pixel of each step-th row
-    std::string shape() const;  // "640x480, 3 channels"
+    jorm_array every(int step, int x, int y); // from (x, y) on, each step-th pixel of each step-th row
+    std::string shape() const;                // "640x480, 3 channels"
 };
 
 Picture read_picture(const std::string &path);

@@ -190,7 +190,8 @@ JORM_API int64_t JormMulRSubCC(jorm_xe *xe, uint64_t options, const jorm_array *
 
 /* ---- Logic: u8, s16, s32, equal types ----
  *
- * The C forms round their constants to nearest even and take the low bits: 255 and -1 are both all ones of an u8. */
+ * The C forms round their constants to nearest even and take the low bits: 255 and -1 are both all ones of an u8;
+ * infinities and NaN count as -2147483648. */
 JORM_API int64_t JormAnd(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
                          const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2);
 JORM_API int64_t JormAndC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,

@@ -20,7 +20,8 @@
  *
  * Sums of integers are exact at any size and rounded once to double. Sums of f32 are taken in double precision, in an
  * order that depends neither on the processor nor on the layout: sample i of a channel, in row-major order, goes to
- * partial sum i % 64 (as 0 when a mask leaves it out), then the partial sums are added from the first to the last. */
+ * partial sum i % 64 (as 0 when a mask leaves it out); then the partial sums are added in pairs, k and k + 32, k and
+ * k + 16, and so on. */
 #ifndef JORM_STATS_H
 #define JORM_STATS_H
 

@@ -4,13 +4,16 @@
 // types and origins). Shapes: how many sources and constants there are, and whether p and q follow.
 #pragma once
 #include "arith/dispatch.hpp"
+#include "array/vec.hpp"
 #include "jorm/arith.h"
 #include "jorm/array.h"
 
 namespace jorm {
 
+// Null, which every dispatcher refuses, for a word of more slots than a vector has.
 inline const void *start_of(uint32_t word, const void *base, const int32_t *origin, const int32_t *stride) {
-    return base ? static_cast<const char *>(base) + jorm_vec_mkloff_$LS(word, origin, stride) : nullptr;
+    if (!base || word_slots(word) > 4) return nullptr;
+    return static_cast<const char *>(base) + jorm_vec_mkloff_$LS(word, origin, stride);
 }
 
 } // namespace jorm

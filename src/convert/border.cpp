@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 
 static_assert(sizeof(jorm_mkbparams) == 24 && offsetof(jorm_mkbparams, at) == 8 &&
               offsetof(jorm_mkbparams, src_size) == 16);
@@ -14,7 +15,7 @@ namespace {
 
 // A run of pixels of the block that follow each other in the image: forward, backward or the same one over and over.
 struct Run {
-    int64_t block, image; // the first pixel's positions; image < 0: no pixel of the image
+    int64_t image; // position of the first one; < 0: no pixel of the image
     int64_t count, step;
 };
 
@@ -22,27 +23,25 @@ struct Run {
 // image has n pixels. Mirror images repeat: with a period of 2n pixels, of 2n - 2 when the edge is not repeated.
 Run run_at(uint32_t mode, int64_t block, int64_t size, int64_t at, int64_t n) {
     const int64_t p = at + block, room = size - block;
-    if (p >= 0 && p < n) return {block, p, std::min(room, n - p), 1};
+    if (p >= 0 && p < n) return {p, std::min(room, n - p), 1};
     const int64_t outside = p < 0 ? std::min(room, -p) : room;
     const auto phase = [p](int64_t period) { return (p % period + period) % period; };
     switch (mode) {
     case JORM_BORDER_REPLICATE:
-        return {block, p < 0 ? 0 : n - 1, outside, 0};
+        return {p < 0 ? 0 : n - 1, outside, 0};
     case JORM_BORDER_WRAP:
-        return {block, phase(n), std::min(outside, n - phase(n)), 1};
+        return {phase(n), std::min(outside, n - phase(n)), 1};
     case JORM_BORDER_REFLECT: {
         const int64_t m = phase(2 * n);
-        return m < n ? Run{block, m, std::min(outside, n - m), 1}
-                     : Run{block, 2 * n - 1 - m, std::min(outside, 2 * n - m), -1};
+        return m < n ? Run{m, std::min(outside, n - m), 1} : Run{2 * n - 1 - m, std::min(outside, 2 * n - m), -1};
     }
     case JORM_BORDER_REFLECT101: {
-        if (n == 1) return {block, 0, outside, 0};
+        if (n == 1) return {0, outside, 0};
         const int64_t period = 2 * n - 2, m = phase(period);
-        return m < n ? Run{block, m, std::min(outside, n - m), 1}
-                     : Run{block, period - m, std::min(outside, period - m), -1};
+        return m < n ? Run{m, std::min(outside, n - m), 1} : Run{period - m, std::min(outside, period - m), -1};
     }
     default:
-        return {block, -1, outside, 0};
+        return {-1, outside, 0};
     }
 }
 
@@ -54,43 +53,60 @@ struct BorderCall {
     char pattern[16];        // a pixel of the constants
 };
 
-// One row of units (whole pixels, or the elements of a channel).
-void make_row(const BorderCall &c, CopyBytes copy, char *dst, const char *src, const char *constant, int64_t unit,
-              const Run *runs, int count) {
-    const int64_t dst_step = pixel_stride(c.shape, c.dst), src_step = pixel_stride(c.shape, c.src);
-    for (const Run *r = runs; r < runs + count; ++r) {
-        char *const d = dst + r->block * dst_step;
-        if (!src || r->image < 0) {
-            if (c.mode == JORM_BORDER_CONST) copy_units(copy, d, dst_step, constant, 0, r->count, unit);
-            continue;
-        }
-        const char *const s = src + r->image * src_step;
-        // The image may stand in the block already.
-        if (d != s || r->step * src_step != dst_step)
-            copy_units(copy, d, dst_step, s, r->step * src_step, r->count, unit);
+// Runs of a row in bytes: where they begin in the rows of the block and of the image, the step in the image.
+struct Piece {
+    int64_t dst, src, step, count;
+    bool inside; // the image has these pixels
+};
+struct RowPlan {
+    CopyBytes copy;
+    int64_t unit, dst_step, next;
+    int count;
+    Piece piece[16];
+};
+
+// One row of units (whole pixels, or the elements of a channel). Without `src` the row is outside the image; without
+// `constant` what is outside stays as it is.
+void make_row(const RowPlan &plan, char *dst, const char *src, const char *constant) {
+    for (int i = 0; i < plan.count; ++i) {
+        const Piece &p = plan.piece[i];
+        char *const d = dst + p.dst;
+        if (!src || !p.inside) {
+            if (constant) copy_units(plan.copy, d, plan.dst_step, constant, 0, p.count, plan.unit);
+        } else if (d != src + p.src || p.step != plan.dst_step) // the image may stand in the block already
+            copy_units(plan.copy, d, plan.dst_step, src + p.src, p.step, p.count, plan.unit, plan.next);
     }
 }
 
 void make_rows(const BorderCall &c, uint64_t options) {
-    const CopyBytes copy = memory_rows_at(level(options)).copy;
     const int64_t element = element_size(c.dst.type);
     const int64_t dst_channel = channel_stride(c.shape, c.dst), src_channel = channel_stride(c.shape, c.src);
+    const int64_t dst_row = row_stride(c.shape, c.dst), src_row = row_stride(c.shape, c.src);
+    const int64_t src_step = pixel_stride(c.shape, c.src);
     const bool pixels = c.shape.channels == 1 || (dst_channel == element && src_channel == element);
-    const int64_t unit = pixels ? element * c.shape.channels : element;
+    RowPlan plan = {memory_rows_at(level(options)).copy,
+                    pixels ? element * c.shape.channels : element,
+                    pixel_stride(c.shape, c.dst),
+                    src_row,
+                    0,
+                    {}};
+    const char *const constant = c.mode == JORM_BORDER_CONST ? c.pattern : nullptr;
 
-    // As many runs at a time as fit here: one pass over the rows unless the margins repeat the image many times.
-    constexpr int most = 16;
-    Run runs[most];
+    // As many pieces at a time as a plan holds: one pass over the rows unless the margins repeat the image many times.
     for (int64_t x = 0; x < c.shape.pixels;) {
-        int count = 0;
-        for (; count < most && x < c.shape.pixels; x += runs[count++].count)
-            runs[count] = run_at(c.mode, x, c.shape.pixels, c.at[1], c.image[1]);
-        for (int64_t y = 0; y < c.shape.rows; ++y) {
-            const int64_t row = run_at(c.mode, y, c.shape.rows, c.at[0], c.image[0]).image;
-            for (int64_t k = 0; k < (pixels ? 1 : c.shape.channels); ++k)
-                make_row(c, copy, c.dst.start + y * row_stride(c.shape, c.dst) + k * dst_channel,
-                         row < 0 ? nullptr : c.src.start + row * row_stride(c.shape, c.src) + k * src_channel,
-                         c.pattern + k * unit, unit, runs, count);
+        for (plan.count = 0; plan.count < int(std::size(plan.piece)) && x < c.shape.pixels; ++plan.count) {
+            const Run r = run_at(c.mode, x, c.shape.pixels, c.at[1], c.image[1]);
+            plan.piece[plan.count] = {x * plan.dst_step, r.image * src_step, r.step * src_step, r.count, r.image >= 0};
+            x += r.count;
+        }
+        for (int64_t y = 0; y < c.shape.rows;) {
+            const Run rows = run_at(c.mode, y, c.shape.rows, c.at[0], c.image[0]);
+            for (int64_t i = 0; i < rows.count; ++i, ++y)
+                for (int64_t k = 0; k < (pixels ? 1 : c.shape.channels); ++k)
+                    make_row(plan, c.dst.start + y * dst_row + k * dst_channel,
+                             rows.image < 0 ? nullptr
+                                            : c.src.start + (rows.image + i * rows.step) * src_row + k * src_channel,
+                             constant ? constant + k * plan.unit : nullptr);
         }
     }
 }

@@ -1,6 +1,6 @@
-// Rows of plain conversions: to nearest even, clamped.
+// Rows of conversions: to nearest even, clamped.
 #include "convert/convert_rows.hpp"
-#include "kernel/level_ops.hpp"
+#include "kernel/constant_loop.hpp"
 
 namespace jorm::JORM_LEVEL {
 namespace {
@@ -33,10 +33,27 @@ template <class D, class S> void plain(void *dst, const void *const *src, int64_
     row1<D, S>(dst, src, n, [](S x) { return convert_element<D>(x); });
 }
 
+// x * scale + offset, the constants of the row, in double precision.
+template <bool Uniform, class D, class S> void range(void *dst, const void *const *src, int64_t n, const RowParams &p) {
+    constant_row<Uniform, 2, f64, D, S, void *>(dst, src, n, p, [](S x, f64 scale, f64 offset) {
+        const f64 y = f64(x) * scale + offset;
+        if constexpr (is_real<D>)
+            return D(y);
+        else
+            return clamp<D>(round_s32(y));
+    });
+}
+
 } // namespace
 
 #define ROW(name, D, S) plain<D, S>,
 extern const Row convert_rows[];
 const Row convert_rows[] = {JORM_CONVERSIONS(ROW)};
+
+#define UNIFORM(name, D, S) range<true, D, S>,
+#define PATTERN(name, D, S) range<false, D, S>,
+extern const Row range_rows[], range_pattern_rows[];
+const Row range_rows[] = {JORM_RANGE_CONVERSIONS(UNIFORM)};
+const Row range_pattern_rows[] = {JORM_RANGE_CONVERSIONS(PATTERN)};
 
 } // namespace jorm::JORM_LEVEL

@@ -1,6 +1,5 @@
 #include "convert/copy_block.hpp"
 
-#include "kernel/stream.hpp"
 #include "xe/scratch.hpp"
 
 #include <algorithm>
@@ -9,10 +8,7 @@
 namespace jorm {
 namespace {
 
-// From this size on a destination would leave the cache before anyone reads it.
-constexpr int64_t streaming_bytes = 12 << 20, streamed_run = 4096;
-
-void move_bytes(void *dst, const void *src, int64_t bytes) { std::memmove(dst, src, size_t(bytes)); }
+void move_bytes(void *dst, const void *src, int64_t bytes, int64_t) { std::memmove(dst, src, size_t(bytes)); }
 
 template <int64_t Unit> void step_units(char *dst, int64_t dst_step, const char *src, int64_t src_step, int64_t n) {
     for (; n > 0; --n, dst += dst_step, src += src_step) {
@@ -20,6 +16,17 @@ template <int64_t Unit> void step_units(char *dst, int64_t dst_step, const char 
         std::memcpy(unit, src, Unit);
         std::memcpy(dst, unit, Unit);
     }
+}
+
+// Bytes in the opposite order; `src` is the last of them.
+void reverse_bytes(char *dst, const char *src, int64_t n) {
+    for (; n >= 8; n -= 8, dst += 8, src -= 8) {
+        uint64_t word;
+        std::memcpy(&word, src - 7, 8);
+        word = __builtin_bswap64(word);
+        std::memcpy(dst, &word, 8);
+    }
+    step_units<1>(dst, 1, src, -1, n);
 }
 
 // Units that follow each other, all like the first: what stands already is doubled.
@@ -64,14 +71,10 @@ void run_axes(CopyBytes copy, const CopyBlock &b, int axis, char *dst, const cha
 
 // Memory of the two does not overlap: any order will do.
 void run_apart(uint64_t options, CopyBlock b) {
-    int64_t bytes = b.unit;
-    for (int i = 0; i < b.axes; ++i) bytes *= b.axis[i].size;
     // The longer one of the two inner axes makes the longer runs.
     if (b.axes > 1 && b.axis[b.axes - 1].size < 8 && b.axis[b.axes - 2].size > b.axis[b.axes - 1].size)
         std::swap(b.axis[b.axes - 1], b.axis[b.axes - 2]);
-    const StreamCopy stream = bytes >= streaming_bytes && b.unit >= streamed_run ? stream_at(level(options)) : nullptr;
-    run_axes(stream ? stream : memory_rows_at(level(options)).copy, b, 0, b.dst, b.src);
-    if (stream) stream(nullptr, nullptr, 0);
+    run_axes(memory_rows_at(level(options)).copy, b, 0, b.dst, b.src);
 }
 
 // How far the addresses of a block's destination or source reach from its start.
@@ -172,13 +175,12 @@ Span span_of(int axes, int from, const int32_t *size, int32_t channels, const Op
 
 } // namespace
 
-void copy_units(CopyBytes copy, char *dst, int64_t dst_step, const char *src, int64_t src_step, int64_t n,
+void copy_steps(CopyBytes copy, char *dst, int64_t dst_step, const char *src, int64_t src_step, int64_t n,
                 int64_t unit) {
-    if (n <= 0) return;
-    if (n == 1 || (dst_step == unit && src_step == unit)) return copy(dst, src, n * unit);
     if (src_step == 0 && dst_step == unit) return repeat_unit(dst, src, n, unit);
     switch (unit) {
     case 1:
+        if (dst_step == 1 && src_step == -1) return reverse_bytes(dst, src, n);
         return step_units<1>(dst, dst_step, src, src_step, n);
     case 2:
         return step_units<2>(dst, dst_step, src, src_step, n);
@@ -195,7 +197,7 @@ void copy_units(CopyBytes copy, char *dst, int64_t dst_step, const char *src, in
     case 16:
         return step_units<16>(dst, dst_step, src, src_step, n);
     default:
-        for (; n > 0; --n, dst += dst_step, src += src_step) copy(dst, src, unit);
+        for (; n > 0; --n, dst += dst_step, src += src_step) copy(dst, src, unit, src_step);
     }
 }
 

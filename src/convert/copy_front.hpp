@@ -1,6 +1,7 @@
 // What the front ends of copies and fills share.
 #pragma once
 #include "arith/signatures.hpp"
+#include "array/vec.hpp"
 #include "convert/copy_block.hpp"
 #include "kernel/front.hpp"
 #include "kernel/proc.hpp"
@@ -13,7 +14,7 @@ namespace jorm {
 // The start pointer of a negotiated operand.
 inline Operand start_operand(const Front &f, int i, bool by_pixel = false) {
     const FrontOperand &o = f.operand[i];
-    return {o.type, o.base + jorm_vec_mkloff(4, o.origin, o.stride), f.stride(i), by_pixel};
+    return {o.type, o.base + vec_mkloff(4, o.origin, o.stride), f.stride(i), by_pixel};
 }
 
 inline bool masks_pixels(const jorm_array *mask, const jorm_array *dst) {

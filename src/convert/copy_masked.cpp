@@ -91,8 +91,8 @@ int64_t fill_masked(MaskedCall call, const double *values, bool choose, const do
     const bool fold = channels_fold(shape, operands, 2);
     const bool uniform = !fold || (in.uniform(shape.channels) && (!choose || out.uniform(shape.channels)));
     const int32_t length = uniform ? 1 : pattern_length, period = fold ? shape.channels : 1;
-    const int op =
-        choose ? (uniform ? masked_choose : masked_choose_pattern) : (uniform ? masked_fill : masked_fill_pattern);
+    const int fill = !uniform ? masked_fill_pattern : far_away(shape, type, 1) ? masked_fill_far : masked_fill;
+    const int op = !choose ? fill : uniform ? masked_choose : masked_choose_pattern;
     RowParams params;
     params.stream = stream_at(level(call.options));
     for (int c = 0; c < (fold ? 1 : shape.channels); ++c) {

@@ -15,23 +15,19 @@ using u32 = uint32_t;
 using u64 = uint64_t;
 
 constexpr int64_t near_block = 64; // elements
-#if defined(JORM_LEVEL_avx512)
-constexpr int64_t far_block = 256; // bytes: four registers
-#elif defined(JORM_LEVEL_avx2)
-constexpr int64_t far_block = 128;
-#else
-constexpr int64_t far_block = 64;
-#endif
+constexpr int64_t far_block = 256; // bytes
 
-// Does any byte of a block differ from `skip`?
-template <u8 skip> [[gnu::always_inline]] inline bool any_selected(const u8 *m) {
+// How much of a block the mask selects; `some` may also mean all.
+enum class Patch { none, some, all };
+template <u8 skip> [[gnu::always_inline]] inline Patch patch(const u8 *m) {
 #ifdef JORM_LEVEL_avx512
-    return _mm512_cmpneq_epi8_mask(_mm512_loadu_si512(m), _mm512_set1_epi8(char(skip))) != 0;
+    const auto selected = _mm512_cmpneq_epi8_mask(_mm512_loadu_si512(m), _mm512_set1_epi8(char(skip)));
+    return selected == 0 ? Patch::none : ~selected == 0 ? Patch::all : Patch::some;
 #else
     u64 word[near_block / 8], any = 0;
     __builtin_memcpy(word, m, sizeof word);
     for (u64 w : word) any |= skip ? ~w : w;
-    return any != 0;
+    return any == 0 ? Patch::none : Patch::some;
 #endif
 }
 
@@ -54,46 +50,65 @@ template <class T> struct Value {
     void prefetch(const T *, const u8 *, int64_t) const {}
 };
 
-// d[i] = m[i] selects ? in(i) : out(i). Masks come in patches: in the cache it pays to pass over what is not selected.
-template <class T, bool Inverted, class In>
-[[gnu::always_inline]] inline void update_near(T *d, const u8 *m, int64_t n, In in) {
-    constexpr u8 skip = Inverted ? 255 : 0;
-    int64_t i = 0;
-    for (; i + near_block <= n; i += near_block) {
-        if (!any_selected<skip>(m + i)) continue;
+// d[i] = m[i] selects ? in(i) : d[i], for `from` <= i < `to`.
+template <u8 skip, class T, class In>
+[[gnu::always_inline]] inline void update(T *d, const u8 *m, int64_t from, int64_t to, In in) {
 #pragma GCC ivdep
-        for (int64_t k = i; k < i + near_block; ++k) {
-            const T x = in(k), y = d[k];
-            d[k] = m[k] != skip ? x : y;
-        }
+    for (int64_t i = from; i < to; ++i) {
+        const T x = in(i), y = d[i];
+        d[i] = m[i] != skip ? x : y;
     }
-    for (; i < n; ++i) d[i] = m[i] != skip ? in(i) : d[i];
 }
 
-// From memory it pays to ask for what comes, and to read all of a block before it is written.
-template <class T, bool Inverted, class In>
-[[gnu::always_inline]] inline void update_far(T *d, const u8 *m, int64_t n, In in) {
-    constexpr u8 skip = Inverted ? 255 : 0;
+// Masks come in patches: in the cache it pays to look at them first.
+template <u8 skip, class T, class In>
+[[gnu::always_inline]] inline int64_t update_near(T *d, const u8 *m, int64_t i, int64_t n, In in) {
+    for (; i + near_block <= n; i += near_block) switch (patch<skip>(m + i)) {
+        case Patch::all:
+#pragma GCC ivdep
+            for (int64_t k = i; k < i + near_block; ++k) d[k] = in(k);
+            break;
+        case Patch::some:
+            update<skip>(d, m, i, i + near_block, in);
+            break;
+        case Patch::none:
+            break;
+        }
+    return i;
+}
+
+// From memory it pays to ask for what comes and, where a block fits into registers, to read all of it before it is
+// written.
+template <u8 skip, class T, class In>
+[[gnu::always_inline]] inline int64_t update_far(T *d, const u8 *m, int64_t i, int64_t n, In in) {
     constexpr int64_t count = far_block / int64_t(sizeof(T));
-    int64_t i = 0;
     for (; i + count <= n; i += count) {
-        T block[count];
         in.prefetch(d, m, i);
+#ifdef JORM_LEVEL_avx512
+        T block[count];
         for (int64_t k = 0; k < count; ++k) {
             const T x = in(i + k), y = d[i + k];
             block[k] = m[i + k] != skip ? x : y;
         }
         for (int64_t k = 0; k < count; ++k) d[i + k] = block[k];
+#else
+        update<skip>(d, m, i, i + count, in);
+#endif
     }
-    for (; i < n; ++i) d[i] = m[i] != skip ? in(i) : d[i];
+    return i;
 }
 
+// Blocks begin at a line of the destination.
 template <class T, bool Inverted, bool Far, class In>
 [[gnu::always_inline]] inline void update(void *dst, const void *mask, int64_t n, In in) {
-    if constexpr (Far)
-        update_far<T, Inverted>(elements<T>(dst), elements<u8>(mask), n, in);
-    else
-        update_near<T, Inverted>(elements<T>(dst), elements<u8>(mask), n, in);
+    constexpr u8 skip = Inverted ? 255 : 0;
+    T *const d = elements<T>(dst);
+    const u8 *const m = elements<u8>(mask);
+    const int64_t before = int64_t(-reinterpret_cast<uintptr_t>(dst) & 63) / int64_t(sizeof(T));
+    const int64_t head = n < before ? n : before;
+    update<skip>(d, m, 0, head, in);
+    const int64_t i = Far ? update_far<skip>(d, m, head, n, in) : update_near<skip>(d, m, head, n, in);
+    update<skip>(d, m, i, n, in);
 }
 
 template <class T, bool Inverted, bool Far> void copy(void *dst, const void *const *src, int64_t n, const RowParams &) {

@@ -17,19 +17,16 @@ typedef char AlignedLine __attribute__((vector_size(64), aligned(64), may_alias)
     *reinterpret_cast<Line *>(d) = *reinterpret_cast<const Line *>(s);
 }
 
-#ifdef JORM_LEVEL_avx512
-// Processors of this level move and fill longer runs fastest by their string instructions, which take whole lines
-// without reading them first.
-constexpr int64_t move_by_string = 24576, fill_by_string = 786432;
+// Lengths from which string instructions and memset win: they take whole lines without reading them first. Far beyond
+// the cache ordinary stores fill faster again.
+constexpr int64_t move_by_string = 24576, fill_by_string = 786432, fill_by_stores = 4194304;
 
+#ifdef JORM_LEVEL_avx512
 inline void move_string(char *d, const char *s, int64_t n) {
     asm volatile("rep movsb" : "+D"(d), "+S"(s), "+c"(n) : : "memory");
 }
-inline void fill_string(char *d, char value, int64_t n) {
-    asm volatile("rep stosb" : "+D"(d), "+c"(n) : "a"(value) : "memory");
-}
 
-void copy_bytes(void *dst, const void *src, int64_t n) {
+void copy_bytes(void *dst, const void *src, int64_t n, int64_t next) {
     char *d = static_cast<char *>(dst);
     const char *s = static_cast<const char *>(src);
     if (n < 64) {
@@ -37,16 +34,24 @@ void copy_bytes(void *dst, const void *src, int64_t n) {
         return;
     }
     if (n >= move_by_string) return move_string(d, s, n);
-    int64_t i = 0;
-    for (; i + 256 <= n; i += 256)
-        for (int64_t k = 0; k < 256; k += 64) copy_line(d + i + k, s + i + k);
+    copy_line(d, s);
+    int64_t i = 64 - int64_t(reinterpret_cast<uintptr_t>(d) & 63);
+    for (; i + 256 <= n; i += 256) {
+        if (next)
+            for (int64_t k = 0; k < 256; k += 64) __builtin_prefetch(s + next + i + k);
+        const Line *const from = reinterpret_cast<const Line *>(s + i);
+        AlignedLine *const to = reinterpret_cast<AlignedLine *>(d + i);
+        const Line a = from[0], b = from[1], c = from[2], e = from[3];
+        to[0] = a;
+        to[1] = b;
+        to[2] = c;
+        to[3] = e;
+    }
     for (; i + 64 <= n; i += 64) copy_line(d + i, s + i);
     if (i < n) copy_line(d + n - 64, s + n - 64);
 }
 #else
-constexpr int64_t fill_by_string = 786432;
-inline void fill_string(char *d, char value, int64_t n) { __builtin_memset(d, value, size_t(n)); }
-void copy_bytes(void *dst, const void *src, int64_t n) { __builtin_memcpy(dst, src, size_t(n)); }
+void copy_bytes(void *dst, const void *src, int64_t n, int64_t) { __builtin_memcpy(dst, src, size_t(n)); }
 #endif
 
 inline bool one_byte(const char *block) {
@@ -61,7 +66,10 @@ void fill_bytes(void *dst, int64_t n, const char *block) {
         __builtin_memcpy(d, block, size_t(n));
         return;
     }
-    if (n >= fill_by_string && one_byte(block)) return fill_string(d, block[0], n);
+    if (n >= fill_by_string && n < fill_by_stores && one_byte(block)) {
+        __builtin_memset(d, block[0], size_t(n));
+        return;
+    }
     // The lines from the first aligned one on repeat three of one phase.
     copy_line(d, block);
     int64_t i = 64 - int64_t(reinterpret_cast<uintptr_t>(d) & 63);

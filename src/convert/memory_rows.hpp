@@ -13,11 +13,14 @@ constexpr int64_t fill_block_bytes = fill_period + 64;
 enum Sense : int { first_equal, first_different };
 using FindRow = int64_t (*)(const void *row, int64_t n, const void *value);
 
+// The source of the next run lies `next` bytes further, as far as that is known; else 0.
+using CopyBytes = void (*)(void *dst, const void *src, int64_t bytes, int64_t next);
+
 using VectorConstant = void (*)(float *dst, const float *src, const float *pattern, size_t n);
 using VectorBytes = void (*)(void *dst, const void *a, const void *b, size_t n);
 
 struct MemoryRows {
-    void (*copy)(void *dst, const void *src, int64_t bytes);   // of bytes that do not overlap
+    CopyBytes copy;                                            // of bytes that do not overlap
     void (*fill)(void *dst, int64_t bytes, const char *block); // block: fill_block_bytes
     FindRow find8[2], find16[2], find32[2], find_f32[2];       // by Sense: the position of the first, n without one
     VectorConstant add, sub, rsub, mul, div, rdiv;

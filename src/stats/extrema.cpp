@@ -14,6 +14,12 @@ namespace jorm {
 JORM_LEVEL_TABLE(const Row, extrema_rows);
 JORM_LEVEL_TABLE(const Row, masked_extrema_rows);
 
+static void begin(ExtremaState &state, int channels, uint8_t unselected) {
+    for (int c = 0; c < channels; ++c) state.least[c] = state.largest[c] = {0, -1};
+    state.pixels = 0;
+    state.unselected = unselected;
+}
+
 namespace {
 
 constexpr uint32_t opcode = fourcc("mima");
@@ -57,12 +63,7 @@ int64_t extrema(const StatSource &s, jorm_minmax *record, const int32_t *origin)
     if (int64_t status = check_type(type); status != JORM_OK) return status;
     const Level at = level(s.options);
     const Row *rows = s.masked ? JORM_OF_LEVEL(masked_extrema_rows, at) : JORM_OF_LEVEL(extrema_rows, at);
-    Gathering<ExtremaState> g(rows + stat_line(type) * stat_line_length, shape.selected);
-    for (ExtremaState &state : g.state) {
-        for (int c = 0; c < 4; ++c) state.least[c] = state.largest[c] = {0, -1};
-        state.pixels = 0;
-        state.unselected = unselected(s);
-    }
+    Gathering<ExtremaState> g(rows + stat_line(type) * stat_line_length, shape.selected, s.options);
     if (int64_t status = gather(g, s, shape, opcode); status != JORM_OK) return status;
     for (int c = 0; c < shape.channels; ++c) {
         if (!shape.is_selected(c)) continue;

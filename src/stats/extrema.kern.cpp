@@ -30,14 +30,17 @@ constexpr int lane_bytes = 128;
 #endif
 template <class T, int C> constexpr int lanes = (C == 3 ? lane_bytes / 2 * 3 : lane_bytes) / int(sizeof(T));
 
+// What is kept of the lanes of a block: no fewer than the compiler takes for a loop.
+template <class T, int C> constexpr int kept = (C == 3 ? 48 : 32) * (sizeof(T) == 1 ? 2 : 1);
+
 constexpr int group = 16; // blocks whose lanes are looked at together
 template <class T, int C> constexpr int64_t block = 4096 / lanes<T, C> *lanes<T, C>;
 
-// Folds the lanes into the first C.
-template <class Kind, int N, int C, class T> [[gnu::always_inline]] inline void fold(T *lane) {
-    if constexpr (N > C) {
+// Folds N lanes into the first M.
+template <class Kind, int N, int M, class T> [[gnu::always_inline]] inline void fold(T *lane) {
+    if constexpr (N > M) {
         for (int k = 0; k < N / 2; ++k) lane[k] = better<Kind>(lane[k + N / 2], lane[k]);
-        fold<Kind, N / 2, C>(lane);
+        fold<Kind, N / 2, M>(lane);
     }
 }
 
@@ -86,8 +89,8 @@ template <class T, bool Masked> struct Samples {
 // The extrema of one kind in a row.
 template <class Kind, class T, int C> struct Best {
     T value[C];
-    int64_t start[C];                 // of the block where the value stands; -1 when a former row had it
-    T block_lane[group][lanes<T, C>]; // what the blocks of the group found
+    int64_t start[C];                // of the block where the value stands; -1 when a former row had it
+    T block_lane[group][kept<T, C>]; // what the blocks of the group found
 
     explicit Best(const Extremum *known) {
         for (int c = 0; c < C; ++c) {
@@ -106,19 +109,19 @@ template <class Kind, class T, int C> struct Best {
     }
     // Takes over what the group that begins at sample i found.
     [[gnu::noinline]] void look(int blocks, int64_t i) {
-        T all[lanes<T, C>];
-        for (int k = 0; k < lanes<T, C>; ++k) all[k] = block_lane[0][k];
+        T all[kept<T, C>];
+        for (int k = 0; k < kept<T, C>; ++k) all[k] = block_lane[0][k];
         for (int b = 1; b < blocks; ++b)
-            for (int k = 0; k < lanes<T, C>; ++k) all[k] = better<Kind>(block_lane[b][k], all[k]);
-        fold<Kind, lanes<T, C>, C>(all);
+            for (int k = 0; k < kept<T, C>; ++k) all[k] = better<Kind>(block_lane[b][k], all[k]);
+        fold<Kind, kept<T, C>, C>(all);
         locate(all, blocks, i);
     }
     template <int c = 0> void locate(const T *all, int blocks, int64_t i) {
         if (Kind::beats(all[c], value[c])) {
             value[c] = all[c];
             const Samples<T, false> found = {block_lane[0], nullptr, 0};
-            const int64_t at = found.template find<C, c>(value[c], 0, int64_t(blocks) * lanes<T, C>);
-            start[c] = i + at / lanes<T, C> * block<T, C>;
+            const int64_t at = found.template find<C, c>(value[c], 0, int64_t(blocks) * kept<T, C>);
+            start[c] = i + at / kept<T, C> * block<T, C>;
         }
         if constexpr (c + 1 < C) locate<c + 1>(all, blocks, i);
     }
@@ -155,11 +158,17 @@ template <class T, int C, bool Masked> void extrema(void *dst, const void *const
                 }
             };
             const int64_t end = n - i < block<T, C> ? n : i + block<T, C>;
-            for (; end - i >= width; i += width) gather(i);
-            if (i < end) gather(end - width); // some samples once more
+            if ((end - i) % width != 0) gather(end - width); // some samples twice
+            for (; end - i >= 2 * width; i += 2 * width) {
+                gather(i);
+                gather(i + width);
+            }
+            if (end - i >= width) gather(i);
             i = end;
-            for (int k = 0; k < width; ++k) least.block_lane[blocks][k] = lo[k];
-            for (int k = 0; k < width; ++k) largest.block_lane[blocks][k] = hi[k];
+            fold<Least, width, kept<T, C>>(lo);
+            fold<Largest, width, kept<T, C>>(hi);
+            for (int k = 0; k < kept<T, C>; ++k) least.block_lane[blocks][k] = lo[k];
+            for (int k = 0; k < kept<T, C>; ++k) largest.block_lane[blocks][k] = hi[k];
         }
         least.look(blocks, start);
         largest.look(blocks, start);

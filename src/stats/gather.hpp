@@ -26,22 +26,23 @@ struct StatShape {
 // Checks everything but the type of the samples.
 int64_t read_source(StatShape &shape, const StatSource &s);
 
-// The mask elements with this value leave their samples out.
-inline uint8_t unselected(const StatSource &s) { return s.options & JORM_OPT_MASK_INVERT ? 255 : 0; }
-
 // A state in the place of the destination.
 inline Operand state_operand(void *state) {
     static constexpr int32_t none[4] = {};
     return {JORM_U8, static_cast<char *>(state), none, true};
 }
 
+// A state has a function begin(state, channels, unselected).
 template <class State> struct Gathering {
     const Row *rows; // a line
     uint32_t selected;
+    uint8_t unselected; // mask elements with this value leave their samples out
+    bool begun = false;
     bool interleaved = false; // state[0] holds all channels, else state[c] channel c
     State state[4];
 
-    Gathering(const Row *rows, uint32_t selected) : rows(rows), selected(selected) {}
+    Gathering(const Row *rows, uint32_t selected, uint64_t options)
+        : rows(rows), selected(selected), unselected(options & JORM_OPT_MASK_INVERT ? 255 : 0) {}
     void add(const Shape &shape, const Operand &samples, bool masked, const Operand &mask) {
         Operand operands[1 + max_sources] = {state_operand(&state[0]), samples, mask};
         operands[2].by_pixel = true;
@@ -50,11 +51,13 @@ template <class State> struct Gathering {
         interleaved = (selected & (selected - 1)) != 0 && all && channels_fold(shape, operands, count);
         for (int c = 0; c < (interleaved ? 1 : shape.channels); ++c) {
             if (!interleaved && (selected >> c & 1) == 0) continue;
+            if (!begun) begin(state[c], interleaved ? shape.channels : 1, unselected);
             operands[0] = state_operand(&state[c]);
             Walk w = make_walk(shape, operands, count, interleaved ? -1 : c);
             w.kind = WalkKind::reduce;
             walk(w, interleaved ? all : rows[0], RowParams{});
         }
+        begun = true;
     }
     const State &state_of(int c) const { return state[interleaved ? 0 : c]; }
     int index_of(int c) const { return interleaved ? c : 0; }

@@ -9,27 +9,26 @@ JORM_LEVEL_TABLE(const Row, sum_rows);
 JORM_LEVEL_TABLE(const Row, masked_sum_rows);
 JORM_LEVEL_TABLE(const Row, selection_rows);
 
+static void begin(SumState &state, int channels, uint8_t unselected) {
+    std::fill_n(state.whole, channels, 0);
+    state.phase = -1;
+    state.unselected = unselected;
+}
+
 namespace {
 
 constexpr uint32_t opcode = fourcc("sum ");
-
-void clear(SumState (&states)[4], const StatSource &s) {
-    for (SumState &state : states) {
-        if (s.samples.type == JORM_F32)
-            std::fill_n(state.partial, &state == states ? 4 * sum_partials : sum_partials, 0.0);
-        std::fill_n(state.whole, 4, 0);
-        state.phase = 0;
-        state.unselected = unselected(s);
-    }
-}
 
 double result(const Gathering<SumState> &g, uint32_t type, int channels, int c) {
     const SumState &state = g.state_of(c);
     const int index = g.index_of(c), step = g.interleaved ? channels : 1;
     if (type != JORM_F32) return double(state.whole[index]);
-    double sum = 0;
-    for (int i = 0; i < sum_partials; ++i) sum += state.partial[i * step + index];
-    return sum;
+    if (state.phase < 0) return 0;
+    double sum[sum_partials];
+    for (int i = 0; i < sum_partials; ++i) sum[i] = state.partial[i * step + index];
+    for (int half = sum_partials / 2; half > 0; half /= 2)
+        for (int i = 0; i < half; ++i) sum[i] += sum[i + half];
+    return sum[0];
 }
 
 // How many pixels the mask selects.
@@ -41,8 +40,7 @@ int64_t count_selected(const StatSource &s, StatShape shape, double &count) {
     std::copy_n(s.size, axes, size);
     size[axes - 1] = 1;
     mask.size = size;
-    Gathering<SumState> g(JORM_OF_LEVEL(selection_rows, level(s.options)), 1);
-    clear(g.state, s);
+    Gathering<SumState> g(JORM_OF_LEVEL(selection_rows, level(s.options)), 1, s.options);
     const int64_t status = gather(g, mask, shape, opcode);
     if (status == JORM_OK) count = double(g.state[0].whole[0]);
     return status;
@@ -58,8 +56,7 @@ int64_t sum(const StatSource &s, double *results) {
     if (line < 0) return JORM_EINVAL;
     const Level at = level(s.options);
     const Row *rows = s.masked ? JORM_OF_LEVEL(masked_sum_rows, at) : JORM_OF_LEVEL(sum_rows, at);
-    Gathering<SumState> g(rows + line * stat_line_length, shape.selected);
-    clear(g.state, s);
+    Gathering<SumState> g(rows + line * stat_line_length, shape.selected, s.options);
     if (int64_t status = gather(g, s, shape, opcode); status != JORM_OK) return status;
     for (int c = 0; c < shape.channels; ++c)
         if (shape.is_selected(c)) results[c] = result(g, s.samples.type, shape.channels, c);

@@ -85,6 +85,10 @@ template <int C, bool Masked> void sum_real(void *state, const void *const *src,
     SumState &sum = *elements<SumState>(state);
     const Samples<f32, Masked> x(src, sum);
     int64_t i = 0;
+    if (sum.phase < 0) {
+        for (int k = 0; k < lanes; ++k) sum.partial[k] = 0;
+        sum.phase = 0;
+    }
     if (sum.phase != 0) { // up to the first partial sum
         const int head = int(least(n, lanes - sum.phase));
         for (int k = 0; k < head; ++k) sum.partial[sum.phase + k] += x[k];
