@@ -56,6 +56,11 @@ struct Scene {
           out32f(describe(d.out32f)), framed2(describe(planes.framed2)), framed16(describe(planes.framed16)), xe(JormXEopen(nullptr, nullptr, 0)) {}
     ~Scene() { JormXEclose(xe); }
 
+    // Carries one range of values onto another.
+    int64_t spread(const jorm_array &dst, vrng to, const jorm_array &src, vrng from) {
+        return JormVConvert(xe, 0, &dst, &src, nullptr, nullptr, &to, &from);
+    }
+
     // Minimum and maximum, then the row and the column of each.
     int64_t extrema(const jorm_array &a) {
         jorm_minmax mm;
@@ -104,6 +109,12 @@ const Case cases[] = {
     {"copy_u8_masked", out8, 0, [](Scene &s) { return JormCopyEx(s.xe, 0, &s.out8, &s.u8a, &s.mask, no, no, no); }},
     {"fill_u8", out8, 0, [](Scene &s) { return JormFill(s.xe, 0, &s.out8, no, c93); }},
     {"fill_u8_masked", out8, 0, [](Scene &s) { return JormFillEx(s.xe, 0, &s.out8, &s.mask, no, no, c93); }},
+    {"cvt_u8_f32", out32f, 0, [](Scene &s) { return JormVConvert(s.xe, 0, &s.out32f, &s.u8a, no, no, no, no); }},
+    {"cvt_f32_u8", out8, 0, [](Scene &s) { return JormVConvert(s.xe, 0, &s.out8, &s.f32w, no, no, no, no); }},
+    {"cvt_s16_u8", out8, 0, [](Scene &s) { return JormVConvert(s.xe, 0, &s.out8, &s.s16w, no, no, no, no); }},
+    {"cvt_u8_s16", out16, 0, [](Scene &s) { return JormVConvert(s.xe, 0, &s.out16, &s.u8a, no, no, no, no); }},
+    {"cvtscale_u8_f32", out32f, 0, [](Scene &s) { return s.spread(s.out32f, {-0.5, 0.5}, s.u8a, {0, 255}); }},
+    {"cvtscale_f32_u8", out8, 0, [](Scene &s) { return s.spread(s.out8, {0, 255}, s.f32a, {20.0 / 300, 275.0 / 300}); }},
     {"sum_u8", nullptr, 1, [](Scene &s) { return JormSum(s.xe, 0, &s.u8a, no, s.values); }},
     {"sum_f32", nullptr, 1, [](Scene &s) { return JormSum(s.xe, 0, &s.f32a, no, s.values); }},
     {"sum_u8c3", nullptr, 3, [](Scene &s) { return JormSum(s.xe, 0, &s.u8c3, no, s.values); }},

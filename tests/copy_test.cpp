@@ -310,11 +310,11 @@ TEST_F(Copies, Borders) {
     }
 }
 
-// A picture of one byte per pixel.
-Array picture(void *base, int h, int w, int stride) {
-    const int32_t extent[] = {h, w, 1}, strides[] = {stride, 1, 1};
+// Dense bytes.
+Array picture(void *base, int h, int w, int channels) {
+    const int32_t extent[] = {h, w, channels};
     Array a;
-    _jorm_array__$xtrn(&a, JORM_U8, 3, extent, strides, base);
+    _jorm_array__$xtrn(&a, JORM_U8, 3, extent, nullptr, base);
     return a;
 }
 
@@ -370,8 +370,8 @@ TEST_F(Copies, Lengths) {
                 const size_t start = size_t(8 + shift);
                 Bytes src(size_t(n) + 80), mask = src, dst(src.size(), 1), expected = dst;
                 for (size_t i = 0; i < src.size(); ++i) src[i] = uint8_t(i * 31 >> 3), mask[i] = i % 300 > 140;
-                const Array to = picture(&dst[start], 1, n, n), from = picture(&src[8], 1, n, n);
-                const Array by = picture(&mask[3], 1, n, n);
+                const Array to = picture(&dst[start], 1, n, 1), from = picture(&src[8], 1, n, 1);
+                const Array by = picture(&mask[3], 1, n, 1);
                 const double value = 9 + shift;
                 EXPECT_EQ(JormCopy(nullptr, 0, &to, &from, nullptr, nullptr), JORM_OK);
                 std::copy_n(&src[8], n, &expected[start]);
@@ -417,60 +417,45 @@ TEST_F(Copies, Statuses) {
     const uint32_t word = JORM_WORD(3), u8 = JORM_U8;
     void *const p = memory.data();
     // clang-format off
-#define COPY(d, s, roi, at) JormCopy(xe, 0, d, s, roi, at)
-#define COPY_EX(d, s, m, roi) JormCopyEx(xe, 0, d, s, m, roi, nullptr, nullptr)
+#define COPY(d, s) JormCopy(xe, 0, d, s, nullptr, nullptr)
+#define COPY_AT(d, s, roi, at) JormCopy(xe, 0, d, s, roi, at)
+#define COPY_EX(d, s, m) JormCopyEx(xe, 0, d, s, m, nullptr, nullptr, nullptr)
 #define MKB(d, s, b, at) JormCopyMkb(xe, 0, d, s, nullptr, at, b)
 #define FILL(d) JormFill(xe, 0, d, nullptr, nullptr)
 #define FILL_EX(d, m) JormFillEx(xe, 0, d, m, nullptr, nullptr, nullptr)
-#define CASE(call, status) {#call, call, status}
+#define INVALID(call) {#call, call, JORM_EINVAL}
+#define EMPTY(call) {#call, call, JORM_EEMPTY}
+#define UNSUPPORTED(call) {#call, call, JORM_ENOTSUP}
     const Array *const null = nullptr;
     const struct {
         const char *what;
         int64_t got, want;
     } cases[] = {
-        CASE(COPY(null, &a, nullptr, nullptr), JORM_EINVAL),
-        CASE(COPY(&a, null, nullptr, nullptr), JORM_OK), // in place
-        CASE(COPY(&a, &lost, nullptr, nullptr), JORM_EINVAL),
-        CASE(COPY(&a, &s8, &outside, nullptr), JORM_EINVAL), // types before the region
-        CASE(COPY(&a, &two, nullptr, nullptr), JORM_EINVAL),
-        CASE(COPY(&flat, &a, nullptr, nullptr), JORM_EINVAL),
-        CASE(COPY(&a, &deep, nullptr, nullptr), JORM_EINVAL),
-        CASE(COPY(&many, &many, nullptr, nullptr), JORM_EINVAL),
-        CASE(COPY(&a, &a, &outside, nullptr), JORM_EEMPTY),
-        CASE(COPY(&a, &a, &no_channel, nullptr), JORM_EEMPTY),
-        CASE(COPY(&a, &a, nullptr, past), JORM_EEMPTY),
-        CASE(COPY(&a, &a, nullptr, before), JORM_EEMPTY),
-        CASE(COPY(&five, &five, nullptr, nullptr), JORM_EINVAL),
-        CASE(COPY(&five, &five, &outside, nullptr), JORM_EEMPTY),
-        CASE(COPY(&none, &none, nullptr, nullptr), JORM_ENOTSUP),
-        CASE(COPY_EX(&a, &a, null, nullptr), JORM_EINVAL),
-        CASE(COPY_EX(&a, &a, &s16_mask, nullptr), JORM_EINVAL),
-        CASE(COPY_EX(&a, &a, &two, nullptr), JORM_EINVAL),
-        CASE(COPY_EX(&a, &a, &mask, &outside), JORM_EEMPTY),
-        CASE(COPY_EX(&none, &none, &mask, nullptr), JORM_ENOTSUP),
-        CASE(COPY_EX(&five, &five, &mask, nullptr), JORM_EINVAL),
-        CASE(FILL(null), JORM_EINVAL),
-        CASE(FILL(&wide), JORM_ENOTSUP),
-        CASE(FILL(&five), JORM_EINVAL),
-        CASE(FILL_EX(&a, null), JORM_EINVAL),
-        CASE(FILL_EX(&wide, &mask), JORM_ENOTSUP),
-        CASE(MKB(&a, &a, nullptr, nullptr), JORM_EINVAL),
-        CASE(MKB(&a, &a, nullptr, past), JORM_EEMPTY), // the block before the border
-        CASE(MKB(&a, &a, &unknown, nullptr), JORM_EINVAL),
-        CASE(MKB(&deep, &a, &wrap, nullptr), JORM_EINVAL),
-        CASE(MKB(&a, &s8, &wrap, nullptr), JORM_EINVAL),
-        CASE(MKB(&wide, &wide, &constant, nullptr), JORM_ENOTSUP),
-        CASE(MKB(&a, &a, &wrap, before), JORM_EEMPTY),
-        CASE(jorma__copy(xe, 0, JORM_WORD(4), size, p, s, p, s), JORM_ENOTSUP),
-        CASE(jorma__copy(xe, 0, word, size, p, odd, p, s), JORM_EINVAL),
-        CASE(jorma__copy(xe, 0, word, size, nullptr, s, p, s), JORM_EINVAL),
-        CASE(jorma__fill(xe, 0, word, nullptr, u8, p, s, nullptr), JORM_EINVAL),
-        CASE(JormTGAcopyEx(xe, 0, nullptr, word, size, u8, p, s, u8, p, s, u8, p, s), JORM_EINVAL),
-        CASE(JormTGAfillEx(xe, 0, nullptr, word, size, u8, p, s, u8, p, s), JORM_EINVAL),
-        CASE(JormTGAcopymkb(xe, 0, nullptr, word, size, u8, p, s, u8, p, s), JORM_EINVAL),
+        INVALID(COPY(null, &a)), INVALID(COPY(&a, &lost)), INVALID(COPY(&a, &two)), INVALID(COPY(&flat, &a)),
+        INVALID(COPY(&a, &deep)), INVALID(COPY(&many, &many)), INVALID(COPY(&five, &five)), UNSUPPORTED(COPY(&none, &none)),
+        INVALID(COPY_AT(&a, &s8, &outside, nullptr)), // the types before the region
+        EMPTY(COPY_AT(&a, &a, &outside, nullptr)), EMPTY(COPY_AT(&a, &a, &no_channel, nullptr)),
+        EMPTY(COPY_AT(&a, &a, nullptr, past)), EMPTY(COPY_AT(&a, &a, nullptr, before)),
+        EMPTY(COPY_AT(&five, &five, &outside, nullptr)),
+        INVALID(COPY_EX(&a, &a, null)), INVALID(COPY_EX(&a, &a, &s16_mask)), INVALID(COPY_EX(&a, &a, &two)),
+        UNSUPPORTED(COPY_EX(&none, &none, &mask)), INVALID(COPY_EX(&five, &five, &mask)),
+        INVALID(FILL(null)), UNSUPPORTED(FILL(&wide)), INVALID(FILL(&five)),
+        INVALID(FILL_EX(&a, null)), UNSUPPORTED(FILL_EX(&wide, &mask)),
+        INVALID(MKB(&a, &a, nullptr, nullptr)), INVALID(MKB(&a, &a, &unknown, nullptr)),
+        EMPTY(MKB(&a, &a, nullptr, past)), EMPTY(MKB(&a, &a, &wrap, before)), // the block before the border
+        INVALID(MKB(&deep, &a, &wrap, nullptr)), INVALID(MKB(&a, &s8, &wrap, nullptr)),
+        UNSUPPORTED(MKB(&wide, &wide, &constant, nullptr)),
+        UNSUPPORTED(jorma__copy(xe, 0, JORM_WORD(4), size, p, s, p, s)),
+        INVALID(jorma__copy(xe, 0, word, size, p, odd, p, s)),
+        INVALID(jorma__copy(xe, 0, word, size, nullptr, s, p, s)),
+        INVALID(jorma__fill(xe, 0, word, nullptr, u8, p, s, nullptr)),
+        INVALID(JormTGAcopyEx(xe, 0, nullptr, word, size, u8, p, s, u8, p, s, u8, p, s)),
+        INVALID(JormTGAfillEx(xe, 0, nullptr, word, size, u8, p, s, u8, p, s)),
+        INVALID(JormTGAcopymkb(xe, 0, nullptr, word, size, u8, p, s, u8, p, s)),
     };
     // clang-format on
     for (const auto &c : cases) EXPECT_EQ(c.got, c.want) << c.what;
+    EXPECT_EQ(COPY(&a, null), JORM_OK); // in place
     EXPECT_EQ(memory, Bytes(4096, 5));
 }
 
@@ -485,14 +470,9 @@ TEST_F(Copies, BelowTheEntries) {
     std::iota(src.begin(), src.end(), uint8_t(100));
     for (size_t i = 0; i < em.size(); i += 3) em[i] = 1;
     for (size_t i = 0; i < xm.size(); i += 2) xm[i] = 1;
-    const auto array = [&](Bytes &b, int channels) {
-        const int32_t extent[] = {4, 6, channels};
-        Array a;
-        _jorm_array__$xtrn(&a, JORM_U8, 3, extent, nullptr, b.data());
-        return a;
-    };
     dst.resize(48);
-    const Array d = array(dst, 2), sa = array(src, 2), ea = array(em, 2), xa = array(xm, 1);
+    const Array d = picture(dst.data(), 4, 6, 2), sa = picture(src.data(), 4, 6, 2);
+    const Array ea = picture(em.data(), 4, 6, 2), xa = picture(xm.data(), 4, 6, 1);
     const jorm_site roi = {{0, 1, 1, 0}, {1, 2, 3, 2}};
     const auto after = [&](const std::function<int64_t()> &call) {
         dst.assign(48, 1);

@@ -71,11 +71,6 @@ TEST_P(Memory, CopiesOfRows) {
         C_jorm_bcopy2d(&b[size_t(100 + shift)], 40, &b[100], 40, 5, 30);
         EXPECT_EQ(b, expected) << shift;
     }
-    Bytes from(60), to(60);
-    std::iota(from.begin(), from.end(), uint8_t(0));
-    C_jorm_bcopy2d(&to[40], -20, from.data(), 20, 3, 20);
-    EXPECT_EQ(to[0], 40);
-    EXPECT_EQ(to[59], 19);
 }
 
 template <class T> void search_for(uint32_t type, double value, T element, T other, std::mt19937 &r) {
@@ -94,8 +89,6 @@ template <class T> void search_for(uint32_t type, double value, T element, T oth
         EXPECT_EQ(elements(jorm_memcelem2d), nowhere);
         v[size_t(y * stride + x)] = other;
         EXPECT_EQ(elements(jorm_memcelem2d), uint32_t(x + y * w));
-        EXPECT_EQ(jorm_memelem2d(type, &v[size_t(2 * stride)], -stride * int64_t(sizeof(T)), h, w, value),
-                  y == 2 && x == 0 ? 1u : 0u); // upwards
     }
 }
 
@@ -123,17 +116,16 @@ TEST_P(Memory, Searches) {
 TEST(Hashes, Bytes) {
     EXPECT_EQ(jorm_bhash("A", 1), 0x41u);
     EXPECT_EQ(jorm_bhash("AB", 2), 0x452u);
+    EXPECT_EQ(jorm_bhash("A\0B", 3), (0x41u << 8) + 0x42);
     EXPECT_EQ(jorm_bhash("\xFF", 1), 0x0FFFFF0Fu);
     EXPECT_EQ(jorm_bcshash("\xFF"), 0x0FFFFF0Fu);
     EXPECT_EQ(jorm_bcsnhash("ABC", 2), 0x452u);
     EXPECT_EQ(jorm_bcsnhash("AB", 9), 0x452u);
-    EXPECT_EQ(jorm_bhash("A\0B", 3), (0x41u << 8) + 0x42);
-    // Long enough for the folding of the upper bits: one step done by hand.
-    const uint32_t h7 = jorm_bhash("abcdefg", 7);
-    const uint64_t shifted = (uint64_t(h7) << 4) + 'h', low = shifted & 0xFFFFFFFF, g = low & 0xF0000000;
+    // Long enough for the folding of the upper bits: the last step by hand.
+    const uint64_t h = (uint64_t(jorm_bhash("abcdefg", 7)) << 4) + 'h', low = h & 0xFFFFFFFF, g = low & 0xF0000000;
     EXPECT_EQ(jorm_bcshash("abcdefgh"), uint32_t(low ^ (g | g >> 24)));
-    for (uint32_t empty : {jorm_bhash(nullptr, 5), jorm_bhash("x", 0), jorm_bcshash(""), jorm_bcshash(nullptr),
-                           jorm_bcsnhash("x", 0), jorm_bcsnhash(nullptr, 4)})
+    EXPECT_NE(g, 0u);
+    for (uint32_t empty : {jorm_bhash(nullptr, 5), jorm_bhash("x", 0), jorm_bcshash(""), jorm_bcshash(nullptr)})
         EXPECT_EQ(empty, 0u);
 }
 

@@ -5,28 +5,30 @@
 namespace jorm::JORM_LEVEL {
 namespace {
 
-// Single precision into a narrow type: clamped first, then rounded by the sum with 1.5 * 2^23, whose low bits are the
-// integer. NaN and what does not fit 32 bits go where -2147483648 would.
-template <class D> [[gnu::always_inline]] inline D narrow(f32 x) {
-    constexpr f32 lo = f32(lowest<D>), hi = f32(largest<D>);
-    f32 y = x < 2147483648.f ? x : lo;
-    y = y < lo ? lo : y;
-    y = y > hi ? hi : y;
-    return D(__builtin_bit_cast(s32, y + 12582912.f));
+// To the nearest 32-bit integer, where the processor's own conversion is within reach of the compiler.
+#if defined(__x86_64__) && defined(__NO_MATH_ERRNO__) && !defined(__clang__)
+[[gnu::always_inline]] inline s32 nearest(f64 x) { return __builtin_irint(x); }
+[[gnu::always_inline]] inline s32 nearest(f32 x) { return __builtin_irintf(x); }
+#else
+template <class T> [[gnu::always_inline]] inline s32 nearest(T x) { return round_s32(x); }
+#endif
+
+template <class D, class S> [[gnu::always_inline]] inline D clamped(S x) {
+    constexpr S lo = S(lowest<D>), hi = S(largest<D>);
+    x = x < lo ? lo : x;
+    x = x > hi ? hi : x;
+    return D(x);
 }
 
 template <class D, class S> [[gnu::always_inline]] inline D convert_element(S x) {
     if constexpr (is_real<D>)
         return D(x);
-    else if constexpr (!is_real<S>) {
-        if constexpr (sizeof(S) > sizeof(D))
-            return clamp<D>(x);
-        else
-            return D(x);
-    } else if constexpr (sizeof(D) < 4)
-        return narrow<D>(x);
+    else if constexpr (is_real<S>)
+        return convert_element<D>(nearest(x));
+    else if constexpr (sizeof(S) > sizeof(D))
+        return clamped<D>(x);
     else
-        return round_s32(x);
+        return D(x);
 }
 
 template <class D, class S> void plain(void *dst, const void *const *src, int64_t n, const RowParams &) {
@@ -35,13 +37,8 @@ template <class D, class S> void plain(void *dst, const void *const *src, int64_
 
 // x * scale + offset, the constants of the row, in double precision.
 template <bool Uniform, class D, class S> void range(void *dst, const void *const *src, int64_t n, const RowParams &p) {
-    constant_row<Uniform, 2, f64, D, S, void *>(dst, src, n, p, [](S x, f64 scale, f64 offset) {
-        const f64 y = f64(x) * scale + offset;
-        if constexpr (is_real<D>)
-            return D(y);
-        else
-            return clamp<D>(round_s32(y));
-    });
+    constant_row<Uniform, 2, f64, D, S, void *>(
+        dst, src, n, p, [](S x, f64 scale, f64 offset) { return convert_element<D>(f64(x) * scale + offset); });
 }
 
 } // namespace

@@ -39,12 +39,14 @@ int64_t check(const Slice &s) {
     return channels >= 1 && channels <= 4 ? JORM_OK : JORM_EINVAL;
 }
 
-// The source ranges: those given, repaired against the data, or the data's own; the same for all channels.
+// The source ranges: those given, repaired against the data, or the data's own; the same for all channels. A selection
+// of channels, which statistics would heed, means nothing to a conversion.
 int64_t source_ranges(Mapping &m, const Slice &s, const vrng *given) {
     const uint32_t code = s.channel_code();
     if (given) std::memcpy(m.src, given, sizeof(vrng) * size_t(stored_channels(code)));
     auto *const measure = given ? jorma__adjust_vrange : jorma__compute_vrange;
-    const int64_t status = measure(s.xe, s.options, s.word, s.size, s.src.type, s.src.start, s.src.stride, m.src);
+    const uint64_t options = s.options | JORM_OPT_CHANNELS;
+    const int64_t status = measure(s.xe, options, s.word, s.size, s.src.type, s.src.start, s.src.stride, m.src);
     if (status == JORM_OK) jorm_vrng_equalize_$I(m.src, code);
     return status;
 }

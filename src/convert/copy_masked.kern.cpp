@@ -47,7 +47,6 @@ template <class T> struct Source {
 template <class T> struct Value {
     T value;
     T operator()(int64_t) const { return value; }
-    void prefetch(const T *, const u8 *, int64_t) const {}
 };
 
 // d[i] = m[i] selects ? in(i) : d[i], for `from` <= i < `to`.
@@ -107,7 +106,11 @@ template <class T, bool Inverted, bool Far, class In>
     const int64_t before = int64_t(-reinterpret_cast<uintptr_t>(dst) & 63) / int64_t(sizeof(T));
     const int64_t head = n < before ? n : before;
     update<skip>(d, m, 0, head, in);
-    const int64_t i = Far ? update_far<skip>(d, m, head, n, in) : update_near<skip>(d, m, head, n, in);
+    int64_t i = head;
+    if constexpr (Far)
+        i = update_far<skip>(d, m, i, n, in);
+    else
+        i = update_near<skip>(d, m, i, n, in);
     update<skip>(d, m, i, n, in);
 }
 
@@ -115,9 +118,14 @@ template <class T, bool Inverted, bool Far> void copy(void *dst, const void *con
     update<T, Inverted, Far>(dst, src[1], n, Source<T>{elements<T>(src[0])});
 }
 
+// Stores under a mask, where there are any, do not read what they leave: looking first pays everywhere.
 template <class T, bool Inverted, bool Far>
 void fill(void *dst, const void *const *src, int64_t n, const RowParams &params) {
-    update<T, Inverted, Far>(dst, src[0], n, Value<T>{T(params.constants[0]->whole[0])});
+    const Value<T> value = {T(params.constants[0]->whole[0])};
+#ifndef JORM_LEVEL_avx512
+    if (Far) return update < Inverted ? 255 : 0 > (elements<T>(dst), elements<u8>(src[0]), 0, n, value);
+#endif
+    update<T, Inverted, false>(dst, src[0], n, value);
 }
 
 // Constants by channel, or one for all of them, in elements.
