@@ -144,7 +144,7 @@ TEST(PointSet, TurnsOfFloatsAreExact) {
     }
 }
 
-TEST(PointSet, HullOfAMillionInTime) {
+TEST(PointSet, HullOfAMillion) {
     std::mt19937 rng(2);
     for (int kind = 0; kind < 3; ++kind) {
         Points v = some_points(rng, kind, 1000000, 1000000);

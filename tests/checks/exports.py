@@ -60,15 +60,15 @@ def main():
         return 0
     root, cc, table = pathlib.Path(root), sys.argv[3], sys.argv[4] if len(sys.argv) > 4 else ""
     header_names, names = declared(root, cc), set(have)
-    listed = set((root / "tests/exports.txt").read_text().split())
+    listed = set((root / "cmake/exports.txt").read_text().split())
     faults = [
         ("exported outside the name space", [n for n in names if not NAME_SPACE.fullmatch(n)]),
         ("declared but not exported", header_names - names),
         ("exported but not declared", names - header_names),
         ("not written out in include/", names - written(root / "include")),
         ("not written out in src/", names - written(root / "src")),
-        ("exported but not in tests/exports.txt (scripts/update-exports)", names - listed),
-        ("in tests/exports.txt but not exported", listed - names),
+        ("exported but not in cmake/exports.txt (scripts/update-exports)", names - listed),
+        ("in cmake/exports.txt but not exported", listed - names),
     ]
     if table:
         rows = wanted(table, have)
