@@ -66,8 +66,8 @@ struct Scene {
         jorm_minmax mm;
         mm.request = JORM_WANT_MIN | JORM_WANT_MAX;
         const int64_t status = JormMinmax(xe, 0, &a, nullptr, &mm);
-        const double found[] = {mm.min[0].f,           mm.max[0].f,           double(mm.min[0].row), double(mm.min[0].column),
-                                double(mm.max[0].row), double(mm.max[0].column)};
+        const jorm_extremum &lo = mm.min[0], &hi = mm.max[0];
+        const double found[] = {lo.f, hi.f, double(lo.row), double(lo.column), double(hi.row), double(hi.column)};
         std::copy(found, found + 6, values);
         return status;
     }

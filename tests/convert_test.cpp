@@ -163,10 +163,10 @@ TEST_F(Convert, MeasuredRangesScalesAndOffsets) {
     ASSERT_EQ(JormConvert(xe, 0, &dst.array, &src.array, nullptr, nullptr, nullptr, nullptr, nullptr), 0);
     for_each(src, [&](int p, int y, int x, int c) { ASSERT_EQ(dst.value(p, y, x, c), src.value(p, y, x, c) - lo); });
 
-    // The measured range fills the destination's.
+    // The measured range fills the destination's. Channels cannot be selected.
     vrng full[2] = {{0, 255}, {0, 255}};
     Picture bytes(JORM_U8, 2, 3, 40, 2, 0, rng, 4);
-    ASSERT_EQ(JormVConvert(xe, 0, &bytes.array, &src.array, nullptr, nullptr, full, nullptr), 0);
+    ASSERT_EQ(JormVConvert(xe, 0x20, &bytes.array, &src.array, nullptr, nullptr, full, nullptr), 0);
     for_each(src, [&](int p, int y, int x, int c) {
         ASSERT_EQ(bytes.value(p, y, x, c), converted(JORM_U8, mapped(src.value(p, y, x, c), {0, 255}, {lo, hi})));
     });

@@ -4,6 +4,7 @@
 Usage: tool_test.py TOOL SCRATCH
 """
 import base64
+import json
 import pathlib
 import shutil
 import struct
@@ -140,6 +141,23 @@ class Tool(unittest.TestCase):
         self.assertEqual(read_png("out.png"), (3, 5 * [0, 0, 0] + [255, 64, 64] + 2 * [0, 0, 0]))
         self.assertIn("2 pixels\n", run("hull", "dot.pgm", "--level", 127, "-o", "out.png").stdout)
 
+    def test_stats_and_convert(self):
+        write_pgm("s.pgm", 4, [9, 200, 30, 40, 50, 60, 9, 200])
+        write_pgm("half.pgm", 4, [0] * 4 + [1] * 4)
+        self.assertIn("9           0,0   200           1,0    74.750             598", run("stats", "s.pgm").stdout)
+        both = json.loads(run("stats", "--json", "--mask", "half.pgm", "s.pgm", "a.pgm").stdout)
+        least, largest = {"value": 9, "x": 2, "y": 1}, {"value": 200, "x": 3, "y": 1}
+        self.assertEqual(both[0]["channels"], [{"min": least, "max": largest, "mean": 79.75, "sum": 319}])
+        self.assertEqual([p["picture"] for p in both], ["s.pgm", "a.pgm"])
+        for words, expected in [
+            ([], [0, 255, 28, 41, 55, 68, 0, 255]),
+            (["--to", "10,20"], [10, 20, 11, 12, 12, 13, 10, 20]),
+            (["--from", "0,102"], [22, 255, 75, 100, 125, 150, 22, 255]),
+            (["--scale", "0.5", "--offset", "100"], [100, 196, 110, 116, 120, 126, 100, 196]),
+        ]:
+            run("convert", "s.pgm", *words, "-o", "out.png")
+            self.assertEqual(read_png("out.png"), (1, expected), words)
+
     def test_info_and_help(self):
         self.assertIn("a.pgm: 4x2, 1 channel", run("info", "a.pgm").stdout)
         self.assertIn("blend", run("--help").stdout)
@@ -162,6 +180,9 @@ class Tool(unittest.TestCase):
             (["blend", "a.pgm", "b.pgm", "--weight", "heavy", "-o", "x.png"], "wants a number"),
             (["paint", "cats", "-o", "x.png"], "cannot paint"),
             (["paint", "text", "--size", "0x5", "-o", "x.png"], "WIDTHxHEIGHT"),
+            (["stats", "a.pgm", "--mask", "small.pgm"], "sizes differ"),
+            (["convert", "a.pgm", "--to", "9", "-o", "x.png"], "LOW,HIGH"),
+            (["convert", "a.pgm", "--to", "0,9", "--scale", "2", "-o", "x.png"], "do not go with"),
             (["hull", "black.pgm", "-o", "x.png"], "no sample of black.pgm reaches 128"),
             (["info", "missing.png"], "missing.png"),
             (["info", "."], "cannot read"),

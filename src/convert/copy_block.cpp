@@ -60,21 +60,22 @@ void reverse_axis(CopyBlock &b, CopyBlock::Axis &a) {
     a.src = -a.src;
 }
 
-void run_axes(CopyBytes copy, const CopyBlock &b, int axis, char *dst, const char *src) {
-    if (axis + 1 >= b.axes) {
-        const CopyBlock::Axis run = b.axes > 0 ? b.axis[axis] : CopyBlock::Axis{1, 0, 0};
-        return copy_units(copy, dst, run.dst, src, run.src, run.size, b.unit);
-    }
-    for (int64_t i = 0; i < b.axis[axis].size; ++i)
-        run_axes(copy, b, axis + 1, dst + i * b.axis[axis].dst, src + i * b.axis[axis].src);
+void run_axes(CopyBytes copy, const CopyBlock &b) {
+    CopyBlock::Axis a[4] = {{1, 0, 0}, {1, 0, 0}, {1, 0, 0}, {1, 0, 0}};
+    std::copy(b.axis, b.axis + b.axes, a + 4 - b.axes);
+    for (int64_t i = 0; i < a[0].size; ++i)
+        for (int64_t j = 0; j < a[1].size; ++j)
+            for (int64_t k = 0; k < a[2].size; ++k)
+                copy_units(copy, b.dst + i * a[0].dst + j * a[1].dst + k * a[2].dst, a[3].dst,
+                           b.src + i * a[0].src + j * a[1].src + k * a[2].src, a[3].src, a[3].size, b.unit);
 }
 
 // Memory of the two does not overlap: any order will do.
-void run_apart(uint64_t options, CopyBlock b) {
+void run_apart(uint64_t options, CopyBlock &b) {
     // The longer one of the two inner axes makes the longer runs.
     if (b.axes > 1 && b.axis[b.axes - 1].size < 8 && b.axis[b.axes - 2].size > b.axis[b.axes - 1].size)
         std::swap(b.axis[b.axes - 1], b.axis[b.axes - 2]);
-    run_axes(memory_rows_at(level(options)).copy, b, 0, b.dst, b.src);
+    run_axes(memory_rows_at(level(options)).copy, b);
 }
 
 // How far the addresses of a block's destination or source reach from its start.
@@ -145,7 +146,7 @@ int64_t copy_overlapping(jorm_xe *xe, uint64_t options, CopyBlock b) {
     if (const Order order = order_of_units(b); order != Order::none) {
         if (order == Order::descending)
             for (int i = 0; i < b.axes; ++i) reverse_axis(b, b.axis[i]);
-        run_axes(move_bytes, b, 0, b.dst, b.src);
+        run_axes(move_bytes, b);
         return JORM_OK;
     }
     const Order order = order_of_slices(b);

@@ -20,10 +20,11 @@ Row find_row(const MaskedCall &call, int op) {
     return JORM_OF_LEVEL(masked_rows, level(call.options))[masked_row(op, log2, inverted)];
 }
 
-// Do the operands come from memory rather than from the cache?
-bool far_away(const Shape &shape, uint32_t type, int arrays) {
-    constexpr double cache_bytes = 16 << 20;
-    return double(shape.rows) * shape.pixels * shape.channels * (1 + arrays * element_size(type)) > cache_bytes;
+// Sizes, of all operands, from which the rows for distant data win.
+constexpr double far_copy_bytes = 16 << 20, far_fill_bytes = 1 << 20;
+
+double bytes_of(const Shape &shape, uint32_t type, int arrays) {
+    return double(shape.rows) * shape.pixels * shape.channels * (1 + arrays * element_size(type));
 }
 
 int64_t read_call(MaskedCall &call, Shape &shape) {
@@ -74,7 +75,8 @@ int64_t copy_masked(MaskedCall call, const Operand &src) {
     if (!src.start || !src.stride || src.type != call.dst.type) return JORM_EINVAL;
     if (const int64_t status = read_call(call, shape); status != JORM_OK) return status;
     const Operand operands[1 + max_sources] = {call.dst, src, call.mask};
-    walk_channels(shape, operands, 3, find_row(call, far_away(shape, src.type, 2) ? masked_copy_far : masked_copy),
+    walk_channels(shape, operands, 3,
+                  find_row(call, bytes_of(shape, src.type, 2) < far_copy_bytes ? masked_copy : masked_copy_far),
                   RowParams{}, WalkKind::update);
     return JORM_OK;
 }
@@ -91,7 +93,9 @@ int64_t fill_masked(MaskedCall call, const double *values, bool choose, const do
     const bool fold = channels_fold(shape, operands, 2);
     const bool uniform = !fold || (in.uniform(shape.channels) && (!choose || out.uniform(shape.channels)));
     const int32_t length = uniform ? 1 : pattern_length, period = fold ? shape.channels : 1;
-    const int fill = !uniform ? masked_fill_pattern : far_away(shape, type, 1) ? masked_fill_far : masked_fill;
+    const int fill = !uniform                                    ? masked_fill_pattern
+                     : bytes_of(shape, type, 1) < far_fill_bytes ? masked_fill
+                                                                 : masked_fill_far;
     const int op = !choose ? fill : uniform ? masked_choose : masked_choose_pattern;
     RowParams params;
     params.stream = stream_at(level(call.options));

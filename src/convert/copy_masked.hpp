@@ -7,7 +7,7 @@ namespace jorm {
 // The row of an operation at a level is at masked_row(...) of the table masked_rows.
 enum MaskedOp : int {
     masked_copy,
-    masked_copy_far, // for data in memory
+    masked_copy_far, // for data beyond the nearest caches
     masked_fill,
     masked_fill_far,
     masked_fill_pattern, // values by channel

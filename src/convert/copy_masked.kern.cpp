@@ -14,35 +14,10 @@ using u16 = uint16_t;
 using u32 = uint32_t;
 using u64 = uint64_t;
 
-constexpr int64_t near_block = 64; // elements
-constexpr int64_t far_block = 256; // bytes
-
-// How much of a block the mask selects; `some` may also mean all.
-enum class Patch { none, some, all };
-template <u8 skip> [[gnu::always_inline]] inline Patch patch(const u8 *m) {
-#ifdef JORM_LEVEL_avx512
-    const auto selected = _mm512_cmpneq_epi8_mask(_mm512_loadu_si512(m), _mm512_set1_epi8(char(skip)));
-    return selected == 0 ? Patch::none : ~selected == 0 ? Patch::all : Patch::some;
-#else
-    u64 word[near_block / 8], any = 0;
-    __builtin_memcpy(word, m, sizeof word);
-    for (u64 w : word) any |= skip ? ~w : w;
-    return any == 0 ? Patch::none : Patch::some;
-#endif
-}
-
 // What selected elements get.
 template <class T> struct Source {
     const T *s;
     T operator()(int64_t i) const { return s[i]; }
-    [[gnu::always_inline]] void prefetch(const T *d, const u8 *m, int64_t i) const {
-        constexpr int64_t ahead = 1024 / int64_t(sizeof(T)), line = 64 / int64_t(sizeof(T));
-        for (int k = 0; k < far_block / 64; ++k) {
-            __builtin_prefetch(m + i + ahead + line * k);
-            __builtin_prefetch(s + i + ahead + line * k);
-            __builtin_prefetch(d + i + ahead + line * k);
-        }
-    }
 };
 template <class T> struct Value {
     T value;
@@ -59,58 +34,73 @@ template <u8 skip, class T, class In>
     }
 }
 
-// Masks come in patches: in the cache it pays to look at them first.
-template <u8 skip, class T, class In>
-[[gnu::always_inline]] inline int64_t update_near(T *d, const u8 *m, int64_t i, int64_t n, In in) {
-    for (; i + near_block <= n; i += near_block) switch (patch<skip>(m + i)) {
-        case Patch::all:
-#pragma GCC ivdep
-            for (int64_t k = i; k < i + near_block; ++k) d[k] = in(k);
-            break;
-        case Patch::some:
-            update<skip>(d, m, i, i + near_block, in);
-            break;
-        case Patch::none:
-            break;
-        }
-    return i;
+#ifdef JORM_LEVEL_avx512
+constexpr int64_t block = 64; // elements that one comparison of the mask decides about
+
+template <u8 skip> [[gnu::always_inline]] inline uint64_t selected(const u8 *m) {
+    return _mm512_cmpneq_epi8_mask(_mm512_loadu_si512(m), _mm512_set1_epi8(char(skip)));
 }
 
-// From memory it pays to ask for what comes and, where a block fits into registers, to read all of it before it is
-// written.
+// Masks come in patches: in the cache it pays to look for blocks of nothing and of everything.
 template <u8 skip, class T, class In>
-[[gnu::always_inline]] inline int64_t update_far(T *d, const u8 *m, int64_t i, int64_t n, In in) {
-    constexpr int64_t count = far_block / int64_t(sizeof(T));
-    for (; i + count <= n; i += count) {
-        in.prefetch(d, m, i);
-#ifdef JORM_LEVEL_avx512
-        T block[count];
-        for (int64_t k = 0; k < count; ++k) {
-            const T x = in(i + k), y = d[i + k];
-            block[k] = m[i + k] != skip ? x : y;
-        }
-        for (int64_t k = 0; k < count; ++k) d[i + k] = block[k];
-#else
-        update<skip>(d, m, i, i + count, in);
-#endif
+[[gnu::always_inline]] inline int64_t update_near(T *d, const u8 *m, int64_t i, int64_t n, In in) {
+    for (; i + block <= n; i += block) {
+        const uint64_t which = selected<skip>(m + i);
+        if (which == 0) continue;
+        if (~which == 0) {
+#pragma GCC ivdep
+            for (int64_t k = i; k < i + block; ++k) d[k] = in(k);
+        } else
+            update<skip>(d, m, i, i + block, in);
     }
     return i;
 }
 
-// Blocks begin at a line of the destination.
+// Values are stored under the mask, which does not read what stays.
+template <u8 skip, class T>
+[[gnu::always_inline]] inline int64_t update_far(T *d, const u8 *m, int64_t i, int64_t n, Value<T> in) {
+    for (; i + block <= n; i += block)
+        if (selected<skip>(m + i) != 0) update<skip>(d, m, i, i + block, in);
+    return i;
+}
+
+// From memory it pays to ask for what comes, and to read all of a group of lines before it is written.
+template <u8 skip, class T>
+[[gnu::always_inline]] inline int64_t update_far(T *d, const u8 *m, int64_t i, int64_t n, Source<T> in) {
+    constexpr int64_t line = 64 / int64_t(sizeof(T)), count = 4 * line, ahead = 16 * line;
+    for (; i + count <= n; i += count) {
+        T group[count];
+        for (int64_t k = i + ahead; k < i + ahead + count; k += line) {
+            __builtin_prefetch(m + k);
+            __builtin_prefetch(in.s + k);
+            __builtin_prefetch(d + k);
+        }
+        for (int64_t k = 0; k < count; ++k) {
+            const T x = in(i + k), y = d[i + k];
+            group[k] = m[i + k] != skip ? x : y;
+        }
+        for (int64_t k = 0; k < count; ++k) d[i + k] = group[k];
+    }
+    return i;
+}
+#endif
+
 template <class T, bool Inverted, bool Far, class In>
 [[gnu::always_inline]] inline void update(void *dst, const void *mask, int64_t n, In in) {
     constexpr u8 skip = Inverted ? 255 : 0;
     T *const d = elements<T>(dst);
     const u8 *const m = elements<u8>(mask);
+    int64_t i = 0;
+#ifdef JORM_LEVEL_avx512
+    // Blocks begin at a line of the destination.
     const int64_t before = int64_t(-reinterpret_cast<uintptr_t>(dst) & 63) / int64_t(sizeof(T));
-    const int64_t head = n < before ? n : before;
-    update<skip>(d, m, 0, head, in);
-    int64_t i = head;
+    i = n < before ? n : before;
+    update<skip>(d, m, 0, i, in);
     if constexpr (Far)
         i = update_far<skip>(d, m, i, n, in);
     else
         i = update_near<skip>(d, m, i, n, in);
+#endif
     update<skip>(d, m, i, n, in);
 }
 
@@ -118,14 +108,9 @@ template <class T, bool Inverted, bool Far> void copy(void *dst, const void *con
     update<T, Inverted, Far>(dst, src[1], n, Source<T>{elements<T>(src[0])});
 }
 
-// Stores under a mask, where there are any, do not read what they leave: looking first pays everywhere.
 template <class T, bool Inverted, bool Far>
 void fill(void *dst, const void *const *src, int64_t n, const RowParams &params) {
-    const Value<T> value = {T(params.constants[0]->whole[0])};
-#ifndef JORM_LEVEL_avx512
-    if (Far) return update < Inverted ? 255 : 0 > (elements<T>(dst), elements<u8>(src[0]), 0, n, value);
-#endif
-    update<T, Inverted, false>(dst, src[0], n, value);
+    update<T, Inverted, Far>(dst, src[0], n, Value<T>{T(params.constants[0]->whole[0])});
 }
 
 // Constants by channel, or one for all of them, in elements.

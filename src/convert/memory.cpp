@@ -17,14 +17,14 @@ const MemoryRows &memory_rows_now() { return memory_rows_at(level(0)); }
 
 void jorm::fill_rows(const MemoryRows &kernels, void *dst, int64_t row_stride, int64_t rows, int64_t row_bytes,
                      int32_t period, const void *pattern) {
-    // Whole patterns of every period first, word by word.
-    uint32_t block[fill_block_bytes / 4];
-    constexpr int whole = 12;
-    for (int i = 0, k = 0; i < whole; ++i, k = 4 * (k + 1) < period ? k + 1 : 0)
-        std::memcpy(&block[i], static_cast<const char *>(pattern) + 4 * k, 4);
-    for (int i = whole; i < fill_block_bytes / 4; ++i) block[i] = block[i - whole];
-    for (int64_t y = 0; y < rows; ++y)
-        kernels.fill(static_cast<char *>(dst) + y * row_stride, row_bytes, reinterpret_cast<const char *>(block));
+    // First a multiple of every period, word by word.
+    constexpr int whole = 48;
+    char block[fill_block_bytes];
+    for (int i = 0, k = 0; i < whole; i += 4, k = k + 4 < period ? k + 4 : 0)
+        std::memcpy(block + i, static_cast<const char *>(pattern) + k, 4);
+    for (int i = whole; i + whole <= fill_block_bytes; i += whole) std::memcpy(block + i, block, whole);
+    std::memcpy(block + fill_block_bytes / whole * whole, block, fill_block_bytes % whole);
+    for (int64_t y = 0; y < rows; ++y) kernels.fill(static_cast<char *>(dst) + y * row_stride, row_bytes, block);
 }
 
 JORM_API void C_jorm_bfill2d(void *dst, int64_t row_stride, int32_t rows, int64_t row_bytes, int32_t channels,

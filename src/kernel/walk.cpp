@@ -22,13 +22,14 @@ constexpr int64_t streamed_block_bytes = 1024;
 // reading the lines that they overwrite. With one source that saves less.
 constexpr double streaming_bytes_one = 24 << 20, streaming_bytes_more = 5 << 20;
 
+template <class T, int Repeat> void gather_groups(T *t, const char *start, int64_t stride, int64_t n) {
+    for (int64_t i = 0; i < n; i += Repeat, start += stride)
+        for (int k = 0; k < Repeat; ++k) t[i + k] = *reinterpret_cast<const T *>(start);
+}
 template <class T> void gather(void *to, const WalkOperand &from, const char *start, int64_t n) {
-    T *t = static_cast<T *>(to);
-    if (from.repeat == 1)
-        for (int64_t i = 0; i < n; ++i) t[i] = *reinterpret_cast<const T *>(start + i * from.stride);
-    else
-        for (int64_t i = 0; i < n; i += from.repeat, start += from.stride)
-            for (int32_t k = 0; k < from.repeat; ++k) t[i + k] = *reinterpret_cast<const T *>(start);
+    static constexpr decltype(&gather_groups<T, 1>) groups[] = {gather_groups<T, 1>, gather_groups<T, 2>,
+                                                                gather_groups<T, 3>, gather_groups<T, 4>};
+    groups[from.repeat - 1](static_cast<T *>(to), start, from.stride, n);
 }
 template <class T> void scatter(char *to, int64_t stride, const void *from, int64_t n) {
     const T *f = static_cast<const T *>(from);
