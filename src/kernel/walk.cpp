@@ -20,7 +20,7 @@ constexpr int64_t streamed_block_bytes = 1024;
 
 // From this traffic on, results would leave the cache before anyone reads them: they are written past it, which saves
 // reading the lines that they overwrite. With one source that saves less.
-constexpr double streaming_bytes_one = 24 << 20, streaming_bytes_more = 5 << 20;
+constexpr double streaming_bytes_one = 24 << 20, streaming_bytes_more = 16 << 20;
 
 template <class T, int Repeat> void gather_groups(T *t, const char *start, int64_t stride, int64_t n) {
     for (int64_t i = 0; i < n; i += Repeat, start += stride)
