@@ -375,6 +375,22 @@ TEST(Statuses, NullsFurtherDown) {
 }
 
 // What a destination narrower than its sources needs.
+TEST(Statuses, EmptySizesWriteNothing) {
+    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+    uint8_t d = 7;
+    const int32_t s = 1, bytes[3] = {1, 1, 1}, words[3] = {4, 4, 4};
+    for (const auto &[rows, pixels] : {std::pair{0, 1}, {1, 0}, {-1, 5}, {5, -1}, {0, 0}}) {
+        const int32_t size[3] = {rows, pixels, 1};
+        EXPECT_EQ(
+            jorma__add(xe, 0, JORM_WORD(3), size, JORM_U8, &d, bytes, JORM_U8, &d, bytes, JORM_U8, &d, bytes, 0, 0), 0);
+        EXPECT_EQ(
+            jorma__sub(xe, 0, JORM_WORD(3), size, JORM_U8, &d, bytes, JORM_S32, &s, words, JORM_S32, &s, words, 0, 0),
+            0);
+    }
+    EXPECT_EQ(d, 7);
+    JormXEclose(xe);
+}
+
 TEST(Statuses, StripsNeedAnEnvironmentWithMemory) {
     Random rng(7);
     Picture d('b', 3, 400, 3, dense, rng), s('i', 3, 400, 3, dense, rng);

@@ -145,6 +145,7 @@ uint32_t key_of(const ArithCall &call, int sources, uint32_t dst) {
 // Runs the kernel with a destination of the widest source's type, strip by strip, and converts each strip.
 int64_t run_through_strip(Family family, int line, uint32_t type, const Shape &shape, const ArithCall &call) {
     if (!call.xe) return JORM_EINVAL;
+    if (shape.rows < 1 || shape.pixels < 1) return JORM_OK;
     const int sources = family_keys[family].sources;
     const int64_t pixel = int64_t(element_size(type)) * shape.channels;
     const int32_t columns = int32_t(std::min<int64_t>(shape.pixels, strip_bytes / pixel));

@@ -191,7 +191,7 @@ int64_t copy_mkb(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jor
     if (check_operands(dst, {{src, at}}) != JORM_OK || dst->ndims != src->ndims || dst->eltype != src->eltype)
         return JORM_EINVAL;
     Front f;
-    if (const int64_t status = negotiate(f, dst, roi, {}, Channels::region); status != JORM_OK) return status;
+    if (const int64_t status = negotiate(f, dst, roi, {}); status != JORM_OK) return status;
 
     // The image, and where the block begins in it.
     jorm_site image;

@@ -34,7 +34,7 @@ JORM_API int64_t JormCopy(jorm_xe *xe, uint64_t options, const jorm_array *dst, 
                           const jorm_site *roi, const int32_t *at) {
     if (dst && src && dst->eltype != src->eltype) return JORM_EINVAL;
     Front f;
-    if (const int64_t status = negotiate(f, dst, roi, {{src, at}}, Channels::region); status != JORM_OK) return status;
+    if (const int64_t status = negotiate(f, dst, roi, {{src, at}}); status != JORM_OK) return status;
     const Operand to = start_operand(f, 0), from = start_operand(f, 1);
     if (dst->ndims < 4) return JormTGAcopy(xe, options, nullptr, f.word, f.sizes(), SLICE(to), SLICE(from));
     // Planes that overlap other planes are copied in an order of their own.
@@ -75,8 +75,7 @@ JORM_API int64_t JormCopyEx(jorm_xe *xe, uint64_t options, const jorm_array *dst
                             const jorm_array *mask, const jorm_site *roi, const int32_t *at, const int32_t *at_mask) {
     if (dst && src && dst->eltype != src->eltype) return JORM_EINVAL;
     Front f;
-    if (const int64_t status = negotiate(f, dst, roi, {{src, at}, {mask, at_mask, Role::mask}}, Channels::region);
-        status != JORM_OK)
+    if (const int64_t status = negotiate(f, dst, roi, {{src, at}, {mask, at_mask, Role::mask}}); status != JORM_OK)
         return status;
     const CopyExParams params = {masks_pixels(mask, dst)};
     Operand to = start_operand(f, 0), from = start_operand(f, 1), by = start_operand(f, 2, params.by_pixel);

@@ -61,7 +61,7 @@ JORM_API int64_t JormTGAfill(jorm_xe *xe, uint64_t options, const double *values
 JORM_API int64_t JormFill(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_site *roi,
                           const double *values) {
     Front f;
-    if (const int64_t status = negotiate(f, dst, roi, {}, Channels::region); status != JORM_OK) return status;
+    if (const int64_t status = negotiate(f, dst, roi, {}); status != JORM_OK) return status;
     const Operand to = start_operand(f, 0);
     if (dst->ndims < 4) return JormTGAfill(xe, options, values, f.word, f.sizes(), SLICE(to));
     jorm_pack pack;
@@ -109,7 +109,7 @@ struct FillExParams {
 int64_t fill_ex(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *mask, const jorm_site *roi,
                 const int32_t *at_mask, FillExParams params) {
     Front f;
-    const int64_t status = negotiate(f, dst, roi, {{mask, at_mask, Role::mask}}, Channels::region);
+    const int64_t status = negotiate(f, dst, roi, {{mask, at_mask, Role::mask}});
     if (status != JORM_OK) return status;
     params.by_pixel = masks_pixels(mask, dst);
     Operand to = start_operand(f, 0), by = start_operand(f, 1, params.by_pixel);

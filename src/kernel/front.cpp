@@ -96,8 +96,7 @@ int64_t check_operands(const jorm_array *dst, std::initializer_list<FrontSource>
     return agree(dst, sources.begin(), int(sources.size())) ? JORM_OK : JORM_EINVAL;
 }
 
-int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *roi, std::initializer_list<FrontSource> given,
-                  Channels channels) {
+int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *roi, std::initializer_list<FrontSource> given) {
     FrontSource source[max_sources];
     const int count = int(given.size());
     for (int i = 0; i < count; ++i) source[i] = given.begin()[i];
@@ -113,19 +112,14 @@ int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *roi, std
     for (int i = 0; i + 1 < count; ++i)
         if (!clip_to_source(common, source[i])) return JORM_EEMPTY;
 
-    int32_t first[1 + max_sources] = {}, count_of_channels = channels_of(*dst);
-    if (channels == Channels::region) {
-        first[0] = common.origin[3];
-        count_of_channels = common.size[3];
-        for (int i = 0; i < count; ++i) first[1 + i] = first_channel(source[i], count_of_channels);
-        if (count_of_channels < 1) return JORM_EEMPTY;
-    }
+    int32_t first[1 + max_sources] = {common.origin[3]}, channels = common.size[3];
+    for (int i = 0; i < count; ++i) first[1 + i] = first_channel(source[i], channels);
+    if (channels < 1) return JORM_EEMPTY;
 
     front.first = 4 - dst->ndims;
     front.word = JORM_WORD(dst->ndims);
     std::memcpy(front.size, common.size, sizeof front.size);
-    front.size[3] = count_of_channels;
-    common.origin[3] = first[0];
+    front.size[3] = channels;
     fold_operand(front.operand[0], *dst, common.origin);
     for (int i = 0; i < count; ++i) {
         int32_t origin[4];

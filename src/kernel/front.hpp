@@ -21,10 +21,6 @@ struct FrontSource {
     Role role = Role::source;
 };
 
-// Which channels an operation works on: all of them, or those that the region names. The channels of a source then
-// start at the channel slot of its start point.
-enum class Channels : uint8_t { all, region };
-
 // An array ready for an adapter.
 struct FrontOperand {
     uint32_t type;
@@ -46,9 +42,10 @@ struct Front {
 };
 
 // Checks the destination and the sources, negotiates the region and fills the front. A null first source means the
-// destination itself. Four-axis arrays pass here; the caller decides about them by word. Returns a status.
-int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *roi, std::initializer_list<FrontSource> sources,
-                  Channels channels = Channels::region);
+// destination itself. The region may narrow the channels; those of a source start at the channel slot of its start
+// point. Four-axis arrays pass here; the caller decides about them by word. Returns a status.
+int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *roi,
+                  std::initializer_list<FrontSource> sources);
 
 // The check of the descriptors alone, for fronts that negotiate by rules of their own.
 int64_t check_operands(const jorm_array *dst, std::initializer_list<FrontSource> sources);
