@@ -30,14 +30,20 @@ const Rows &find_rows(Level level, Family family, int line) {
 
 // ------------------------------------------------------------------ constants
 
-bool is_whole(double c) { return c == std::nearbyint(c) && std::isfinite(c); }
+// From 2^52 on every number is whole.
+bool is_whole(double c) {
+    if (std::fabs(c) < 0x1p52) return double(int64_t(c)) == c;
+    return std::isfinite(c);
+}
 
 bool obeys(ConstantRule rule, double c) {
     switch (rule) {
     case ConstantRule::none:
         return false;
-    case ConstantRule::low_bits: return is_whole(c);
-    case ConstantRule::saturated: return is_whole(c) && std::fabs(c) <= 2147483647.0;
+    case ConstantRule::low_bits:
+        return is_whole(c);
+    case ConstantRule::saturated:
+        return is_whole(c) && std::fabs(c) <= 2147483647.0;
     case ConstantRule::small:
         return is_whole(c) && std::fabs(c) <= 16777216.0;
     case ConstantRule::single:
@@ -51,13 +57,14 @@ bool obeys(ConstantRule rule, double c) {
 
 // What a constant is as an integer: the low 32 bits of the number rounded to nearest even.
 int32_t low_bits(double c) {
+    if (std::fabs(c) < 0x1p62) return int32_t(uint32_t(uint64_t(__builtin_llrint(c))));
     return std::isfinite(c) ? int32_t(uint32_t(int64_t(std::fmod(std::nearbyint(c), 4294967296.0)))) : INT32_MIN;
 }
 
 // The constants of some channels of a call.
 struct Constants {
     const ArithCall &call;
-    int count;          // per channel
+    int count; // per channel
     int first, channels;
 
     double at(int i, int channel) const { return call.constant[i][first + channel]; }
@@ -105,21 +112,69 @@ bool fits_real_rows(Family family, const Constants &constants) {
 }
 
 Variant choose(Family family, const Rows &rows, const Rows &base, const Constants &constants) {
-    const int32_t p = constants.call.p;
-    if (constants.count == 0) return p == 0 ? Variant::plain : Variant::scaled;
-    const bool unscaled = p == 0 || rows.rule == ConstantRule::rounded;
+    const bool unscaled = constants.call.p == 0 || rows.rule == ConstantRule::rounded;
     if (unscaled && rows.plain && constants.all([&](double c) { return obeys(rows.rule, c); }))
         return constants.uniform() ? Variant::plain : Variant::pattern;
-    return base.scaled && constants.all(is_whole) && !fits_real_rows(family, constants) ? Variant::scaled : Variant::real;
+    return base.scaled && constants.all(is_whole) && !fits_real_rows(family, constants) ? Variant::scaled
+                                                                                        : Variant::real;
 }
 
 Row row_of(Variant variant, const Rows &rows, const Rows &base) {
     switch (variant) {
-    case Variant::plain: return rows.plain;
-    case Variant::pattern: return rows.pattern;
-    case Variant::real: return rows.real;
-    default: return rows.scaled ? rows.scaled : base.scaled;
+    case Variant::plain:
+        return rows.plain;
+    case Variant::pattern:
+        return rows.pattern;
+    case Variant::real:
+        return rows.real;
+    default:
+        return rows.scaled ? rows.scaled : base.scaled;
     }
+}
+
+// --------------------------------------------------------------------- running
+
+// Constant forms: channels run together where their pixels are dense and their constants call for the same rows.
+void run_with_constants(Family family, const Rows &rows, const Rows &base, const Shape &shape, const ArithCall &call,
+                        RowParams &params) {
+    const FamilyKeys &keys = family_keys[family];
+    const int channels = shape.channels;
+    ConstantPattern pattern[2];
+    params.constants[0] = &pattern[0];
+    params.constants[1] = &pattern[1];
+
+    const Constants all = {call, keys.constants, 0, channels};
+    const Variant variant = choose(family, rows, base, all);
+    bool together = channels_fold(shape, call.operand, 1 + keys.sources);
+    if (variant == Variant::real || variant == Variant::scaled)
+        for (int c = 0; c < channels && channels > 1; ++c)
+            together = together && choose(family, rows, base, {call, keys.constants, c, 1}) == variant;
+    for (int c = 0; c < (together ? 1 : channels); ++c) {
+        const Constants some = together ? all : Constants{call, keys.constants, c, 1};
+        const Variant own = together ? variant : choose(family, rows, base, some);
+        some.lay_out(pattern, own == Variant::plain ? 1 : pattern_length);
+        Walk w = make_walk(shape, call.operand, 1 + keys.sources, together ? -1 : c);
+        walk(w, row_of(own, rows, base), params);
+    }
+}
+
+// Runs the kernel on operands that have been checked and know their types.
+int64_t run(Family family, int line, const Shape &shape, const ArithCall &call) {
+    const Level which = level(call.options);
+    const Rows &rows = find_rows(which, family, line), &base = find_rows(level_base, family, line);
+    RowParams params;
+    if (call.p != 0) {
+        params.shift = std::clamp(call.p, -200, 200); // from there on nothing changes
+        params.scale = std::ldexp(1.0, std::clamp(call.p, -1000, 1000));
+    }
+    params.stream = stream_at(which);
+    const FamilyKeys &keys = family_keys[family];
+    if (keys.constants > 0)
+        run_with_constants(family, rows, base, shape, call, params);
+    else
+        walk_channels(shape, call.operand, 1 + keys.sources,
+                      row_of(call.p == 0 ? Variant::plain : Variant::scaled, rows, base), params);
+    return JORM_OK;
 }
 
 // ---------------------------------------------------------------------- strips
@@ -137,8 +192,8 @@ bool wider(uint32_t a, uint32_t b) {
 }
 
 uint32_t key_of(const ArithCall &call, int sources, uint32_t dst) {
-    uint32_t key = dst & 15;
-    for (int i = 1; i <= sources; ++i) key = key << 4 | (call.operand[i].type & 15);
+    uint32_t key = dst;
+    for (int i = 1; i <= sources; ++i) key = key << 4 | call.operand[i].type;
     return key;
 }
 
@@ -172,7 +227,8 @@ int64_t run_through_strip(Family family, int line, uint32_t type, const Shape &s
             }
             const Operand dst = part.operand[0];
             part.operand[0] = operand(type, strip.get(), strip_stride);
-            int64_t status = run_kernel(family, line, shape.channels, std::move(part));
+            const Shape part_shape = {3, size[0], size[1], shape.channels, 0};
+            int64_t status = run(family, line, part_shape, part);
             if (status == JORM_OK)
                 status = _jorma__swtconvert(call.xe, call.options, part.word, size, dst.type, dst.start, dst.stride,
                                             type, strip.get(), strip_stride);
@@ -221,72 +277,46 @@ bool add_to_itself(const ArithCall &call) {
     return dispatch(family_mulC, std::move(twice)) == JORM_OK;
 }
 
-bool complete(Family family, const ArithCall &call) {
-    const FamilyKeys &keys = family_keys[family];
+int64_t check(const FamilyKeys &keys, Shape &shape, const ArithCall &call) {
     for (int i = 0; i <= keys.sources; ++i)
-        if (!call.operand[i].start || !call.operand[i].stride) return false;
+        if (!call.operand[i].start || !call.operand[i].stride) return JORM_EINVAL;
     for (int i = 0; i < keys.constants; ++i)
-        if (!call.constant[i]) return false;
-    return true;
+        if (!call.constant[i]) return JORM_EINVAL;
+    return read_shape(shape, call.word, call.size);
 }
 
 } // namespace
 
 int64_t run_kernel(Family family, int line, int channels, ArithCall &&call) {
-    Shape shape;
     const FamilyKeys &keys = family_keys[family];
-    if (!complete(family, call) || line < 0) return JORM_EINVAL;
-    if (int64_t status = read_shape(shape, call.word, call.size); status != JORM_OK) return status;
+    Shape shape;
+    if (line < 0) return JORM_EINVAL;
+    if (const int64_t status = check(keys, shape, call); status != JORM_OK) return status;
     shape.channels = channels;
     // Kernels are told their types by their names: operands need not repeat them.
     for (int i = 0; i <= keys.sources; ++i) call.operand[i].type = keys.keys[line] >> 4 * (keys.sources - i) & 15;
-
-    const Level which = level(call.options);
-    const Rows &rows = find_rows(which, family, line), &base = find_rows(level_base, family, line);
-    ConstantPattern pattern[2];
-    RowParams params;
-    params.shift = std::clamp(call.p, -200, 200); // from there on nothing changes
-    if (call.p != 0) params.scale = std::ldexp(1.0, std::clamp(call.p, -1000, 1000));
-    params.stream = stream_at(which);
-    params.constants[0] = &pattern[0];
-    params.constants[1] = &pattern[1];
-
-    // Channels run together where their pixels are dense and their constants call for the same rows.
-    const Constants all = {call, keys.constants, 0, channels};
-    const Variant variant = choose(family, rows, base, all);
-    bool together = channels_fold(shape, call.operand, 1 + keys.sources);
-    if (variant == Variant::real || variant == Variant::scaled)
-        for (int c = 0; c < channels && keys.constants > 0; ++c)
-            together = together && choose(family, rows, base, {call, keys.constants, c, 1}) == variant;
-    for (int c = 0; c < (together ? 1 : channels); ++c) {
-        const Constants some = together ? all : Constants{call, keys.constants, c, 1};
-        const Variant own = together ? variant : choose(family, rows, base, some);
-        some.lay_out(pattern, own == Variant::plain ? 1 : pattern_length);
-        Walk w = make_walk(shape, call.operand, 1 + keys.sources, together ? -1 : c);
-        walk(w, row_of(own, rows, base), params);
-    }
-    return JORM_OK;
+    return run(family, line, shape, call);
 }
 
 int64_t dispatch(Family family, ArithCall &&call) {
     Shape shape;
-    if (!complete(family, call)) return JORM_EINVAL;
-    if (int64_t status = read_shape(shape, call.word, call.size); status != JORM_OK) return status;
+    if (const int64_t status = check(family_keys[family], shape, call); status != JORM_OK) return status;
     if ((call.options & JORM_OPT_CHANNELS) == 0) call.options |= uint64_t(shape.selected) << 4;
 
     const int sources = family_keys[family].sources;
     Operand *o = call.operand;
-    if (sources >= 2 && exchanged(family) != family_count && wider(o[2].type, o[1].type)) {
+    if (sources >= 2 && wider(o[2].type, o[1].type) && exchanged(family) != family_count) {
         std::swap(o[1], o[2]);
         family = exchanged(family);
     }
 
     const uint32_t dst = o[0].type;
-    bool formed = dst < 16;
-    for (int i = 1; i <= sources; ++i) formed = formed && o[i].type < 16;
+    uint32_t codes = 0;
+    for (int i = 0; i <= sources; ++i) codes |= o[i].type;
+    const bool formed = codes < 16;
     if (const int line = formed ? find_line(family, key_of(call, sources, dst)) : -1; line >= 0) {
         if (family == family_add && same_memory(shape, o[1], o[2]) && add_to_itself(call)) return JORM_OK;
-        return run_kernel(family, line, shape.channels, std::move(call));
+        return run(family, line, shape, call);
     }
 
     uint32_t widest = o[1].type;

@@ -14,6 +14,13 @@ struct ArithCall {
     Operand operand[1 + max_sources]; // the destination first
     const double *constant[2];
     int32_t p;
+
+    // Leaves the operands that the call does not have uninitialised.
+    template <class... Operands>
+    ArithCall(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, const double *constant1,
+              const double *constant2, int32_t p, const Operands &...operands)
+        : xe(xe), options(options), word(word), size(size), operand{operands...}, constant{constant1, constant2}, p(p) {
+    }
 };
 
 // Orders the sources, finds the kernel, goes through a scratch strip where the destination is narrower than a source.
@@ -22,15 +29,37 @@ int64_t dispatch(Family family, ArithCall &&call);
 // Runs the kernel in this line of the family's list on `channels` interleaved channels: the typed kernels.
 int64_t run_kernel(Family family, int line, int channels, ArithCall &&call);
 
+// Where the keys of a list stand in it: hashed, with the next free slot for what meets.
+struct KeyIndex {
+    static constexpr uint32_t slots = 128;
+    int8_t line[slots];
+
+    static constexpr uint32_t first_slot(uint32_t key) { return key * 0x9E3779B1u >> 25; }
+    template <int N> constexpr explicit KeyIndex(const uint32_t (&keys)[N]) : line() {
+        static_assert(N <= int(slots) / 2);
+        for (int8_t &l : line) l = -1;
+        for (int8_t i = 0; i < N; ++i) {
+            uint32_t slot = first_slot(keys[i]);
+            while (line[slot] >= 0) slot = (slot + 1) % slots;
+            line[slot] = i;
+        }
+    }
+};
+
 // How a family is called, and the keys of its list: the types of the destination and the sources, four bits each.
 struct FamilyKeys {
     int8_t sources, constants;
-    int16_t count;
     const uint32_t *keys;
+    KeyIndex index;
 };
 extern const FamilyKeys family_keys[family_count];
 
 // The line of the list with these types, -1 when there is none.
-int find_line(Family family, uint32_t key);
+inline int find_line(Family family, uint32_t key) {
+    const FamilyKeys &f = family_keys[family];
+    for (uint32_t slot = KeyIndex::first_slot(key); f.index.line[slot] >= 0; slot = (slot + 1) % KeyIndex::slots)
+        if (f.keys[f.index.line[slot]] == key) return f.index.line[slot];
+    return -1;
+}
 
 } // namespace jorm

@@ -18,8 +18,9 @@ template <class Adapter, int N> Adapter *select_adapter(const FrontRow<Adapter> 
 }
 
 // Negotiates and goes on only with arrays of three axes.
-int64_t prepare(Front &front, const jorm_array *dst, const jorm_site *roi, std::initializer_list<FrontSource> sources) {
-    const int64_t status = negotiate(front, dst, roi, sources);
+template <int N>
+int64_t prepare(Front &front, const jorm_array *dst, const jorm_site *roi, FrontSource (&&sources)[N]) {
+    const int64_t status = negotiate(front, dst, roi, sources, N);
     if (status != JORM_OK) return status;
     return dst->ndims > 3 ? JORM_ENOTSUP : JORM_OK;
 }

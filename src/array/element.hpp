@@ -7,8 +7,8 @@ namespace jorm {
 
 // Bytes of one element; 0 where the code's size class has none.
 constexpr int32_t element_size(uint32_t code) {
-    constexpr int8_t bytes[8] = {0, 1, 2, 4, 8, 4, 8, 0};
-    return bytes[code & 7];
+    constexpr uint32_t bytes = 0x08484210; // four bits for each size class
+    return int32_t(bytes >> (code & 7) * 4 & 15);
 }
 
 // Code 15 is well formed although it has no size: it is a request that nothing supports.

@@ -78,8 +78,9 @@ inline int32_t vec_positive(int32_t n, const int32_t *v) {
 }
 
 inline int64_t vec_mkloff(int32_t n, const int32_t *index, const int32_t *stride) {
+    if (!index || !stride) return 0;
     uint64_t sum = 0;
-    for (int32_t i = 0; index && stride && i < n; ++i) sum += uint64_t(int64_t(index[i]) * stride[i]);
+    for (int32_t i = 0; i < n; ++i) sum += uint64_t(int64_t(index[i]) * stride[i]);
     return int64_t(sum);
 }
 

@@ -1,5 +1,6 @@
 // Copies of blocks that may reach outside the image, completed by a border rule.
 #include "convert/copy_front.hpp"
+#include "jorm/array.h"
 #include "jorm/copy.h"
 
 #include <algorithm>
@@ -188,10 +189,10 @@ int64_t copy_mkb(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jor
         src = dst;
         if (!at && roi) at = roi->origin;
     }
-    if (check_operands(dst, {{src, at}}) != JORM_OK || dst->ndims != src->ndims || dst->eltype != src->eltype)
+    if (check_operands(dst, {src, at}) != JORM_OK || dst->ndims != src->ndims || dst->eltype != src->eltype)
         return JORM_EINVAL;
     Front f;
-    if (const int64_t status = negotiate(f, dst, roi, {}); status != JORM_OK) return status;
+    if (const int64_t status = negotiate(f, dst, roi); status != JORM_OK) return status;
 
     // The image, and where the block begins in it.
     jorm_site image;

@@ -61,7 +61,7 @@ JORM_API int64_t JormTGAfill(jorm_xe *xe, uint64_t options, const double *values
 JORM_API int64_t JormFill(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_site *roi,
                           const double *values) {
     Front f;
-    if (const int64_t status = negotiate(f, dst, roi, {}); status != JORM_OK) return status;
+    if (const int64_t status = negotiate(f, dst, roi); status != JORM_OK) return status;
     const Operand to = start_operand(f, 0);
     if (dst->ndims < 4) return JormTGAfill(xe, options, values, f.word, f.sizes(), SLICE(to));
     jorm_pack pack;

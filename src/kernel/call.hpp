@@ -11,7 +11,11 @@ struct Operand {
     uint32_t type;
     char *start;
     const int32_t *stride;
-    bool by_pixel = false; // one element for all channels of a pixel: a mask
+    bool by_pixel; // one element for all channels of a pixel: a mask
+
+    Operand() {} // arrays of operands have room for more than a call uses
+    Operand(uint32_t type, char *start, const int32_t *stride, bool by_pixel = false)
+        : type(type), start(start), stride(stride), by_pixel(by_pixel) {}
 };
 inline Operand operand(uint32_t type, const void *start, const int32_t *stride) {
     return {type, static_cast<char *>(const_cast<void *>(start)), stride};

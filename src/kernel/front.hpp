@@ -3,8 +3,6 @@
 #include "jorm/types.h"
 #include "kernel/row.hpp"
 
-#include <initializer_list>
-
 namespace jorm {
 
 // An operation code: four characters, the first in the highest byte.
@@ -26,7 +24,7 @@ struct FrontOperand {
     uint32_t type;
     char *base;
     int32_t origin[4];
-    int32_t stride[4];
+    const int32_t *stride; // the array's own
 };
 
 // The operands of one call, the destination first. Vectors are whole; `first` is the first used slot.
@@ -44,11 +42,19 @@ struct Front {
 // Checks the destination and the sources, negotiates the region and fills the front. A null first source means the
 // destination itself. The region may narrow the channels; those of a source start at the channel slot of its start
 // point. Four-axis arrays pass here; the caller decides about them by word. Returns a status.
-int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *roi,
-                  std::initializer_list<FrontSource> sources);
+int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *roi, FrontSource *sources, int count);
+
+template <int N>
+int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *roi, FrontSource (&&sources)[N]) {
+    static_assert(N <= max_sources);
+    return negotiate(front, dst, roi, sources, N);
+}
+inline int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *roi) {
+    return negotiate(front, dst, roi, nullptr, 0);
+}
 
 // The check of the descriptors alone, for fronts that negotiate by rules of their own.
-int64_t check_operands(const jorm_array *dst, std::initializer_list<FrontSource> sources);
+int64_t check_operands(const jorm_array *dst, const FrontSource &source);
 
 // An operand whose region starts at `origin` (four slots), with the linear offset folded in.
 void fold_operand(FrontOperand &o, const jorm_array &a, const int32_t *origin);

@@ -66,29 +66,35 @@ bool dense(const WalkOperand &o) { return o.stride == o.element && o.repeat == 1
 // The operands that are arrays.
 int first_array(const Walk &w) { return w.kind == WalkKind::reduce ? 1 : 0; }
 
-bool all_dense(const Walk &w) { return std::all_of(w.operand + first_array(w), w.operand + w.operands, dense); }
+bool all_dense(const Walk &w) {
+    bool all = true;
+    for (int i = first_array(w); i < w.operands; ++i) all &= dense(w.operand[i]);
+    return all;
+}
 
 // One axis where the layout allows it: rows of one element, and rows that follow each other in every operand.
 void merge_rows(Walk &w) {
     int64_t merged;
-    if (__builtin_mul_overflow(w.rows, w.length, &merged)) return;
-    if (w.length == 1)
-        for (int i = first_array(w); i < w.operands; ++i) w.operand[i].stride = w.operand[i].row_stride;
-    else {
-        if (w.rows == 1) return;
-        for (int i = first_array(w); i < w.operands; ++i)
-            if (w.operand[i].row_stride != w.length / w.operand[i].repeat * w.operand[i].stride) return;
+    if (w.rows == 1 || __builtin_mul_overflow(w.rows, w.length, &merged)) return;
+    for (int i = first_array(w); i < w.operands; ++i) {
+        WalkOperand &o = w.operand[i];
+        if (w.length == 1)
+            o.stride = o.row_stride;
+        else if (o.row_stride != (o.repeat == 1 ? w.length : w.length / o.repeat) * o.stride)
+            return;
     }
     w.length = merged;
     w.rows = 1;
 }
 
-// Streaming pays when the destination is not among the sources, whose lines are in the cache anyway.
+// Dense data: streaming pays when the destination is not among the sources, whose lines are in the cache anyway.
 bool wants_streaming(const Walk &w) {
-    double bytes = 0;
-    for (int i = 0; i < w.operands; ++i) bytes += double(w.rows) * double(w.length) * w.operand[i].element;
-    if (bytes < (w.operands > 2 ? streaming_bytes_more : streaming_bytes_one)) return false;
-    if (w.kind != WalkKind::map || !all_dense(w)) return false;
+    int32_t elements = 0;
+    for (int i = 0; i < w.operands; ++i) elements += w.operand[i].element;
+    if (const double bytes = double(w.rows) * double(w.length) * elements;
+        bytes < (w.operands > 2 ? streaming_bytes_more : streaming_bytes_one))
+        return false;
+    if (w.kind != WalkKind::map) return false;
     auto low = [&](const WalkOperand &o) { return o.start + std::min<int64_t>(0, (w.rows - 1) * o.row_stride); };
     auto high = [&](const WalkOperand &o) {
         return o.start + std::max<int64_t>(0, (w.rows - 1) * o.row_stride) + o.element * w.length;

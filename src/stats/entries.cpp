@@ -16,7 +16,7 @@ struct StatFront {
 
     int64_t negotiate(jorm_xe *xe, uint64_t options, const jorm_array *src, const jorm_site *roi) {
         if (!few_channels(src)) return JORM_EINVAL;
-        if (const int64_t status = jorm::negotiate(f, src, roi, {}); status != JORM_OK) return status;
+        if (const int64_t status = jorm::negotiate(f, src, roi); status != JORM_OK) return status;
         begin(xe, options, *src, roi);
         return JORM_OK;
     }

@@ -1,0 +1,174 @@
+// What the tests share: random numbers, elements of any type, arrays in any layout, the levels.
+#pragma once
+#include "jorm/array.h"
+#include "jorm/xe.h"
+#include "xe/level.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <random>
+#include <vector>
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+using Index = std::array<int32_t, 4>;
+constexpr double nan = NAN, inf = INFINITY;
+
+struct Random : std::mt19937 {
+    using std::mt19937::mt19937;
+    int in(int low, int high) { return std::uniform_int_distribution<int>(low, high)(*this); }
+    bool one_in(int n) { return (*this)() % unsigned(n) == 0; }
+    template <class List> auto of(const List &list) { return list[(*this)() % std::size(list)]; }
+};
+
+// Random bits, fast.
+inline void scramble(Random &r, Bytes &bytes) {
+    uint32_t x = uint32_t(r());
+    for (uint8_t &byte : bytes) byte = uint8_t((x = x * 1664525 + 1013904223) >> 24);
+}
+
+// The switch chooses the base level, the limit one of the others.
+inline void use_level(int level) {
+    _G_jorm_use_simd = level != jorm::level_base;
+    jorm::limit_level(jorm::Level(level));
+}
+
+// ---- Elements ----
+
+inline int bytes_of(uint32_t type) { return "\0\1\2\4\10\4\10"[type & 7]; }
+inline double lowest(uint32_t type) { return type < 8 ? 0 : -std::ldexp(1, 8 * bytes_of(type) - 1); }
+inline double highest(uint32_t type) { return std::ldexp(1, 8 * bytes_of(type) - (type > 8)) - 1; }
+
+// What a value becomes in a type: rounded to nearest even into 32 bits, then clamped.
+inline double converted(uint32_t type, double v) {
+    if (type >= JORM_F32) return type == JORM_F32 ? float(v) : v;
+    v = std::nearbyint(v);
+    return std::clamp(v >= INT32_MIN && v <= INT32_MAX ? v : INT32_MIN, lowest(type), highest(type));
+}
+
+inline double load(uint32_t type, const void *p) {
+    const auto as = [p](auto v) { return std::memcpy(&v, p, sizeof v), double(v); };
+    if (type == JORM_F32 || type == JORM_F64) return type == JORM_F32 ? as(float()) : as(double());
+    if (type == JORM_S32 || type == JORM_S16) return type == JORM_S32 ? as(int32_t()) : as(int16_t());
+    return type == JORM_S8 ? as(int8_t()) : as(uint8_t());
+}
+
+inline void store(uint32_t type, void *p, double v) {
+    const float f = float(v);
+    const int64_t i = type < JORM_F32 ? int64_t(v) : 0;
+    const void *const from = type == JORM_F64 ? static_cast<const void *>(&v) : type == JORM_F32 ? &f : nullptr;
+    std::memcpy(p, from ? from : &i, size_t(bytes_of(type)));
+}
+
+// Equal down to the sign of a zero; any NaN is a NaN.
+inline bool same(double a, double b) {
+    return std::isnan(a) ? std::isnan(b) : a == b && std::signbit(a) == std::signbit(b);
+}
+
+// ---- Arrays ----
+
+template <class F> void each(const Index &size, F f) {
+    for (int z = 0; z < size[0]; ++z)
+        for (int y = 0; y < size[1]; ++y)
+            for (int x = 0; x < size[2]; ++x)
+                for (int c = 0; c < size[3]; ++c) f(Index{z, y, x, c});
+}
+inline Index sum(const Index &a, const Index &b) { return {a[0] + b[0], a[1] + b[1], a[2] + b[2], a[3] + b[3]}; }
+
+inline Index extent_of(const jorm_array &a) {
+    const uint32_t *const e = a.extent, code = e[3];
+    return {a.ndims == 4 ? int(e[0]) : 1, int(e[1]), int(e[2]), int((code & 7) + (code >> 3 & 1))};
+}
+inline int64_t offset_of(const jorm_array &a, const Index &i) {
+    int64_t offset = a.loff;
+    for (int k = 4 - a.ndims; k < 4; ++k) offset += int64_t(i[size_t(k)]) * a.stride[k];
+    return offset;
+}
+inline uint8_t *element(const jorm_array &a, const Index &i) {
+    return static_cast<uint8_t *>(a.base) + offset_of(a, i);
+}
+
+// Strides for an extent: plain, or axes in any order in memory, with gaps and backwards, each with some chance. The
+// lowest byte lies at the base; the number of bytes is returned too.
+inline std::pair<jorm_array, int64_t> lay_out(Random &r, uint32_t type, int ndims, const Index &extent,
+                                              bool plain = false) {
+    jorm_array a = {};
+    const int element = bytes_of(type);
+    Index order = {3, 2, 1, 0};
+    if (!plain && r.one_in(3)) std::shuffle(order.begin(), order.end(), r);
+    int64_t span = element, first = 0;
+    for (int k : order) {
+        const int n = extent[size_t(k)];
+        a.extent[k] = a.parent_extent[k] = uint32_t(n);
+        a.stride[k] = 12344; // not read for three axes
+        if (k < 4 - ndims) continue;
+        const int64_t step = span + (!plain && r.one_in(3) ? element * r.in(1, 2) : 0);
+        const bool backwards = !plain && r.one_in(5);
+        a.stride[k] = int32_t(backwards ? -step : step);
+        first += backwards ? (n - 1) * step : 0;
+        span += (n - 1) * step;
+    }
+    if (extent[3] == 4 && !plain && r.one_in(2)) a.extent[3] = 11; // another code for four channels
+    a.ndims = uint16_t(ndims);
+    a.eltype = type;
+    a.loff = int32_t(first);
+    return {a, span};
+}
+
+// Where a region starts in each operand, and its size.
+struct Region {
+    Index origin[4], size;
+    bool empty = false;
+};
+
+// What the operands have in common: the region of the first, the destination, cut by what the others have from their
+// start points on; the last one before the others. A mask of one channel, which then is the last, stands for all.
+inline Region common_region(const std::vector<const jorm_array *> &arrays, const jorm_site *roi,
+                            const std::vector<const int32_t *> &starts, bool masked = false) {
+    Region region = {};
+    const Index whole = extent_of(*arrays[0]);
+    const size_t last = arrays.size() - 1;
+    for (size_t k = 0; k < 4; ++k) {
+        const int low = roi ? std::max(0, roi->origin[k]) : 0;
+        int &n = region.size[k] = (roi ? std::min(whole[k], roi->origin[k] + roi->size[k]) : whole[k]) - low;
+        region.origin[0][k] = low;
+        for (size_t i = last; i > 0; --i) {
+            const int extent = extent_of(*arrays[i])[k], start = starts[i - 1] ? starts[i - 1][k] : 0;
+            if (k == 3 && masked && i == last && extent == 1) continue;
+            const int from = region.origin[i][k] = std::max(0, start);
+            n = i == last ? std::min(n, extent - std::abs(start)) : std::min(start + n, extent) - from;
+        }
+        region.empty |= n <= 0;
+    }
+    return region;
+}
+
+// An array in memory of its own, which is full of random bits and reaches beyond the array on both sides.
+struct Picture {
+    jorm_array a;
+    Bytes memory;
+
+    Picture(Random &r, uint32_t type, const Index &extent, bool plain = false, int ndims = 3) {
+        const auto [array, span] = lay_out(r, type, ndims, extent, plain);
+        const int before = 64 + bytes_of(type) * r.in(0, 15);
+        a = array;
+        memory.resize(size_t(before + span + 64));
+        scramble(r, memory);
+        const bool at_start = r.one_in(2);
+        a.base = memory.data() + (at_start ? 0 : before);
+        a.loff += at_start ? before : 0;
+    }
+    Picture(Picture &&) = default; // the memory stays where it is
+    uint8_t *at(const Index &i) const { return element(a, i); }
+    double get(const Index &i) const { return load(a.eltype, at(i)); }
+    template <class F> void fill(F value) {
+        each(extent_of(a), [&](const Index &i) { store(a.eltype, at(i), value()); });
+    }
+};
+
+} // namespace
