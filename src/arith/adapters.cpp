@@ -4,8 +4,14 @@
 using namespace jorm;
 
 #define DEFINE(adapter, dispatcher, shape, family)                                                                     \
-    JORM_API int64_t adapter(shape##_PARAMS(A)) { return dispatch(family, shape##_CALL(A)); }                          \
-    JORM_API int64_t dispatcher(shape##_PARAMS(D)) { return dispatch(family, shape##_CALL(D)); }
+    JORM_API int64_t adapter(shape##_PARAMS(A)) {                                                                      \
+        shape##_CALL(A);                                                                                               \
+        return dispatch(family, call);                                                                                 \
+    }                                                                                                                  \
+    JORM_API int64_t dispatcher(shape##_PARAMS(D)) {                                                                   \
+        shape##_CALL(D);                                                                                               \
+        return dispatch(family, call);                                                                                 \
+    }
 
 DEFINE(jorma_add, jorma__add, BINARY, family_add)
 DEFINE(jorma_addq, jorma__addq, BINARY, family_addq)
@@ -43,7 +49,10 @@ DEFINE(jorma_ln, jorma__ln, UNARY, family_ln)
 DEFINE(jorma_neg, jorma__neg, UNARY, family_neg)
 DEFINE(jorma_negq, jorma__negq, UNARY, family_negq)
 DEFINE(jorma_not, jorma__not, NOT, family_not_)
-JORM_API int64_t jorma__sqr(UNARY_PARAMS(D)) { return dispatch(family_sqr, UNARY_CALL(D)); }
+JORM_API int64_t jorma__sqr(UNARY_PARAMS(D)) {
+    UNARY_CALL(D);
+    return dispatch(family_sqr, call);
+}
 
 DEFINE(jorma_mla, jorma__mla, TERNARY, family_mla)
 DEFINE(jorma_mls, jorma__mls, TERNARY, family_mls)

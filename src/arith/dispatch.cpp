@@ -213,20 +213,22 @@ int64_t run_through_strip(Family family, int line, uint32_t type, const Shape &s
         for (int32_t x = 0; x < shape.pixels; x += columns) {
             const int32_t size[3] = {std::min(height, shape.rows - y), std::min(columns, shape.pixels - x),
                                      shape.channels};
-            ArithCall part = call;
-            part.word = JORM_WORD(3);
-            part.size = size;
             int32_t stride[1 + max_sources][3];
+            Operand operands[1 + max_sources];
             for (int i = 0; i <= sources; ++i) {
-                Operand &o = part.operand[i];
+                Operand &o = operands[i] = call.operand[i];
                 stride[i][0] = row_stride(shape, o);
                 stride[i][1] = pixel_stride(shape, o);
                 stride[i][2] = channel_stride(shape, o);
                 o.start += int64_t(y) * stride[i][0] + int64_t(x) * stride[i][1];
                 o.stride = stride[i];
             }
-            const Operand dst = part.operand[0];
-            part.operand[0] = operand(type, strip.get(), strip_stride);
+            const Operand dst = operands[0];
+            operands[0] = operand(type, strip.get(), strip_stride);
+            ArithCall part = call;
+            part.word = JORM_WORD(3);
+            part.size = size;
+            part.operand = operands;
             const Shape part_shape = {3, size[0], size[1], shape.channels, 0};
             int64_t status = run(family, line, part_shape, part);
             if (status == JORM_OK)
@@ -274,7 +276,7 @@ bool add_to_itself(const ArithCall &call) {
     static constexpr double two[4] = {2, 2, 2, 2};
     ArithCall twice = call;
     twice.constant[0] = two;
-    return dispatch(family_mulC, std::move(twice)) == JORM_OK;
+    return dispatch(family_mulC, twice) == JORM_OK;
 }
 
 int64_t check(const FamilyKeys &keys, Shape &shape, const ArithCall &call) {
@@ -287,7 +289,7 @@ int64_t check(const FamilyKeys &keys, Shape &shape, const ArithCall &call) {
 
 } // namespace
 
-int64_t run_kernel(Family family, int line, int channels, ArithCall &&call) {
+int64_t run_kernel(Family family, int line, int channels, ArithCall &call) {
     const FamilyKeys &keys = family_keys[family];
     Shape shape;
     if (line < 0) return JORM_EINVAL;
@@ -298,7 +300,7 @@ int64_t run_kernel(Family family, int line, int channels, ArithCall &&call) {
     return run(family, line, shape, call);
 }
 
-int64_t dispatch(Family family, ArithCall &&call) {
+int64_t dispatch(Family family, ArithCall &call) {
     Shape shape;
     if (const int64_t status = check(family_keys[family], shape, call); status != JORM_OK) return status;
     if ((call.options & JORM_OPT_CHANNELS) == 0) call.options |= uint64_t(shape.selected) << 4;

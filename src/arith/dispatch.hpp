@@ -11,23 +11,16 @@ struct ArithCall {
     uint64_t options;
     uint32_t word;
     const int32_t *size;
-    Operand operand[1 + max_sources]; // the destination first
-    const double *constant[2];
+    Operand *operand; // the destination first
     int32_t p;
-
-    // Leaves the operands that the call does not have uninitialised.
-    template <class... Operands>
-    ArithCall(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, const double *constant1,
-              const double *constant2, int32_t p, const Operands &...operands)
-        : xe(xe), options(options), word(word), size(size), operand{operands...}, constant{constant1, constant2}, p(p) {
-    }
+    const double *constant[2];
 };
 
 // Orders the sources, finds the kernel, goes through a scratch strip where the destination is narrower than a source.
-int64_t dispatch(Family family, ArithCall &&call);
+int64_t dispatch(Family family, ArithCall &call);
 
 // Runs the kernel in this line of the family's list on `channels` interleaved channels: the typed kernels.
-int64_t run_kernel(Family family, int line, int channels, ArithCall &&call);
+int64_t run_kernel(Family family, int line, int channels, ArithCall &call);
 
 // Where the keys of a list stand in it: hashed, with the next free slot for what meets.
 struct KeyIndex {

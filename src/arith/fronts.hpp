@@ -1,5 +1,5 @@
-// The shared front ends of element-wise arithmetic and logic. Each selects the adapter by the operation code among its
-// own rows, then checks, negotiates and folds; an unknown code is JORM_EINVAL.
+// The shared front ends of element-wise arithmetic and logic. Each selects the family by the operation code among its
+// own rows, then checks and negotiates; an unknown code is JORM_EINVAL.
 #pragma once
 #include "jorm/types.h"
 

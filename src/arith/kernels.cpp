@@ -10,7 +10,8 @@ using namespace jorm;
     JORM_API int64_t name(shape##_PARAMS(K)) {                                                                         \
         constexpr int line = line_of(list, k);                                                                         \
         static_assert(line >= 0);                                                                                      \
-        return run_kernel(family, line, channels, shape##_CALL(K));                                                    \
+        shape##_CALL(K);                                                                                               \
+        return run_kernel(family, line, channels, call);                                                               \
     }
 #define UNARY(name, D, A) KERNEL(name, 1, UNARY, key(D, A))
 #define NOT(name, D, A) KERNEL(name, 1, NOT, key(D, A))

@@ -1,34 +1,14 @@
-// The argument lists of the element-wise functions, once for every layer and shape.
-//
-// Layers: K typed kernels (start pointers and strides), D dispatchers (with element types), A adapters (bases, with
-// types and origins). Shapes: how many sources and constants there are, and whether p and q follow.
+// The argument lists of the element-wise functions, once for every layer and shape: how many sources and constants there
+// are, and whether p and q follow.
 #pragma once
 #include "arith/dispatch.hpp"
-#include "array/vec.hpp"
 #include "jorm/arith.h"
+#include "kernel/arguments.hpp"
 
-namespace jorm {
-
-// Null, which every dispatcher refuses, for a word of more slots than a vector has.
-inline const void *start_of(uint32_t word, const void *base, const int32_t *origin, const int32_t *stride) {
-    if (!base || word_slots(word) > 4) return nullptr;
-    return static_cast<const char *>(base) +
-           vec_mkloff(word_slots(word), at_slot0(word, origin), at_slot0(word, stride));
-}
-
-} // namespace jorm
-
-#define K_PARAMS(cv, x) cv void *x, const int32_t *x##_stride
-#define D_PARAMS(cv, x) uint32_t x##_type, cv void *x, const int32_t *x##_stride
-#define A_PARAMS(cv, x) uint32_t x##_type, cv void *x, const int32_t *x##_origin, const int32_t *x##_stride
-
-#define K_OPERAND(x) jorm::operand(0, x, x##_stride)
-#define D_OPERAND(x) jorm::operand(x##_type, x, x##_stride)
-#define A_OPERAND(x) jorm::operand(x##_type, jorm::start_of(word, x, x##_origin, x##_stride), x##_stride)
-
-#define LEAD_PARAMS jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size
+// Defines `call`, the arguments of a function as one record.
 #define CALL(constant1, constant2, p, ...)                                                                             \
-    jorm::ArithCall(xe, options, word, size, constant1, constant2, p, __VA_ARGS__)
+    jorm::Operand operands[] = {__VA_ARGS__};                                                                          \
+    jorm::ArithCall call = {xe, options, word, size, operands, p, {constant1, constant2}}
 
 #define NOT_PARAMS(L) LEAD_PARAMS, L##_PARAMS(, dst), L##_PARAMS(const, src)
 #define NOT_CALL(L) CALL(nullptr, nullptr, 0, L##_OPERAND(dst), L##_OPERAND(src))

@@ -213,14 +213,13 @@ int64_t copy_mkb(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jor
     // Planes are not made up: those of the block that the image has.
     const int32_t skipped = std::max(0, -start[0]);
     f.size[0] = std::min(f.size[0] - skipped, image.size[0] - start[0] - skipped);
-    f.operand[0].origin[0] += skipped;
+    f.operand[0].start += int64_t(skipped) * dst->stride[0];
     origin[0] += start[0] + skipped;
     image.size[0] = f.size[0];
     start[0] = 0;
-    fold_operand(f.operand[1], *src, origin);
 
     const int axes = dst->ndims, first = f.first;
-    Operand to = start_operand(f, 0), from = start_operand(f, 1);
+    Operand to = f.operand[0], from = operand_at(*src, origin);
     Detached detached;
     if (may_meet(axes, f.size[3], f.sizes(), to, image.size + first, from) && !stands_in(to, from, start + first, axes))
         if (const int64_t status = detached.move(xe, options, axes, image.size + first, f.size[3], from);

@@ -1,5 +1,4 @@
 // Conversion: how the map between values follows from scales, offsets and ranges, and the front ends.
-#include "arith/signatures.hpp"
 #include "convert/copy_front.hpp"
 #include "jorm/arith.h"
 #include "jorm/convert.h"
@@ -121,7 +120,7 @@ int64_t front(uint32_t opcode, jorm_xe *xe, uint64_t options, const jorm_array *
     if (dst && src && (dst->ndims != src->ndims || dst->extent[0] != src->extent[0])) return JORM_EINVAL;
     Front f;
     if (const int64_t status = negotiate(f, dst, roi, {{src, at}}); status != JORM_OK) return status;
-    const Slice whole = {xe, options, f.word, f.sizes(), start_operand(f, 0), start_operand(f, 1)};
+    const Slice whole = {xe, options, f.word, f.sizes(), f.operand[0], f.operand[1]};
     Mapping m;
     if (const int64_t status = settle(m, whole); status != JORM_OK) return status;
     if (dst->ndims < 4) return run(m, whole);

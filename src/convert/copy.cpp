@@ -35,7 +35,7 @@ JORM_API int64_t JormCopy(jorm_xe *xe, uint64_t options, const jorm_array *dst, 
     if (dst && src && dst->eltype != src->eltype) return JORM_EINVAL;
     Front f;
     if (const int64_t status = negotiate(f, dst, roi, {{src, at}}); status != JORM_OK) return status;
-    const Operand to = start_operand(f, 0), from = start_operand(f, 1);
+    const Operand &to = f.operand[0], &from = f.operand[1];
     if (dst->ndims < 4) return JormTGAcopy(xe, options, nullptr, f.word, f.sizes(), SLICE(to), SLICE(from));
     // Planes that overlap other planes are copied in an order of their own.
     if (well_formed(to.type) && element_size(to.type) > 0 && may_meet(4, f.size[3], f.size, to, f.size, from))
@@ -77,8 +77,8 @@ JORM_API int64_t JormCopyEx(jorm_xe *xe, uint64_t options, const jorm_array *dst
     Front f;
     if (const int64_t status = negotiate(f, dst, roi, {{src, at}, {mask, at_mask, Role::mask}}); status != JORM_OK)
         return status;
-    const CopyExParams params = {masks_pixels(mask, dst)};
-    Operand to = start_operand(f, 0), from = start_operand(f, 1), by = start_operand(f, 2, params.by_pixel);
+    Operand &to = f.operand[0], &from = f.operand[1], &by = f.operand[2];
+    const CopyExParams params = {by.by_pixel};
     if (const int64_t status = check_masked(to.type, by.type); status != JORM_OK) return status;
     Detached source, selection;
     if (const int64_t status = source.move_from(to, xe, options, f, from); status != JORM_OK) return status;

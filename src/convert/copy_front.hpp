@@ -1,8 +1,8 @@
 // What the front ends of copies and fills share.
 #pragma once
-#include "arith/signatures.hpp"
-#include "array/vec.hpp"
 #include "convert/copy_block.hpp"
+#include "jorm/arith.h"
+#include "kernel/arguments.hpp"
 #include "kernel/front.hpp"
 #include "kernel/proc.hpp"
 #include "xe/scratch.hpp"
@@ -10,16 +10,6 @@
 #include <optional>
 
 namespace jorm {
-
-// The start pointer of a negotiated operand.
-inline Operand start_operand(const Front &f, int i, bool by_pixel = false) {
-    const FrontOperand &o = f.operand[i];
-    return {o.type, o.base + vec_mkloff(4, o.origin, o.stride), f.stride(i), by_pixel};
-}
-
-inline bool masks_pixels(const jorm_array *mask, const jorm_array *dst) {
-    return stored_channels(mask->extent[3]) == 1 && stored_channels(dst->extent[3]) != 1;
-}
 
 // Scratch memory for an operand that the destination would overwrite before it is read.
 class Detached {

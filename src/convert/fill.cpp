@@ -62,7 +62,7 @@ JORM_API int64_t JormFill(jorm_xe *xe, uint64_t options, const jorm_array *dst, 
                           const double *values) {
     Front f;
     if (const int64_t status = negotiate(f, dst, roi); status != JORM_OK) return status;
-    const Operand to = start_operand(f, 0);
+    const Operand &to = f.operand[0];
     if (dst->ndims < 4) return JormTGAfill(xe, options, values, f.word, f.sizes(), SLICE(to));
     jorm_pack pack;
     return jorma_call(jorma_genpackL(&pack, fourcc("fill"), to_proc(JormTGAfill), xe, options, values, f.word, 3,
@@ -111,8 +111,8 @@ int64_t fill_ex(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm
     Front f;
     const int64_t status = negotiate(f, dst, roi, {{mask, at_mask, Role::mask}});
     if (status != JORM_OK) return status;
-    params.by_pixel = masks_pixels(mask, dst);
-    Operand to = start_operand(f, 0), by = start_operand(f, 1, params.by_pixel);
+    Operand &to = f.operand[0], &by = f.operand[1];
+    params.by_pixel = by.by_pixel;
     if (const int64_t type_status = check_masked(to.type, by.type); type_status != JORM_OK) return type_status;
     Detached selection;
     if (const int64_t moved = selection.move_from(to, xe, options, f, by); moved != JORM_OK) return moved;

@@ -42,7 +42,7 @@ inline int32_t pixel_stride(const Shape &s, const Operand &o) { return o.stride[
 inline int32_t channel_stride(const Shape &s, const Operand &o) { return o.stride[s.axes - 1]; }
 
 // Do the channels of every operand fold into the rows: are the pixels dense?
-template <int N> bool channels_fold(const Shape &s, const Operand (&operands)[N], int count) {
+inline bool channels_fold(const Shape &s, const Operand *operands, int count) {
     for (int i = 0; i < count && s.channels > 1; ++i)
         if (!operands[i].by_pixel &&
             (channel_stride(s, operands[i]) != element_size(operands[i].type) ||
@@ -52,8 +52,7 @@ template <int N> bool channels_fold(const Shape &s, const Operand (&operands)[N]
 }
 
 // The walk over all channels folded into the rows (channel < 0), or over one of them.
-template <int N> Walk make_walk(const Shape &s, const Operand (&operands)[N], int count, int channel) {
-    static_assert(N == 1 + max_sources);
+inline Walk make_walk(const Shape &s, const Operand *operands, int count, int channel) {
     const bool fold = channel < 0 && s.channels > 1;
     Walk w;
     w.rows = s.rows;
@@ -70,9 +69,8 @@ template <int N> Walk make_walk(const Shape &s, const Operand (&operands)[N], in
 }
 
 // Runs the row over all channels, folded where the layout allows it, else one after the other.
-template <int N>
-void walk_channels(const Shape &s, const Operand (&operands)[N], int count, Row row, const RowParams &params,
-                   WalkKind kind = WalkKind::map) {
+inline void walk_channels(const Shape &s, const Operand *operands, int count, Row row, const RowParams &params,
+                          WalkKind kind = WalkKind::map) {
     const bool fold = channels_fold(s, operands, count);
     for (int c = 0; c < (fold ? 1 : s.channels); ++c) {
         Walk w = make_walk(s, operands, count, fold ? -1 : c);

@@ -30,49 +30,52 @@ bool agree(const jorm_array *dst, const FrontSource *source, int count) {
     return true;
 }
 
-// The region's part of the destination; every slot of it may be empty.
-void region_of_destination(int32_t *origin, int32_t *size, const jorm_array &dst, const jorm_site *roi) {
-    for (int i = 0; i < 3; ++i) size[i] = int32_t(dst.extent[i]);
-    size[3] = channels_of(dst);
-    for (int i = 0; i < 4; ++i) origin[i] = 0;
-    for (int i = 0; roi && i < 4; ++i) {
+// Written in place, member by member: copies of whole operands would wait for what was stored a moment before.
+void start(Operand &o, const jorm_array &a, const jorm_array &dst) {
+    o.type = a.eltype;
+    o.start = static_cast<char *>(a.base) + a.loff;
+    o.stride = a.stride + (4 - dst.ndims);
+    o.by_pixel = false;
+}
+
+void advance(Operand &o, const jorm_array &a, const int32_t *origin) { o.start += vec_mkloff(4, origin, a.stride); }
+
+// The destination from the region's origin on; every slot of the size may be empty.
+void fit_destination(Operand &o, int32_t *size, const jorm_array &a, const jorm_site *roi) {
+    start(o, a, a);
+    for (int i = 0; i < 3; ++i) size[i] = int32_t(a.extent[i]);
+    size[3] = channels_of(a);
+    if (!roi) return;
+    int32_t origin[4];
+    for (int i = 0; i < 4; ++i) {
         const Interval part = intersection(0, size[i], roi->origin[i], roi->size[i]);
         origin[i] = part.origin;
         size[i] = part.size;
     }
+    advance(o, a, origin);
 }
 
-// Cuts the common size down to what the source has from its start point on, and finds its origin. The last source, and
-// every one's planes, offer what the start point leaves of them; the others are asked for the common size there.
-void fit_source(int32_t *size, int32_t *origin, const FrontSource &source, bool last) {
+// Cuts the common size down to what a source has from its start point on. The last source, and every one's planes,
+// offer what the start point leaves of them; the others are asked for the common size there.
+void fit_source(Operand &o, int32_t *size, const FrontSource &source, const jorm_array &dst, bool last) {
     const jorm_array &a = *source.array;
-    for (int i = 0; i < 4; ++i) origin[i] = 0;
+    start(o, a, dst);
+    const bool one_channel = source.role == Role::mask && channels_of(a) == 1;
+    o.by_pixel = one_channel && channels_of(dst) != 1;
+    if (!source.at) {
+        for (int i = 0; i < 3; ++i) size[i] = std::min(size[i], int32_t(a.extent[i]));
+        return;
+    }
+    int32_t origin[4];
     for (int i = 0; i < 3; ++i) {
         const auto extent = int32_t(a.extent[i]);
-        int32_t part = extent;
-        if (source.at) {
-            part = intersection(0, extent, source.at[i], last || i == 0 ? extent : size[i]).size;
-            origin[i] = std::max(source.at[i], 0);
-        }
-        size[i] = std::min(size[i], part);
+        const bool all = last || i == 0;
+        size[i] = std::min(size[i], intersection(0, extent, source.at[i], all ? extent : size[i]).size);
+        origin[i] = std::max(source.at[i], 0);
     }
-    if (!source.at || (source.role == Role::mask && channels_of(a) == 1)) return;
-    origin[3] = std::max(source.at[3], 0);
-    size[3] = std::min(size[3], channels_of(a) - std::min(origin[3], 4));
-}
-
-// The offset of the first element goes into the origin; what the strides cannot express stays with the base.
-void fold_offset(FrontOperand &o, const jorm_array &a) {
-    const int64_t before = vec_mkloff(4, o.origin, a.stride);
-    vec_update_loff(4, o.origin, a.stride, a.loff);
-    o.base += a.loff - (vec_mkloff(4, o.origin, a.stride) - before);
-}
-
-void set_operand(FrontOperand &o, const jorm_array &a) {
-    o.type = a.eltype;
-    o.base = static_cast<char *>(a.base);
-    o.stride = a.stride;
-    if (a.loff != 0) fold_offset(o, a);
+    origin[3] = one_channel ? 0 : std::max(source.at[3], 0);
+    if (!one_channel) size[3] = std::min(size[3], channels_of(a) - std::min(origin[3], 4));
+    advance(o, a, origin);
 }
 
 } // namespace
@@ -87,9 +90,11 @@ bool describes_memory(const jorm_array *a) {
     return (steps & uint64_t(element - 1)) == 0;
 }
 
-void fold_operand(FrontOperand &o, const jorm_array &a, const int32_t *origin) {
-    std::copy(origin, origin + 4, o.origin);
-    set_operand(o, a);
+Operand operand_at(const jorm_array &a, const int32_t *origin) {
+    Operand o;
+    start(o, a, a);
+    advance(o, a, origin);
+    return o;
 }
 
 int64_t check_operands(const jorm_array *dst, const FrontSource &source) {
@@ -103,16 +108,14 @@ int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *roi, Fro
     }
     if (!agree(dst, source, count)) return JORM_EINVAL;
 
-    region_of_destination(front.operand[0].origin, front.size, *dst, roi);
-    if (count > 0) fit_source(front.size, front.operand[count].origin, source[count - 1], true);
-    for (int i = 0; i + 1 < count; ++i) fit_source(front.size, front.operand[1 + i].origin, source[i], false);
+    Operand *operand = front.operand;
+    fit_destination(operand[0], front.size, *dst, roi);
+    if (count > 0) fit_source(operand[count], front.size, source[count - 1], *dst, true);
+    for (int i = 1; i < count; ++i) fit_source(operand[i], front.size, source[i - 1], *dst, false);
     for (const int32_t n : front.size)
         if (n < 1) return JORM_EEMPTY;
-
     front.first = 4 - dst->ndims;
     front.word = JORM_WORD(dst->ndims);
-    set_operand(front.operand[0], *dst);
-    for (int i = 0; i < count; ++i) set_operand(front.operand[1 + i], *source[i].array);
     return JORM_OK;
 }
 

@@ -1,7 +1,7 @@
-// The steps that every front end takes before it calls an adapter: checks, negotiation, folding of offsets.
+// The steps that every front end takes first: checks, negotiation, start pointers.
 #pragma once
 #include "jorm/types.h"
-#include "kernel/row.hpp"
+#include "kernel/call.hpp"
 
 namespace jorm {
 
@@ -19,24 +19,16 @@ struct FrontSource {
     Role role = Role::source;
 };
 
-// An array ready for an adapter.
-struct FrontOperand {
-    uint32_t type;
-    char *base;
-    int32_t origin[4];
-    const int32_t *stride; // the array's own
-};
-
-// The operands of one call, the destination first. Vectors are whole; `first` is the first used slot.
+// The operands of one call, the destination first, at their start elements; strides from the first used slot on. A mask
+// of one channel beside several counts by pixel. The size vector is whole; `first` is its first used slot.
 struct Front {
     uint32_t word;
     int32_t first;
     int32_t size[4];
-    FrontOperand operand[1 + max_sources];
+    Operand operand[1 + max_sources];
 
     const int32_t *sizes() const { return size + first; }
-    const int32_t *origin(int i) const { return operand[i].origin + first; }
-    const int32_t *stride(int i) const { return operand[i].stride + first; }
+    int axes() const { return 4 - first; }
 };
 
 // Checks the destination and the sources, negotiates the region and fills the front. A null first source means the
@@ -56,8 +48,8 @@ inline int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *r
 // The check of the descriptors alone, for fronts that negotiate by rules of their own.
 int64_t check_operands(const jorm_array *dst, const FrontSource &source);
 
-// An operand whose region starts at `origin` (four slots), with the linear offset folded in.
-void fold_operand(FrontOperand &o, const jorm_array &a, const int32_t *origin);
+// An array as an operand that starts at `origin` (four slots); its strides from the first slot on that it uses.
+Operand operand_at(const jorm_array &a, const int32_t *origin);
 
 // An array that a descriptor can really describe: no null base, elements at multiples of their size.
 bool describes_memory(const jorm_array *a);

@@ -1,6 +1,6 @@
 // The layers of sums, means, extrema and value ranges: entries, per-slice entries, adapters, dispatchers.
-#include "arith/signatures.hpp"
 #include "array/vec.hpp"
+#include "kernel/arguments.hpp"
 #include "stats/gather.hpp"
 
 #include <algorithm>
@@ -27,18 +27,15 @@ struct StatFront {
             return status;
         begin(xe, options, *src, roi);
         source.masked = true;
-        source.mask = start(1);
+        source.mask = f.operand[1];
         return JORM_OK;
     }
 
 private:
     static bool few_channels(const jorm_array *src) { return src && stored_channels(src->extent[3]) < 4; }
-    Operand start(int i) const {
-        return operand(f.operand[i].type, start_of(f.word, f.operand[i].base, f.origin(i), f.stride(i)), f.stride(i));
-    }
     void begin(jorm_xe *xe, uint64_t options, const jorm_array &src, const jorm_site *roi) {
         if ((options & JORM_OPT_CHANNELS) == 0) options |= src.extent[3] & JORM_OPT_CHANNELS;
-        source = {xe, options, f.word, f.sizes(), start(0)};
+        source = {xe, options, f.word, f.sizes(), f.operand[0]};
         for (int i = 0; i < 3; ++i) origin[i] = roi ? std::max(roi->origin[i], 0) : 0;
     }
 };
