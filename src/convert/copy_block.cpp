@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace jorm {
 namespace {
@@ -72,10 +73,12 @@ void run_axes(CopyBytes copy, const CopyBlock &b) {
 
 // Memory of the two does not overlap: any order will do.
 void run_apart(uint64_t options, CopyBlock &b) {
+    const CopyBytes copy = memory_rows_at(level(options)).copy;
+    if (b.axes == 0) return copy(b.dst, b.src, b.unit, 0);
     // The longer one of the two inner axes makes the longer runs.
     if (b.axes > 1 && b.axis[b.axes - 1].size < 8 && b.axis[b.axes - 2].size > b.axis[b.axes - 1].size)
         std::swap(b.axis[b.axes - 1], b.axis[b.axes - 2]);
-    run_axes(memory_rows_at(level(options)).copy, b);
+    run_axes(copy, b);
 }
 
 // How far the addresses of a block's destination or source reach from its start.
@@ -138,7 +141,7 @@ int64_t run_through_scratch(jorm_xe *xe, uint64_t options, const CopyBlock &b) {
     return JORM_OK;
 }
 
-int64_t copy_overlapping(jorm_xe *xe, uint64_t options, CopyBlock b) {
+int64_t copy_overlapping(jorm_xe *xe, uint64_t options, CopyBlock &b) {
     for (int i = 0; i < b.axes; ++i)
         if (b.axis[i].src < 0) reverse_axis(b, b.axis[i]);
     for (int i = 1; i < b.axes; ++i)
@@ -158,7 +161,7 @@ int64_t copy_overlapping(jorm_xe *xe, uint64_t options, CopyBlock b) {
         slice.src += i * b.axis[0].src;
         std::copy(b.axis + 1, b.axis + b.axes, slice.axis);
         --slice.axes;
-        if (const int64_t status = copy_block(xe, options, slice); status != JORM_OK) return status;
+        if (const int64_t status = copy_block(xe, options, std::move(slice)); status != JORM_OK) return status;
     }
     return JORM_OK;
 }
@@ -202,7 +205,7 @@ void copy_steps(CopyBytes copy, char *dst, int64_t dst_step, const char *src, in
     }
 }
 
-int64_t copy_block(jorm_xe *xe, uint64_t options, CopyBlock b) {
+int64_t copy_block(jorm_xe *xe, uint64_t options, CopyBlock &&b) {
     bool same = b.dst == b.src;
     for (int i = 0; i < b.axes; ++i) {
         if (b.axis[i].size < 1) return JORM_OK;

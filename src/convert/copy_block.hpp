@@ -25,7 +25,7 @@ struct CopyBlock {
 // Copies as if the source were read first. Where no order of copying does that, the source goes through scratch memory
 // of the size of the block, or of one slice where slices do not get in each other's way: JORM_EINVAL when that is
 // wanted and `xe` is null, JORM_ENOMEM when it cannot be had.
-int64_t copy_block(jorm_xe *xe, uint64_t options, CopyBlock block);
+int64_t copy_block(jorm_xe *xe, uint64_t options, CopyBlock &&block);
 
 // The block of two operands of one element size, in `axes` slots; the last of them, the channels, counts `channels`.
 CopyBlock block_of(int axes, const int32_t *size, int32_t channels, const Operand &dst, const Operand &src);

@@ -70,7 +70,7 @@ int64_t check_masked(uint32_t type, uint32_t mask_type) {
     return element_size(type) == 0 ? JORM_ENOTSUP : JORM_OK;
 }
 
-int64_t copy_masked(MaskedCall call, const Operand &src) {
+int64_t copy_masked(MaskedCall &&call, const Operand &src) {
     Shape shape;
     if (!src.start || !src.stride || src.type != call.dst.type) return JORM_EINVAL;
     if (const int64_t status = read_call(call, shape); status != JORM_OK) return status;
@@ -81,7 +81,7 @@ int64_t copy_masked(MaskedCall call, const Operand &src) {
     return JORM_OK;
 }
 
-int64_t fill_masked(MaskedCall call, const double *values, bool choose, const double *other_values) {
+int64_t fill_masked(MaskedCall &&call, const double *values, bool choose, const double *other_values) {
     Shape shape;
     if (const int64_t status = read_call(call, shape); status != JORM_OK) return status;
     Values in, out;

@@ -28,11 +28,11 @@ struct MaskedCall {
     bool by_pixel; // the mask has one channel that stands for all
 };
 
-int64_t copy_masked(MaskedCall call, const Operand &src);
+int64_t copy_masked(MaskedCall &&call, const Operand &src);
 
 // Elements that the mask selects get the values of their channels; with `choose` the others get `other_values`. Null
 // values are zeros.
-int64_t fill_masked(MaskedCall call, const double *values, bool choose, const double *other_values);
+int64_t fill_masked(MaskedCall &&call, const double *values, bool choose, const double *other_values);
 
 // The status of an operation on elements of this type under a mask of that one.
 int64_t check_masked(uint32_t type, uint32_t mask_type);

@@ -16,6 +16,15 @@ struct Operand {
     Operand() {} // arrays of operands have room for more than a call uses
     Operand(uint32_t type, char *start, const int32_t *stride, bool by_pixel = false)
         : type(type), start(start), stride(stride), by_pixel(by_pixel) {}
+    // Member by member: a copy in wide pieces would wait for narrow stores of a moment before.
+    Operand(const Operand &o) : Operand(o.type, o.start, o.stride, o.by_pixel) {}
+    Operand &operator=(const Operand &o) {
+        type = o.type;
+        start = o.start;
+        stride = o.stride;
+        by_pixel = o.by_pixel;
+        return *this;
+    }
 };
 inline Operand operand(uint32_t type, const void *start, const int32_t *stride) {
     return {type, static_cast<char *>(const_cast<void *>(start)), stride};

@@ -30,7 +30,6 @@ bool agree(const jorm_array *dst, const FrontSource *source, int count) {
     return true;
 }
 
-// Written in place, member by member: copies of whole operands would wait for what was stored a moment before.
 void start(Operand &o, const jorm_array &a, const jorm_array &dst) {
     o.type = a.eltype;
     o.start = static_cast<char *>(a.base) + a.loff;

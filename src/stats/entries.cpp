@@ -35,7 +35,11 @@ private:
     static bool few_channels(const jorm_array *src) { return src && stored_channels(src->extent[3]) < 4; }
     void begin(jorm_xe *xe, uint64_t options, const jorm_array &src, const jorm_site *roi) {
         if ((options & JORM_OPT_CHANNELS) == 0) options |= src.extent[3] & JORM_OPT_CHANNELS;
-        source = {xe, options, f.word, f.sizes(), f.operand[0]};
+        source.xe = xe;
+        source.options = options;
+        source.word = f.word;
+        source.size = f.sizes();
+        source.samples = f.operand[0];
         for (int i = 0; i < 3; ++i) origin[i] = roi ? std::max(roi->origin[i], 0) : 0;
     }
 };
