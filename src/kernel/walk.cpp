@@ -87,7 +87,8 @@ void merge_rows(Walk &w) {
     w.rows = 1;
 }
 
-// Dense data: streaming pays when the destination is not among the sources, whose lines are in the cache anyway.
+// Dense data: streaming pays when the destination is not narrower than a source and not among the sources, whose lines
+// are in the cache anyway.
 bool wants_streaming(const Walk &w) {
     int32_t elements = 0;
     for (int i = 0; i < w.operands; ++i) elements += w.operand[i].element;
@@ -100,7 +101,9 @@ bool wants_streaming(const Walk &w) {
         return o.start + std::max<int64_t>(0, (w.rows - 1) * o.row_stride) + o.element * w.length;
     };
     for (int i = 1; i < w.operands; ++i)
-        if (low(w.operand[i]) < high(w.operand[0]) && low(w.operand[0]) < high(w.operand[i])) return false;
+        if (w.operand[i].element > w.operand[0].element ||
+            (low(w.operand[i]) < high(w.operand[0]) && low(w.operand[0]) < high(w.operand[i])))
+            return false;
     return true;
 }
 
