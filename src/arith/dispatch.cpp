@@ -153,7 +153,7 @@ void run_with_constants(Family family, const Rows &rows, const Rows &base, const
         const Constants some = together ? all : Constants{call, keys.constants, c, 1};
         const Variant own = together ? variant : choose(family, rows, base, some);
         some.lay_out(pattern, own == Variant::plain ? 1 : pattern_length);
-        Walk w = make_walk(shape, call.operand, 1 + keys.sources, together ? -1 : c);
+        Walk w = make_walk(shape, call.operand, 1 + keys.sources, together ? -1 : c, level(call.options));
         walk(w, row_of(own, rows, base), params);
     }
 }
@@ -173,7 +173,7 @@ int64_t run(Family family, int line, const Shape &shape, const ArithCall &call) 
         run_with_constants(family, rows, base, shape, call, params);
     else
         walk_channels(shape, call.operand, 1 + keys.sources,
-                      row_of(call.p == 0 ? Variant::plain : Variant::scaled, rows, base), params);
+                      row_of(call.p == 0 ? Variant::plain : Variant::scaled, rows, base), params, which);
     return JORM_OK;
 }
 

@@ -61,24 +61,25 @@ void reverse_axis(CopyBlock &b, CopyBlock::Axis &a) {
     a.src = -a.src;
 }
 
-void run_axes(CopyBytes copy, const CopyBlock &b) {
+void run_axes(CopyBytes copy, const CopyBlock &b, const Transport *apart = nullptr) {
     CopyBlock::Axis a[4] = {{1, 0, 0}, {1, 0, 0}, {1, 0, 0}, {1, 0, 0}};
     std::copy(b.axis, b.axis + b.axes, a + 4 - b.axes);
     for (int64_t i = 0; i < a[0].size; ++i)
         for (int64_t j = 0; j < a[1].size; ++j)
             for (int64_t k = 0; k < a[2].size; ++k)
                 copy_units(copy, b.dst + i * a[0].dst + j * a[1].dst + k * a[2].dst, a[3].dst,
-                           b.src + i * a[0].src + j * a[1].src + k * a[2].src, a[3].src, a[3].size, b.unit);
+                           b.src + i * a[0].src + j * a[1].src + k * a[2].src, a[3].src, a[3].size, b.unit, 0, apart);
 }
 
 // Memory of the two does not overlap: any order will do.
 void run_apart(uint64_t options, CopyBlock &b) {
-    const CopyBytes copy = memory_rows_at(level(options)).copy;
+    const Level which = level(options);
+    const CopyBytes copy = memory_rows_at(which).copy;
     if (b.axes == 0) return copy(b.dst, b.src, b.unit, 0);
     // The longer one of the two inner axes makes the longer runs.
     if (b.axes > 1 && b.axis[b.axes - 1].size < 8 && b.axis[b.axes - 2].size > b.axis[b.axes - 1].size)
         std::swap(b.axis[b.axes - 1], b.axis[b.axes - 2]);
-    run_axes(copy, b);
+    run_axes(copy, b, &transport_at(which));
 }
 
 // How far the addresses of a block's destination or source reach from its start.
@@ -179,9 +180,11 @@ Span span_of(int axes, int from, const int32_t *size, int32_t channels, const Op
 
 } // namespace
 
-void copy_steps(CopyBytes copy, char *dst, int64_t dst_step, const char *src, int64_t src_step, int64_t n,
-                int64_t unit) {
+void copy_steps(CopyBytes copy, char *dst, int64_t dst_step, const char *src, int64_t src_step, int64_t n, int64_t unit,
+                const Transport *apart) {
     if (src_step == 0 && dst_step == unit) return repeat_unit(dst, src, n, unit);
+    if (apart && dst_step == unit && src_step > 0 && unit <= 8 && (unit & (unit - 1)) == 0)
+        return apart->gather[__builtin_ctz(unsigned(unit))](dst, src, src_step, 1, n);
     switch (unit) {
     case 1:
         if (dst_step == 1 && src_step == -1) return reverse_bytes(dst, src, n);

@@ -41,18 +41,18 @@ bool may_meet(int axes, int32_t channels, const int32_t *size_a, const Operand &
 // Do both operands name the same elements in the same order?
 bool coincide(int axes, const int32_t *size, int32_t channels, const Operand &a, const Operand &b);
 
-// n units at the steps given, in this order. `copy` serves long runs; they overlap only if it can do that. The source
-// of the next call lies `next` bytes further.
-void copy_steps(CopyBytes copy, char *dst, int64_t dst_step, const char *src, int64_t src_step, int64_t n,
-                int64_t unit);
+// n units at the steps given, in this order, or in any where the two lie `apart`. `copy` serves long runs; they overlap
+// only if it can do that. The source of the next call lies `next` bytes further.
+void copy_steps(CopyBytes copy, char *dst, int64_t dst_step, const char *src, int64_t src_step, int64_t n, int64_t unit,
+                const Transport *apart);
 inline void copy_units(CopyBytes copy, char *dst, int64_t dst_step, const char *src, int64_t src_step, int64_t n,
-                       int64_t unit, int64_t next = 0) {
+                       int64_t unit, int64_t next = 0, const Transport *apart = nullptr) {
     if (n == 1 || (dst_step == unit && src_step == unit))
         copy(dst, src, n * unit, next);
     else if (unit == 1 && n < 8) // narrow margins are not worth a call
         for (int64_t i = 0; i < n; ++i) dst[i * dst_step] = src[i * src_step];
     else
-        copy_steps(copy, dst, dst_step, src, src_step, n, unit);
+        copy_steps(copy, dst, dst_step, src, src_step, n, unit, apart);
 }
 
 // Rows of bytes that each repeat a pattern of `period` (4, 8, 12, 16) bytes from its start on.

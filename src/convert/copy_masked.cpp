@@ -77,7 +77,7 @@ int64_t copy_masked(MaskedCall &&call, const Operand &src) {
     const Operand operands[1 + max_sources] = {call.dst, src, call.mask};
     walk_channels(shape, operands, 3,
                   find_row(call, bytes_of(shape, src.type, 2) < far_copy_bytes ? masked_copy : masked_copy_far),
-                  RowParams{}, WalkKind::update);
+                  RowParams{}, level(call.options), WalkKind::update);
     return JORM_OK;
 }
 
@@ -102,7 +102,7 @@ int64_t fill_masked(MaskedCall &&call, const double *values, bool choose, const 
     for (int c = 0; c < (fold ? 1 : shape.channels); ++c) {
         params.constants[0] = in.lay_out(c, period, length);
         if (choose) params.constants[1] = out.lay_out(c, period, length);
-        Walk w = make_walk(shape, operands, 2, fold ? -1 : c);
+        Walk w = make_walk(shape, operands, 2, fold ? -1 : c, level(call.options));
         w.kind = choose ? WalkKind::map : WalkKind::update;
         walk(w, find_row(call, op), params);
     }

@@ -61,12 +61,13 @@ inline bool channels_fold(const Shape &s, const Operand *operands, int count) {
 }
 
 // The walk over all channels folded into the rows (channel < 0), or over one of them.
-inline Walk make_walk(const Shape &s, const Operand *operands, int count, int channel) {
+inline Walk make_walk(const Shape &s, const Operand *operands, int count, int channel, Level level = level_base) {
     const bool fold = channel < 0 && s.channels > 1;
     Walk w;
     w.rows = s.rows;
     w.length = fold ? int64_t(s.pixels) * s.channels : s.pixels;
     w.operands = count;
+    w.transport = &transport_at(level);
     for (int i = 0; i < count; ++i) {
         const Operand &o = operands[i];
         const int32_t element = element_size(o.type);
@@ -79,10 +80,10 @@ inline Walk make_walk(const Shape &s, const Operand *operands, int count, int ch
 
 // Runs the row over all channels, folded where the layout allows it, else one after the other.
 inline void walk_channels(const Shape &s, const Operand *operands, int count, Row row, const RowParams &params,
-                          WalkKind kind = WalkKind::map) {
+                          Level level = level_base, WalkKind kind = WalkKind::map) {
     const bool fold = channels_fold(s, operands, count);
     for (int c = 0; c < (fold ? 1 : s.channels); ++c) {
-        Walk w = make_walk(s, operands, count, fold ? -1 : c);
+        Walk w = make_walk(s, operands, count, fold ? -1 : c, level);
         w.kind = kind;
         walk(w, row, params);
     }

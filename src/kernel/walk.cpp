@@ -22,44 +22,7 @@ constexpr int64_t streamed_block_bytes = 1024;
 // reading the lines that they overwrite. With one source that saves less.
 constexpr double streaming_bytes_one = 24 << 20, streaming_bytes_more = 16 << 20;
 
-template <class T, int Repeat> void gather_groups(T *t, const char *start, int64_t stride, int64_t n) {
-    for (int64_t i = 0; i < n; i += Repeat, start += stride)
-        for (int k = 0; k < Repeat; ++k) t[i + k] = *reinterpret_cast<const T *>(start);
-}
-template <class T> void gather(void *to, const WalkOperand &from, const char *start, int64_t n) {
-    static constexpr decltype(&gather_groups<T, 1>) groups[] = {gather_groups<T, 1>, gather_groups<T, 2>,
-                                                                gather_groups<T, 3>, gather_groups<T, 4>};
-    groups[from.repeat - 1](static_cast<T *>(to), start, from.stride, n);
-}
-template <class T> void scatter(char *to, int64_t stride, const void *from, int64_t n) {
-    const T *f = static_cast<const T *>(from);
-    for (int64_t i = 0; i < n; ++i) *reinterpret_cast<T *>(to + i * stride) = f[i];
-}
-
-void gather(void *to, const WalkOperand &from, const char *start, int64_t n) {
-    switch (from.element) {
-    case 1:
-        return gather<uint8_t>(to, from, start, n);
-    case 2:
-        return gather<uint16_t>(to, from, start, n);
-    case 4:
-        return gather<uint32_t>(to, from, start, n);
-    default:
-        return gather<uint64_t>(to, from, start, n);
-    }
-}
-void scatter(const WalkOperand &to, char *start, const void *from, int64_t n) {
-    switch (to.element) {
-    case 1:
-        return scatter<uint8_t>(start, to.stride, from, n);
-    case 2:
-        return scatter<uint16_t>(start, to.stride, from, n);
-    case 4:
-        return scatter<uint32_t>(start, to.stride, from, n);
-    default:
-        return scatter<uint64_t>(start, to.stride, from, n);
-    }
-}
+int log2_size(const WalkOperand &o) { return __builtin_ctz(unsigned(o.element)); }
 
 bool dense(const WalkOperand &o) { return o.stride == o.element && o.repeat == 1; }
 
@@ -129,24 +92,25 @@ void walk_blocks(const Walk &w, Row row, const RowParams &params) {
     int32_t widest = 1;
     for (int i = first_array(w); i < w.operands; ++i) widest = std::max(widest, w.operand[i].element);
     const int64_t step = block_elements(block_bytes, widest);
-    const bool direct = w.kind == WalkKind::reduce || dense(w.operand[0]);
+    const WalkOperand &dst = w.operand[0];
+    const bool spread = w.kind != WalkKind::reduce && !dense(dst);
     for (int64_t y = 0; y < w.rows; ++y)
         for (int64_t x = 0; x < w.length; x += step) {
             const int64_t n = std::min(step, w.length - x);
-            char *start[1 + max_sources] = {};
-            const void *src[max_sources] = {};
-            for (int i = 0; i < w.operands; ++i) {
+            char *start[1 + max_sources], *run[1 + max_sources]; // in the array; dense
+            start[0] = run[0] = dst.start;
+            for (int i = first_array(w); i < w.operands; ++i) {
                 const WalkOperand &o = w.operand[i];
-                if (i < first_array(w)) {
-                    start[i] = o.start;
-                    continue;
-                }
-                start[i] = o.start + y * o.row_stride + x / o.repeat * o.stride;
-                if (i > 0) src[i - 1] = dense(o) ? start[i] : block[i];
-                if (i > 0 ? !dense(o) : w.kind == WalkKind::update && !direct) gather(block[i], o, start[i], n);
+                start[i] = run[i] = o.start + y * o.row_stride + x / o.repeat * o.stride;
+                if (dense(o)) continue;
+                run[i] = block[i];
+                if (i > 0 || w.kind == WalkKind::update)
+                    w.transport->gather[log2_size(o)](block[i], start[i], o.stride, o.repeat, n);
             }
-            row(direct ? start[0] : block[0], src, n, params);
-            if (!direct) scatter(w.operand[0], start[0], block[0], n);
+            const void *src[max_sources] = {};
+            for (int i = 1; i < w.operands; ++i) src[i - 1] = run[i];
+            row(run[0], src, n, params);
+            if (spread) w.transport->scatter[log2_size(dst)](start[0], dst.stride, block[0], n);
         }
 }
 

@@ -1,6 +1,7 @@
 // The row walker: brings rows of elements of any layout before a Row, in as few and as long runs as the layout allows.
 #pragma once
 #include "kernel/row.hpp"
+#include "kernel/transport.hpp"
 
 #include <cstdint>
 
@@ -25,6 +26,7 @@ struct Walk {
     int64_t length;   // elements of a row
     int32_t operands; // the destination first
     WalkOperand operand[1 + max_sources];
+    const Transport *transport;
     WalkKind kind = WalkKind::map;
 };
 

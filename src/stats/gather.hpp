@@ -37,12 +37,13 @@ template <class State> struct Gathering {
     const Row *rows; // a line
     uint32_t selected;
     uint8_t unselected; // mask elements with this value leave their samples out
+    Level which;
     bool begun = false;
     bool interleaved = false; // state[0] holds all channels, else state[c] channel c
     State state[4];
 
     Gathering(const Row *rows, uint32_t selected, uint64_t options)
-        : rows(rows), selected(selected), unselected(options & JORM_OPT_MASK_INVERT ? 255 : 0) {}
+        : rows(rows), selected(selected), unselected(options & JORM_OPT_MASK_INVERT ? 255 : 0), which(level(options)) {}
     void add(const Shape &shape, const Operand &samples, bool masked, const Operand &mask) {
         Operand operands[1 + max_sources] = {state_operand(&state[0]), samples, mask};
         operands[2].by_pixel = true;
@@ -53,7 +54,7 @@ template <class State> struct Gathering {
             if (!interleaved && (selected >> c & 1) == 0) continue;
             if (!begun) begin(state[c], interleaved ? shape.channels : 1, unselected);
             operands[0] = state_operand(&state[c]);
-            Walk w = make_walk(shape, operands, count, interleaved ? -1 : c);
+            Walk w = make_walk(shape, operands, count, interleaved ? -1 : c, which);
             w.kind = WalkKind::reduce;
             walk(w, interleaved ? all : rows[0], RowParams{});
         }
