@@ -1,36 +1,18 @@
 // Index vectors, regions, overlap, memory sizes, sub-arrays and the reduction of axes against slow oracles.
-#include "jorm/array.h"
-
 #include "array/element.hpp"
+#include "jorm/array.h"
+#include "support/picture.hpp"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
 #include <climits>
-#include <random>
-#include <vector>
 
 namespace {
 
-using Vec = std::array<int32_t, 4>;
-std::mt19937 rng(7);
-int32_t uniform(int32_t lo, int32_t hi) { return std::uniform_int_distribution<int32_t>(lo, hi)(rng); }
-
-Vec random_vec() {
-    const int32_t extremes[] = {INT32_MIN, INT32_MIN + 1, -1, 0, 1, INT32_MAX};
-    Vec v;
-    for (auto &x : v) x = uniform(0, 2) ? uniform(-1000, 1000) : extremes[uniform(0, 5)];
-    return v;
-}
-
-jorm_array make_array(Vec extent, int32_t ndims = 3) {
+jorm_array make_array(const Index &extent, int32_t ndims = 3) {
     jorm_array a = {};
-    _jorm_array__$xtrn(&a, JORM_U8, ndims, extent.data() + 4 - ndims, nullptr, reinterpret_cast<void *>(0x10000));
-    return a;
+    return *_jorm_array__$xtrn(&a, JORM_U8, ndims, &extent[size_t(4 - ndims)], nullptr,
+                               reinterpret_cast<void *>(0x10000));
 }
-
-Vec vec_of(const int32_t *v) { return {v[0], v[1], v[2], v[3]}; }
+template <class T> Index slots(const T *v) { return {int32_t(v[0]), int32_t(v[1]), int32_t(v[2]), int32_t(v[3])}; }
 
 struct Family {
     const char *name;
@@ -67,121 +49,102 @@ TEST(Vec, BinaryFamilies) {
          {jorm_vec_max_$IL, jorm_vec_max_$ILS}},
     };
     // clang-format on
+    Random r(7);
+    const auto random_vec = [&] {
+        Index v;
+        for (auto &x : v)
+            x = r.one_in(3) ? r.of(std::array{INT_MIN, INT_MIN + 1, -1, 0, 1, INT_MAX}) : r.in(-1000, 1000);
+        return v;
+    };
     for (const Family &f : families)
         for (int round = 0; round < 200; ++round) {
             SCOPED_TRACE(f.name);
-            const Vec a = random_vec(), b = random_vec();
-            const int32_t n = uniform(0, 4), lead = n ? 4 - n : 0;
-            const bool null = round % 4 == 0;
-            const Vec blank = {5, 6, 7, 8};
-            const auto expect = [&](Vec v, int32_t count, bool in_place) {
-                for (int32_t i = 0; i < count; ++i)
-                    if (!in_place || !null) v[i] = int32_t(f.oracle(a[i], null ? 0 : b[i]));
-                return v;
-            };
-            const auto apart = [&](const auto &forms, auto slots, int32_t first, int32_t count) {
-                for (auto form : forms) {
-                    Vec d = blank;
-                    EXPECT_EQ(form(slots, &d[first], &a[first], null ? nullptr : &b[first]), &d[first]);
-                    EXPECT_EQ(d, expect(blank, count, false));
-                    EXPECT_EQ(form(slots, nullptr, &a[first], &b[first]), nullptr);
+            const Index a = random_vec(), b = random_vec(), blank = {5, 6, 7, 8};
+            const int n = r.in(0, 4), lead = n ? 4 - n : 0;
+            const bool null = round % 4 == 0; // stands for zeros, in place for nothing
+            const auto check = [&](const auto &apart, const auto &in_place, auto slots, int first, int count) {
+                Index fresh = blank, changed = a;
+                for (int i = 0; i < count; ++i)
+                    fresh[size_t(i)] = int32_t(f.oracle(a[size_t(i)], null ? 0 : b[size_t(i)]));
+                if (!null) std::copy_n(fresh.begin(), count, changed.begin());
+                const int32_t *const second = null ? nullptr : &b[size_t(first)];
+                for (auto form : apart) {
+                    Index d = blank;
+                    EXPECT_EQ(form(slots, &d[size_t(first)], &a[size_t(first)], second), &d[size_t(first)]);
+                    EXPECT_EQ(d, fresh);
+                    EXPECT_EQ(form(slots, nullptr, &a[size_t(first)], &b[size_t(first)]), nullptr);
+                }
+                for (auto form : in_place) {
+                    Index d = a;
+                    EXPECT_EQ(form(slots, &d[size_t(first)], second), &d[size_t(first)]);
+                    EXPECT_EQ(d, changed);
                 }
             };
-            const auto in_place = [&](const auto &forms, auto slots, int32_t first, int32_t count) {
-                for (auto form : forms) {
-                    Vec d = a;
-                    EXPECT_EQ(form(slots, &d[first], null ? nullptr : &b[first]), &d[first]);
-                    EXPECT_EQ(d, expect(a, count, true));
-                }
-            };
-            const uint32_t low_bits = 0xFFFFFF70u | uint32_t(n), word = JORM_WORD(n ? n : 4);
-            apart(f.counted, n, 0, n);
-            apart(f.masked, low_bits, 0, n);
-            apart(f.packed, word, lead, 4);
-            in_place(f.counted_i, n, 0, n);
-            in_place(f.masked_i, low_bits, 0, n);
-            in_place(f.packed_i, word, lead, 4);
+            check(f.counted, f.counted_i, n, 0, n);
+            check(f.masked, f.masked_i, 0xFFFFFF70u | uint32_t(n), 0, n);
+            check(f.packed, f.packed_i, JORM_WORD(n ? n : 4), lead, 4);
         }
 }
 
 TEST(Vec, AssignNegateCompare) {
-    const Vec a = {3, 0, INT32_MIN, 9};
-    Vec d = {1, 1, 1, 1};
+    const Index a = {3, 0, INT32_MIN, 9};
+    Index d = {1, 1, 1, 1};
     EXPECT_EQ(jorm_vec__assign_$S(4, nullptr, a.data()), nullptr);
-    EXPECT_EQ(vec_of(jorm_vec_neg(4, d.data(), a.data())), (Vec{-3, 0, INT32_MIN, -9}));
+    EXPECT_EQ(slots(jorm_vec_neg(4, d.data(), a.data())), (Index{-3, 0, INT32_MIN, -9}));
     EXPECT_EQ(jorm_vec_assign_$L(JORM_WORD(2), d.data() + 2, a.data() + 2), d.data() + 2);
     EXPECT_EQ(d, a);
-    EXPECT_EQ(vec_of(jorm_vec__assign_$S(2, d.data(), nullptr)), (Vec{0, 0, INT32_MIN, 9}));
-    EXPECT_EQ(vec_of(jorm_vec_dup_$L(JORM_WORD(3), d.data() + 1, 4) - 1), (Vec{4, 4, 4, 4}));
-    EXPECT_TRUE(jorm_vec_equal0_$LS(JORM_WORD(3), nullptr));
-    EXPECT_TRUE(jorm_vec__equal(2, Vec{1, 2, 3, 4}.data(), Vec{1, 2, 4, 4}.data()));
-    EXPECT_FALSE(jorm_vec_equal(3, Vec{1, 2, 3, 4}.data(), Vec{1, 2, 4, 4}.data()));
-    EXPECT_FALSE(jorm_vec_equal_$L(JORM_WORD(1), Vec{1, 2, 3, 4}.data() + 3, Vec{0, 2, 3, 4}.data() + 3));
-    EXPECT_FALSE(jorm_vec__equal_$S(4, a.data(), nullptr));
-    EXPECT_TRUE(jorm_vec__assign_$Z(1, d.data(), a.data()));
-    EXPECT_FALSE(jorm_vec__assign_$Z(2, d.data(), a.data()));
-    EXPECT_FALSE(jorm_vec__assign_$Z(0, d.data(), a.data()));
+    EXPECT_EQ(slots(jorm_vec__assign_$S(2, d.data(), nullptr)), (Index{0, 0, INT32_MIN, 9}));
+    EXPECT_EQ(slots(jorm_vec_dup_$L(JORM_WORD(3), d.data() + 1, 4) - 1), (Index{4, 4, 4, 4}));
+    const Index v = {1, 2, 3, 4}, w = {1, 2, 4, 4}, x = {0, 2, 3, 4};
+    expect_each(1, {jorm_vec_equal0_$LS(JORM_WORD(3), nullptr), jorm_vec__equal(2, v.data(), w.data()),
+                    jorm_vec__assign_$Z(1, d.data(), a.data())});
+    expect_each(0, {jorm_vec_equal(3, v.data(), w.data()), jorm_vec_equal_$L(JORM_WORD(1), &v[3], &x[3]),
+                    jorm_vec__equal_$S(4, a.data(), nullptr), jorm_vec__assign_$Z(2, d.data(), a.data()),
+                    jorm_vec__assign_$Z(0, d.data(), a.data())});
 }
 
 TEST(Vec, Offsets) {
-    const Vec huge = {0, 70000, 3, 2}, stride = {0, 65536, 4, 1};
+    const Index huge = {0, 70000, 3, 2}, stride = {0, 65536, 4, 1};
     EXPECT_EQ(jorm_vec_mkloff(4, huge.data(), stride.data()), INT64_C(4587520014));
     EXPECT_EQ(jorm_vec_mkloff_$LS(JORM_WORD(2), huge.data() + 2, stride.data() + 2), INT64_C(4587520014));
     EXPECT_EQ(jorm_vec_mkloff_$LS(JORM_WORD(2), nullptr, stride.data() + 2), 0);
     EXPECT_EQ(jorm_base_advance(nullptr, -14, 4, huge.data(), stride.data()), reinterpret_cast<void *>(4587520000));
-    Vec v = {};
-    EXPECT_EQ(vec_of(jorm_vec_fromloff(4, v.data(), stride.data(), INT64_C(4587520014))), huge);
+    Index v = {};
+    EXPECT_EQ(slots(jorm_vec_fromloff(4, v.data(), stride.data(), INT64_C(4587520014))), huge);
     // The outermost slots take all they can; a stride of 0 takes nothing; the signs follow the division.
-    EXPECT_EQ(vec_of(jorm_vec_fromloff(4, v.data(), Vec{1000, 0, -30, 7}.data(), 2095)), (Vec{2, 0, -3, 0}));
-    EXPECT_EQ(vec_of(jorm_vec_fromloff(4, v.data(), Vec{1000, 0, -30, 7}.data(), -1045)), (Vec{-1, 0, 1, -2}));
-    EXPECT_EQ(vec_of(jorm_vec_update_$loff(4, v.data(), Vec{}.data(), 99)), (Vec{-1, 0, 1, -2}));
-    jorm_vec_fromloff(4, v.data(), Vec{0, -1, 1, 1}.data(), INT32_MIN);
-    EXPECT_EQ(v, (Vec{0, INT32_MIN, 0, 0}));
-    jorm_vec_fromloff(4, v.data(), Vec{-1, 1, 1, 1}.data(), INT64_MIN);
-    EXPECT_EQ(v, Vec{});
-}
-
-// First position and number of positions of [0, extent) that pass every further interval.
-struct Stretch {
-    int32_t first, count;
-};
-Stretch stretch_of(int32_t extent, int32_t from, int32_t length) {
-    Stretch found = {0, 0};
-    for (int32_t p = extent - 1; p >= 0; --p)
-        if (p >= from && p < from + length) found = {p, found.count + 1};
-    return found;
+    EXPECT_EQ(slots(jorm_vec_fromloff(4, v.data(), Index{1000, 0, -30, 7}.data(), 2095)), (Index{2, 0, -3, 0}));
+    EXPECT_EQ(slots(jorm_vec_fromloff(4, v.data(), Index{1000, 0, -30, 7}.data(), -1045)), (Index{-1, 0, 1, -2}));
+    EXPECT_EQ(slots(jorm_vec_update_$loff(4, v.data(), Index{}.data(), 99)), (Index{-1, 0, 1, -2}));
+    jorm_vec_fromloff(4, v.data(), Index{0, -1, 1, 1}.data(), INT32_MIN);
+    EXPECT_EQ(v, (Index{0, INT32_MIN, 0, 0}));
+    jorm_vec_fromloff(4, v.data(), Index{-1, 1, 1, 1}.data(), INT64_MIN);
+    EXPECT_EQ(v, Index{});
 }
 
 TEST(Region, NegotiatesLikeCountingPositions) {
+    Random r(8);
     for (int round = 0; round < 3000; ++round) {
-        const int32_t codes[] = {1, 3, 4, 11, 8};
-        const Vec ea = {uniform(1, 3), uniform(1, 6), uniform(1, 6), codes[uniform(0, 4)]};
-        const Vec eb = {uniform(1, 3), uniform(1, 6), uniform(1, 6), 1};
-        const jorm_array a = make_array(ea, 4), b = make_array(eb, 4);
-        jorm_site roi;
-        Vec at;
-        for (int i = 0; i < 4; ++i) {
-            roi.origin[i] = uniform(-2, 4), roi.size[i] = uniform(1, 8), at[i] = uniform(-2, 4);
-        }
-        const int32_t n = uniform(0, 4), first = n >= 1 && n <= 3 ? 3 - n : 0;
-        jorm_site sa, sb;
+        const jorm_array a = make_array({r.in(1, 3), r.in(1, 6), r.in(1, 6), r.of(std::array{1, 3, 4, 11, 8})}, 4);
+        const jorm_array b = make_array({r.in(1, 3), r.in(1, 6), r.in(1, 6), 1}, 4);
+        jorm_site roi, sa, sb;
+        Index at;
+        for (size_t i = 0; i < 4; ++i) roi.origin[i] = r.in(-2, 4), roi.size[i] = r.in(1, 8), at[i] = r.in(-2, 4);
+        const int n = r.in(0, 4);
         const int32_t common = jorm_arr_negotiateRoi(&a, &b, &sa, &sb, &roi, at.data(), n);
+        const Region both = common_region({&a, &b}, &roi, {at.data()}), one = common_region({&a}, &roi, {});
         bool expected = true;
-        for (int i = first; i < 3; ++i) {
-            const Stretch ra = stretch_of(ea[i], roi.origin[i], roi.size[i]), rb = stretch_of(eb[i], at[i], eb[i]);
-            const int32_t count = std::min(ra.count, rb.count);
-            expected &= count > 0;
+        for (size_t i = n >= 1 && n <= 3 ? size_t(3 - n) : 0; i < 3; ++i) {
+            expected &= both.size[i] > 0;
             EXPECT_EQ(sa.size[i], sb.size[i]);
-            EXPECT_EQ(std::max(sa.size[i], 0), count);
-            EXPECT_TRUE(!ra.count || sa.origin[i] == ra.first);
-            EXPECT_TRUE(!rb.count || sb.origin[i] == rb.first);
+            EXPECT_EQ(std::max(sa.size[i], 0), both.size[i]);
+            if (both.size[i] == 0) continue;
+            EXPECT_EQ(sa.origin[i], both.origin[0][i]);
+            EXPECT_EQ(sb.origin[i], both.origin[1][i]);
         }
         EXPECT_EQ(common, expected);
-        const Stretch channels = stretch_of(jorm::stored_channels(ea[3]), roi.origin[3], roi.size[3]);
-        EXPECT_EQ(std::max(sa.size[3], 0), channels.count);
-        jorm_site again = roi;
-        jorm_arr_adjustRoi_$I(&a, &again);
-        EXPECT_EQ(vec_of(again.origin), vec_of(sa.origin));
+        EXPECT_EQ(std::max(sa.size[3], 0), one.size[3]);
+        jorm_arr_adjustRoi_$I(&a, &roi);
+        EXPECT_EQ(slots(roi.origin), slots(sa.origin));
     }
 }
 
@@ -189,10 +152,10 @@ TEST(Region, SitesAndExtremes) {
     jorm_array a = make_array({1, 10, 20, 11});
     jorm_site s;
     EXPECT_EQ(jorm_arr_siteofAt_$g2(&a, &s, 3, -4), &s);
-    EXPECT_EQ(vec_of(s.origin), (Vec{0, 3, 0, 0}));
-    EXPECT_EQ(vec_of(s.size), (Vec{1, 7, 16, 11}));
+    EXPECT_EQ(slots(s.origin), (Index{0, 3, 0, 0}));
+    EXPECT_EQ(slots(s.size), (Index{1, 7, 16, 11}));
     jorm_arr_adjorgetRoi(&a, &s, nullptr);
-    EXPECT_EQ(vec_of(s.size), (Vec{1, 10, 20, 4}));
+    EXPECT_EQ(slots(s.size), (Index{1, 10, 20, 4}));
     a.extent[1] = 0xFFFFFFFF; // reads as -1
     EXPECT_FALSE(jorm_arr_negotiateRoi(&a, &a, &s, &s, nullptr, nullptr, 3));
     EXPECT_EQ(jorm_arr_siteof(nullptr, &s), nullptr);
@@ -206,22 +169,16 @@ TEST(Region, SitesAndExtremes) {
 }
 
 TEST(Region, Proportions) {
+    const int32_t most = INT32_MAX;
     struct {
         int32_t a, b;
         double scale, scale_out;
         int32_t a_out, b_out, result;
     } cases[] = {
-        {30, 20, 0, 1.5, 30, 20, 1},
-        {40, 20, 1.5, 1.5, 30, 20, 1},
-        {25, 20, 1.5, 1.5, 25, 17, 1},
-        {30, 21, 1.5, 1.5, 30, 20, 1},
-        {31, 21, 1.5, 1.5, 31, 21, 1},
-        {33, 21, 1.5, 1.5, 32, 21, 1},
-        {10, 10, -2, -2, -20, 10, 0},
-        {9, 2, 0.2, 0.2, 0, 2, 0},
-        {1, 19, 0.1, 0.1, 1, 19, 1},
-        {1, 9, 1e300, 1e300, 1, 0, 0},
-        {9, 1, -1e300, -1e300, -INT32_MAX, 1, 0},
+        {30, 20, 0, 1.5, 30, 20, 1},   {40, 20, 1.5, 1.5, 30, 20, 1},       {25, 20, 1.5, 1.5, 25, 17, 1},
+        {30, 21, 1.5, 1.5, 30, 20, 1}, {31, 21, 1.5, 1.5, 31, 21, 1},       {33, 21, 1.5, 1.5, 32, 21, 1},
+        {10, 10, -2, -2, -20, 10, 0},  {9, 2, 0.2, 0.2, 0, 2, 0},           {1, 19, 0.1, 0.1, 1, 19, 1},
+        {1, 9, 1e300, 1e300, 1, 0, 0}, {9, 1, -1e300, -1e300, -most, 1, 0},
     };
     for (const auto &c : cases) {
         const jorm_array a = make_array({1, c.a, 5, 1}), b = make_array({1, c.b, 5, 1});
@@ -236,61 +193,61 @@ TEST(Region, Proportions) {
 
 TEST(Overlap, CoarseAnswers) {
     const jorm_array a = make_array({1, 10, 20, 1});
-    jorm_array b = a;
     const auto at = [](int32_t y, int32_t x, int32_t h, int32_t w) { return jorm_site{{0, y, x, 0}, {1, h, w, 1}}; };
     const jorm_site left = at(0, 0, 10, 5), right = at(0, 5, 10, 5), middle = at(0, 4, 10, 5);
-    EXPECT_EQ(jorm_arr_overlapped(&a, &a, nullptr, nullptr), -1);
-    EXPECT_EQ(jorm_arr_overlapped(&a, &a, &left, &right), 0);   // side by side
-    EXPECT_EQ(jorm_arr_overlapped(&a, &a, &left, &middle), -1); // one column in common
-    b.stride[1] = 40;
-    EXPECT_EQ(jorm_arr_overlapped(&a, &b, &left, &right), -1); // rows of different strides
-    b.loff = 10 * 20 + 20 + 1;
-    EXPECT_EQ(jorm_arr_overlapped(&a, &b, nullptr, nullptr), 0); // behind the last byte
-    EXPECT_EQ(jorm_overlappedLS(JORM_WORD(3), &left.size[1], a.base, &left.origin[1], &a.stride[1], a.base,
-                                &right.origin[1], &a.stride[1]),
-              0);
-    EXPECT_EQ(jorm_xoverlappedLS(JORM_WORD(3), a.base, 0, &left.origin[1], &left.size[1], &a.stride[1], JORM_WORD(2),
-                                 a.base, 0, &right.origin[2], &right.size[2], &a.stride[2]),
-              0); // a single row
-    EXPECT_EQ(jorm_arr_overlapped(nullptr, &b, nullptr, nullptr), 0);
+    jorm_array wide = a, behind = a;
+    wide.stride[1] = 40, behind.loff = 10 * 20 + 20 + 1;
+    expect_each(-1, {jorm_arr_overlapped(&a, &a, nullptr, nullptr),
+                     jorm_arr_overlapped(&a, &a, &left, &middle),     // one column in common
+                     jorm_arr_overlapped(&a, &wide, &left, &right)}); // rows of different strides
+    expect_each(0,
+                {jorm_arr_overlapped(&a, &a, &left, &right), // side by side
+                 jorm_arr_overlapped(&a, &behind, nullptr, nullptr), jorm_arr_overlapped(nullptr, &a, nullptr, nullptr),
+                 jorm_overlappedLS(JORM_WORD(3), &left.size[1], a.base, &left.origin[1], &a.stride[1], a.base,
+                                   &right.origin[1], &a.stride[1]),
+                 jorm_xoverlappedLS(JORM_WORD(3), a.base, 0, &left.origin[1], &left.size[1], &a.stride[1], JORM_WORD(2),
+                                    a.base, 0, &right.origin[2], &right.size[2], &a.stride[2])}); // a single row
 }
 
 TEST(Toolkit, AccessorsAndCounts) {
-    const Vec e = {2, -1, 3, 11}, s = {0, 64, 12, 2};
-    EXPECT_EQ(jorm_rowstride(JORM_WORD(4), s.data()), 64);
-    EXPECT_EQ(jorm__rowstride(2, s.data() + 2), 0);
-    EXPECT_EQ(jorm__rowstride2(2, e.data() + 2, s.data() + 2), 36);
-    EXPECT_EQ(jorm__pixpadding(3, e.data() + 1, s.data() + 1), 12 - 4 * 2);
-    EXPECT_EQ(jorm_rowpadding(JORM_WORD(3), e.data() + 1, s.data() + 1), 64 - 36);
-    EXPECT_EQ(jorm__rowpadding(2, e.data() + 2, s.data() + 2), -36);
-    EXPECT_EQ(jorm_volume__height(2, e.data()), 1);
-    EXPECT_EQ(jorm_volume__nchannels(4, e.data()), 4);
-    EXPECT_EQ(jorm_volume__capacity(3, e.data()), -6);
-    EXPECT_EQ(jorm_volume__capacity_$Q(3, e.data()), 0);
-    EXPECT_EQ(jorm_volume__capacity_$Q(0, nullptr), 1);
-    EXPECT_EQ(jorm_volume__capacity(0, e.data()), 2);
-    EXPECT_EQ(jorm_volume_pixcap(JORM_WORD(4), e.data()), -6);
-    EXPECT_TRUE(jorm_volume__empty(2, e.data()));
-    EXPECT_FALSE(jorm_volume__empty(1, e.data()));
-    Vec v;
-    EXPECT_EQ(vec_of(_jorm_Nvolume__$2(v.data(), 7, 3)), (Vec{1, 1, 7, 3}));
-    EXPECT_EQ(vec_of(_jorm_Nvolume__$g3(v.data(), 2, 5, 7)), (Vec{2, 5, 7, 1}));
+    const Index e = {2, -1, 3, 11}, s = {0, 64, 12, 2};
+    const int64_t values[][2] = {
+        {jorm_rowstride(JORM_WORD(4), s.data()), 64},
+        {jorm__rowstride(2, &s[2]), 0},
+        {jorm__rowstride2(2, &e[2], &s[2]), 36},
+        {jorm__pixpadding(3, &e[1], &s[1]), 12 - 4 * 2},
+        {jorm_rowpadding(JORM_WORD(3), &e[1], &s[1]), 64 - 36},
+        {jorm__rowpadding(2, &e[2], &s[2]), -36},
+        {jorm_volume__height(2, e.data()), 1},
+        {jorm_volume__nchannels(4, e.data()), 4},
+        {jorm_volume__capacity(3, e.data()), -6},
+        {jorm_volume__capacity_$Q(3, e.data()), 0},
+        {jorm_volume__capacity_$Q(0, nullptr), 1},
+        {jorm_volume__capacity(0, e.data()), 2},
+        {jorm_volume_pixcap(JORM_WORD(4), e.data()), -6},
+        {jorm_volume__empty(2, e.data()), 1},
+        {jorm_volume__empty(1, e.data()), 0},
+    };
+    for (const auto &[got, want] : values) EXPECT_EQ(got, want) << &got - values[0];
+    Index v;
+    EXPECT_EQ(slots(_jorm_Nvolume__$2(v.data(), 7, 3)), (Index{1, 1, 7, 3}));
+    EXPECT_EQ(slots(_jorm_Nvolume__$g3(v.data(), 2, 5, 7)), (Index{2, 5, 7, 1}));
     EXPECT_EQ(jorm::element_size(15), 0);
     EXPECT_TRUE(jorm::well_formed(15) && !jorm::well_formed(5) && !jorm::well_formed(0x11));
 }
 
 TEST(Toolkit, MemorySizes) {
-    Vec s = {0, -64, 0, 1};
-    EXPECT_EQ(jorm_vmemsize(4, Vec{2, 5, 30, 3}.data(), s.data(), 0), 2u * 5 * 128);
-    EXPECT_EQ(s, (Vec{640, 128, 3, 1}));
+    Index s = {0, -64, 0, 1};
+    EXPECT_EQ(jorm_vmemsize(4, Index{2, 5, 30, 3}.data(), s.data(), 0), 2u * 5 * 128);
+    EXPECT_EQ(s, (Index{640, 128, 3, 1}));
     s = {0, 200, 7, 2};
-    EXPECT_EQ(jorm_vmemsizeL(JORM_WORD(3), Vec{9, 5, 30, 3}.data() + 1, s.data() + 1, 2), 5u * 210 + 64);
-    EXPECT_EQ(s, (Vec{0, 210, 7, 2}));
+    EXPECT_EQ(jorm_vmemsizeL(JORM_WORD(3), Index{9, 5, 30, 3}.data() + 1, s.data() + 1, 2), 5u * 210 + 64);
+    EXPECT_EQ(s, (Index{0, 210, 7, 2}));
     // Bad layouts leave the strides alone: no rows, no element, beyond 32 bits, no power of two.
-    const Vec bad[][2] = {{{1, 0, 5, 1}, {0, 0, 0, 1}},
-                          {{1, 5, 5, 1}, {0, 0, 0, 0}},
-                          {{1, 2, INT32_MAX, 1}, {0, 0, 0, 4}},
-                          {{1, 5, 5, 1}, {0, -3, 0, 4}}};
+    const Index bad[][2] = {{{1, 0, 5, 1}, {0, 0, 0, 1}},
+                            {{1, 5, 5, 1}, {0, 0, 0, 0}},
+                            {{1, 2, INT32_MAX, 1}, {0, 0, 0, 4}},
+                            {{1, 5, 5, 1}, {0, -3, 0, 4}}};
     for (const auto &[e, strides] : bad) {
         s = strides;
         EXPECT_EQ(jorm_vmemsize(4, e.data(), s.data(), 1), 0u);
@@ -304,67 +261,60 @@ TEST(SubArray, ViewsOfViews) {
     const jorm_site outer = {{0, 2, -3, 0}, {1, 5, 13, 4}}, inner = {{0, 1, 4, 1}, {1, 99, 3, 2}};
     ASSERT_EQ(_jorm_array__$sar(&v, &a, &outer), &v);
     EXPECT_EQ(v.loff, 2 * 80);
-    EXPECT_EQ(vec_of(reinterpret_cast<int32_t *>(v.extent)), (Vec{1, 5, 10, 11}));
+    EXPECT_EQ(slots(v.extent), (Index{1, 5, 10, 11}));
     ASSERT_EQ(_jorm_array__$sar(&w, &v, &inner), &w);
     EXPECT_EQ(w.loff, 3 * 80 + 4 * 4 + 1);
-    EXPECT_EQ(vec_of(reinterpret_cast<int32_t *>(w.extent)), (Vec{1, 4, 3, 2}));
+    EXPECT_EQ(slots(w.extent), (Index{1, 4, 3, 2}));
     jorm_site parent;
     jorm_arr_parsiteof(&w, &parent);
-    EXPECT_EQ(vec_of(parent.origin), (Vec{0, -3, -4, -1}));
-    EXPECT_EQ(vec_of(parent.size), (Vec{1, 10, 20, 11}));
-    Vec index;
-    EXPECT_EQ(jorm_arr_pt2pcs(&w, index.data(), Vec{2, 1}.data()), a.base);
-    EXPECT_EQ(index, (Vec{0, 5, 5, 1}));
+    EXPECT_EQ(slots(parent.origin), (Index{0, -3, -4, -1}));
+    EXPECT_EQ(slots(parent.size), (Index{1, 10, 20, 11}));
+    Index index;
+    EXPECT_EQ(jorm_arr_pt2pcs(&w, index.data(), Index{2, 1}.data()), a.base);
+    EXPECT_EQ(index, (Index{0, 5, 5, 1}));
     const jorm_site around = {{0, -1, -1, 0}, {1, 7, 12, 4}}; // may leave the view, not the parent
     ASSERT_EQ(_jorm_array__$_sar$I(&v, &around), &v);
     EXPECT_EQ(v.loff, 80 - 4);
     const jorm_site outside = {{0, 10, 0, 0}, {1, 1, 1, 1}};
     _jorm_array__$sar$I(&w, &outside);
-    EXPECT_EQ(vec_of(reinterpret_cast<int32_t *>(w.extent)), Vec{});
+    EXPECT_EQ(slots(w.extent), Index{});
     const jorm_array big = make_array({1, 70000, 65536, 1});
     const jorm_site end = {{0, 69999, 0, 0}, {1, 1, 1, 1}};
     EXPECT_EQ(_jorm_array__$sar(&w, &big, &end), nullptr);
 }
 
-std::vector<int64_t> offsets(const int32_t *size, const int32_t *stride, int32_t n) {
-    std::vector<int64_t> all = {0};
-    for (int32_t i = 0; i < n; ++i) {
-        std::vector<int64_t> next;
-        for (int64_t base : all)
-            for (int32_t k = 0; k < size[i]; ++k) next.push_back(base + int64_t(k) * stride[i]);
-        all.swap(next);
-    }
-    return all;
-}
-
 // The reduced axes visit the same elements in the same order, and nothing that could be merged is left.
 TEST(Reduce, KeepsTheWalk) {
+    Random r(9);
+    const auto offsets = [](const Index &size, const Index &stride) {
+        std::vector<int64_t> all;
+        each(size, [&](const Index &i) { all.push_back(jorm_vec_mkloff(4, i.data(), stride.data())); });
+        return all;
+    };
     for (int round = 0; round < 5000; ++round) {
-        Vec size, strides[2];
-        for (auto &x : size) x = uniform(1, 3);
+        Index size, strides[2];
+        for (auto &x : size) x = r.in(1, 3);
         for (auto &s : strides) {
-            s[3] = uniform(0, 1) ? 1 : -2;
-            for (int i = 2; i >= 0; --i) s[i] = uniform(0, 3) ? size[i + 1] * s[i + 1] : uniform(-50, 50);
+            s[3] = r.one_in(2) ? 1 : -2;
+            for (size_t i = 3; i-- > 0;) s[i] = r.one_in(4) ? r.in(-50, 50) : size[i + 1] * s[i + 1];
         }
-        const Vec old_size = size;
-        const std::vector<int64_t> before[] = {offsets(size.data(), strides[0].data(), 4),
-                                               offsets(size.data(), strides[1].data(), 4)};
+        const Index old_size = size;
+        const std::vector<int64_t> before[] = {offsets(size, strides[0]), offsets(size, strides[1])};
         int32_t *pointers[] = {strides[0].data(), nullptr, strides[1].data()};
-        const int32_t hint = uniform(-1, 5), held = hint < 0 ? 4 : std::clamp(hint, 1, 4);
-        const auto n = int32_t(jorm_dims_xreduce(4, size.data(), 3, pointers, hint));
+        const int hint = r.in(-1, 5), held = hint < 0 ? 4 : std::clamp(hint, 1, 4);
+        const int n = int(jorm_dims_xreduce(4, size.data(), 3, pointers, hint));
         ASSERT_GE(n, std::max(2, held));
-        for (int k = 0; k < 2; ++k) {
-            EXPECT_EQ(offsets(size.data() + 4 - n, strides[k].data() + 4 - n, n), before[k]);
-            for (int i = 0; i < 4 - n; ++i) EXPECT_TRUE(size[i] == 1 && strides[k][i] == 0);
-        }
-        for (int i = 4 - held; i < 4; ++i) EXPECT_EQ(size[i], old_size[i]);
-        for (int i = 4 - n; i < 4 - held; ++i) {
+        for (int k = 0; k < 2; ++k) EXPECT_EQ(offsets(size, strides[k]), before[k]);
+        for (int i = 0; i < 4; ++i) {
+            const auto contiguous = [&](const Index &s) { return s[i] == size[i + 1] * s[i + 1]; };
+            EXPECT_TRUE(i >= 4 - n || (size[i] == 1 && strides[0][i] == 0 && strides[1][i] == 0));
+            EXPECT_TRUE(i < 4 - held || size[i] == old_size[i]);
+            if (i < 4 - n || i >= 4 - held) continue;
             EXPECT_TRUE(size[i] != 1 || n == held + 1);
-            EXPECT_FALSE(i < 3 - held && strides[0][i] == size[i + 1] * strides[0][i + 1] &&
-                         strides[1][i] == size[i + 1] * strides[1][i + 1]);
+            EXPECT_FALSE(i < 3 - held && contiguous(strides[0]) && contiguous(strides[1]));
         }
     }
-    Vec size = {2, 1 << 16, 1 << 15, 1}, stride = {0, 1 << 15, 1, 1};
+    Index size = {2, 1 << 16, 1 << 15, 1}, stride = {0, 1 << 15, 1, 1};
     int32_t *pointer = stride.data();
     EXPECT_EQ(jorm_dims_xreduce(4, size.data(), 1, &pointer, 0), 4); // the product does not fit
     size[1] = 0;

@@ -1,14 +1,6 @@
 // The packed call: the record, and which pieces an entry sees for arrays of four axes in any layout.
 #include "jorm/arith.h"
-#include "jorm/array.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <cstring>
-#include <random>
-#include <vector>
+#include "support/picture.hpp"
 
 namespace {
 
@@ -21,9 +13,8 @@ jorm_xe *const environment = reinterpret_cast<jorm_xe *>(uintptr_t(4096)); // pa
 using Places = std::array<ptrdiff_t, 5>;
 struct Log {
     uint8_t *memory = nullptr;
-    int calls = 0, stop_at = 0;
+    int calls = 0, stop_at = 0, most_axes = 3;
     int64_t status = JORM_OK;
-    uint32_t axes = 0;
     bool passed_on = true;
     std::vector<Places> places;
 };
@@ -34,28 +25,27 @@ struct Piece {
     const int32_t *stride;
 };
 
-int64_t see(Log *log, jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
-            std::initializer_list<Piece> arrays) {
+int64_t see(jorm_xe *xe, uint64_t options, const void *parameters, uint32_t word, const int32_t *size,
+            const std::vector<Piece> &arrays) {
+    Log *const log = static_cast<Log *>(const_cast<void *>(parameters));
     const int n = int(word & 15);
-    log->axes = word & 15;
-    log->passed_on = log->passed_on && xe == environment && options == option_bits && word == JORM_WORD(n) && n >= 2;
-    for (size_t k = 0; k < arrays.size(); ++k) log->passed_on = log->passed_on && arrays.begin()[k].type == types[k];
-    for (int y = 0; y < (n > 2 ? size[n - 3] : 1); ++y)
-        for (int x = 0; x < size[n - 2]; ++x)
-            for (int c = 0; c < size[n - 1]; ++c) {
-                ptrdiff_t *place = log->places.emplace_back().data();
-                for (const auto &[type, start, stride] : arrays)
-                    *place++ = !start ? 0
-                                      : static_cast<uint8_t *>(start) - log->memory +
-                                            (n > 2 ? ptrdiff_t(y) * stride[n - 3] : 0) + ptrdiff_t(x) * stride[n - 2] +
-                                            ptrdiff_t(c) * stride[n - 1];
-            }
+    log->passed_on &= xe == environment && options == option_bits && word == JORM_WORD(n) && n <= log->most_axes;
+    for (size_t k = 0; k < arrays.size(); ++k) log->passed_on &= arrays[k].type == types[k];
+    each({1, n > 2 ? size[n - 3] : 1, size[n - 2], size[n - 1]}, [&](const Index &i) {
+        Places &here = log->places.emplace_back();
+        for (size_t k = 0; k < arrays.size(); ++k) {
+            if (!arrays[k].start) continue;
+            here[k] = static_cast<uint8_t *>(arrays[k].start) - log->memory;
+            for (int slot = 4 - n; slot < 4; ++slot)
+                here[k] += ptrdiff_t(i[size_t(slot)]) * arrays[k].stride[slot - 4 + n];
+        }
+    });
     return ++log->calls == log->stop_at ? log->status : int64_t(JORM_OK);
 }
 
 // Entries for one to five arrays; the log is their parameter block.
 #define LEAD jorm_xe *xe, uint64_t options, const void *log, uint32_t word, const int32_t *size
-#define SEE static_cast<Log *>(const_cast<void *>(log)), xe, options, word, size
+#define SEE xe, options, log, word, size
 #define A(k) uint32_t t##k, void *p##k, const int32_t *s##k
 #define P(k)                                                                                                           \
     { t##k, p##k, s##k }
@@ -71,174 +61,127 @@ jorm_proc *const entries[] = {proc(entry1), proc(entry2), proc(entry3), proc(ent
 
 // Each test array has four slots of origin and stride; the vectors handed over start at the first used slot.
 struct Array {
-    int32_t origin[4] = {}, stride[4] = {};
+    Index origin = {}, stride = {};
     bool has_origin = true;
 };
 
-jorm_pack *pack(jorm_pack *record, Log *log, int arrays, int used, int piece_axes, const int32_t *size, const Array *a,
-                uint8_t *base) {
+// The record of a call; what jorma_call does not read is checked here.
+jorm_pack pack(Log *log, int arrays, int used, int piece_axes, const Index &size, const Array *a, uint8_t *base) {
     const int lead = 4 - used;
-#define LEAD record, code, entries[arrays - 1], environment, option_bits, log, JORM_WORD(used), piece_axes, size + lead
-#define ARRAY(k) types[k], base, a[k].has_origin ? a[k].origin + lead : nullptr, a[k].stride + lead
-    switch (arrays) {
-    case 1:
-        return jorma_genpackL(LEAD, ARRAY(0));
-    case 2:
-        return jorma_mappackL(LEAD, ARRAY(0), ARRAY(1));
-    case 3:
-        return jorma_zippackL(LEAD, ARRAY(0), ARRAY(1), ARRAY(2));
-    case 4:
-        return jorma_zip3packL(LEAD, ARRAY(0), ARRAY(1), ARRAY(2), ARRAY(3));
-    default:
-        return jorma_zip4packL(LEAD, ARRAY(0), ARRAY(1), ARRAY(2), ARRAY(3), ARRAY(4));
-    }
+    jorm_pack r, *filled = nullptr;
+    std::memset(&r, 0xA5, sizeof r);
+#define LEAD &r, code, entries[arrays - 1], environment, option_bits, log, JORM_WORD(used), piece_axes, &size[lead]
+#define ARRAY(k) types[k], base, a[k].has_origin ? &a[k].origin[lead] : nullptr, &a[k].stride[lead]
+    if (arrays == 1) filled = jorma_genpackL(LEAD, ARRAY(0));
+    if (arrays == 2) filled = jorma_mappackL(LEAD, ARRAY(0), ARRAY(1));
+    if (arrays == 3) filled = jorma_zippackL(LEAD, ARRAY(0), ARRAY(1), ARRAY(2));
+    if (arrays == 4) filled = jorma_zip3packL(LEAD, ARRAY(0), ARRAY(1), ARRAY(2), ARRAY(3));
+    if (arrays == 5) filled = jorma_zip4packL(LEAD, ARRAY(0), ARRAY(1), ARRAY(2), ARRAY(3), ARRAY(4));
 #undef LEAD
 #undef ARRAY
-}
-
-TEST(Pack, FillsTheRecord) {
-    uint8_t byte;
-    const int32_t size[4] = {2, 3, 4, 0x2B};
-    const Array a[5];
-    for (int n = 1; n <= 5; ++n)
-        for (int used : {3, 4}) {
-            Log log;
-            jorm_pack r;
-            std::memset(&r, 0xA5, sizeof r);
-            ASSERT_EQ(pack(&r, &log, n, used, 7, size, a, &byte), &r);
-            EXPECT_TRUE(r.count == n && r.reduce_hint == 0 && r.opcode == code && r.slots == 4 && r.piece_axes == 7);
-            EXPECT_EQ(r.codes, (0x9DBA1u & ((1u << 4 * n) - 1)) | 11u << 24);
-            EXPECT_TRUE(r.entry == entries[n - 1] && r.parameters == &log);
-            EXPECT_TRUE(r.environment == environment && r.options == option_bits && r.size == size);
-            EXPECT_STREQ(r.name, "unknown");
-            for (int k = 0; k < n; ++k) {
-                const jorm_pack_array &p = r.array[k];
-                EXPECT_TRUE(p.type == types[k] && p.base == &byte && p.origin == a[k].origin &&
-                            p.stride == a[k].stride);
-            }
-        }
-    jorm_pack r;
-    jorma_genpackL(&r, code, nullptr, nullptr, 0, nullptr, JORM_WORD(4), 3, size, 1, nullptr, size, size);
-    EXPECT_TRUE(!r.array[0].base && !r.array[0].origin && !r.array[0].stride);
-    jorma_genpackL(&r, code, nullptr, nullptr, 0, nullptr, JORM_WORD(4), 3, size, 1, &byte, size, nullptr);
-    EXPECT_TRUE(!r.array[0].base && !r.array[0].origin && !r.array[0].stride);
+    EXPECT_TRUE(filled == &r && r.count == arrays && r.reduce_hint == 0 && r.opcode == code && r.slots == 4);
+    EXPECT_EQ(r.codes, (0x9DBA1u & ((1u << 4 * arrays) - 1)) | uint32_t(size[3] & 15) << 24);
+    EXPECT_STREQ(r.name, "unknown");
+    return r;
 }
 
 // Random layouts: every element is seen once, corresponding ones together, in pieces of at most the wanted axes.
 TEST(Pack, EveryElementOnce) {
-    std::mt19937 rng(1);
-    std::vector<uint8_t> memory(1 << 16);
+    Random r(1);
+    Bytes memory(1 << 16);
     uint8_t *const base = memory.data() + memory.size() / 2;
-    for (int i = 0; i < 3000; ++i) {
-        int32_t size[4];
-        for (int32_t &v : size) v = int32_t(1 + rng() % 4);
-        const int n = int(1 + rng() % 5), used = rng() % 4 ? 4 : 3;
-        if (used == 3) size[0] = 1;
+    for (int round = 0; round < 3000; ++round) {
+        const int n = r.in(1, 5), used = r.in(3, 4), axes = r.in(-1, 4);
+        const Index size = {used == 3 ? 1 : r.in(1, 4), r.in(1, 4), r.in(1, 4), r.in(1, 4)};
         Array a[5];
         for (Array &x : a) {
-            int32_t step = int32_t(1 + rng() % 2);
-            for (int s = 3; s >= 0; --s) {
-                x.stride[s] = rng() % 8 ? step : -step;
-                if (rng() % 16 == 0) x.stride[s] = 0;
-                step = step * size[s] + (rng() % 3 ? 0 : int32_t(rng() % 5));
-                x.origin[s] = s < 4 - used ? 0 : int32_t(rng() % 3);
+            int32_t step = r.in(1, 2);
+            for (size_t s = 4; s-- > 0;) {
+                x.stride[s] = r.one_in(16) ? 0 : r.one_in(8) ? -step : step;
+                step = step * size[s] + (r.one_in(3) ? r.in(0, 4) : 0);
+                x.origin[s] = s < size_t(4 - used) ? 0 : r.in(0, 2);
             }
-            x.has_origin = rng() % 4;
+            x.has_origin = !r.one_in(4);
         }
         Log log;
         log.memory = base;
-        const int axes = int(rng() % 6) - 1;
-        jorm_pack r;
-        ASSERT_EQ(jorma_call(pack(&r, &log, n, used, axes, size, a, base)), JORM_OK);
+        log.most_axes = std::clamp(axes, 2, 3);
+        const jorm_pack record = pack(&log, n, used, axes, size, a, base);
+        ASSERT_EQ(jorma_call(&record), JORM_OK);
         EXPECT_TRUE(log.passed_on);
-        EXPECT_LE(int(log.axes), std::clamp(axes, 2, 3));
         std::vector<Places> want;
-        for (int32_t z = 0; z < size[0]; ++z)
-            for (int32_t y = 0; y < size[1]; ++y)
-                for (int32_t x = 0; x < size[2]; ++x)
-                    for (int32_t c = 0; c < size[3]; ++c) {
-                        Places here{};
-                        for (int k = 0; k < n; ++k) {
-                            const int32_t at[4] = {z, y, x, c};
-                            for (int s = 0; s < 4; ++s)
-                                here[size_t(k)] +=
-                                    ptrdiff_t(at[s] + (a[k].has_origin ? a[k].origin[s] : 0)) * a[k].stride[s];
-                        }
-                        want.push_back(here);
-                    }
+        each(size, [&](const Index &i) {
+            Places &here = want.emplace_back();
+            for (size_t k = 0; k < size_t(n); ++k)
+                for (size_t s = 0; s < 4; ++s)
+                    here[k] += ptrdiff_t(i[s] + (a[k].has_origin ? a[k].origin[s] : 0)) * a[k].stride[s];
+        });
         std::sort(want.begin(), want.end());
         std::sort(log.places.begin(), log.places.end());
-        ASSERT_EQ(want, log.places) << "round " << i;
+        ASSERT_EQ(want, log.places) << "round " << round;
     }
 }
 
+// Two arrays of which the first is dense.
 struct Dense {
-    int32_t size[4] = {3, 4, 5, 2};
-    Array a[2];
+    Index size = {3, 4, 5, 2};
+    Array a[2] = {{{}, {40, 10, 2, 1}}, {{}, {40, 10, 2, 1}}};
     uint8_t memory[256];
     Log log;
     jorm_pack record;
-
     Dense() {
         log.memory = memory;
-        for (Array &x : a) {
-            const int32_t stride[4] = {40, 10, 2, 1};
-            std::copy_n(stride, 4, x.stride);
-        }
+        record = pack(&log, 2, 4, 3, size, a, memory);
     }
-    int64_t call(int axes) { return jorma_call(pack(&record, &log, 2, 4, axes, size, a, memory)); }
 };
 
 TEST(Pack, MergesWhatIsContiguousInEveryArray) {
-    Dense dense;
-    EXPECT_EQ(dense.call(3), JORM_OK);
-    EXPECT_EQ(dense.log.calls, 1);
-    Dense padded; // rows of one array do not follow each other
-    padded.a[1].stride[0] = 48, padded.a[1].stride[1] = 12;
-    EXPECT_EQ(padded.call(3), JORM_OK);
-    EXPECT_EQ(padded.log.calls, 1);
-    EXPECT_EQ(padded.call(2), JORM_OK);
-    EXPECT_EQ(padded.log.calls, 1 + 12);
-    Dense planes; // nor do planes
-    planes.a[1].stride[0] = 50, planes.a[1].stride[1] = 12;
-    EXPECT_EQ(planes.call(3), JORM_OK);
-    EXPECT_EQ(planes.log.calls, 3);
-    Dense one;
-    one.size[0] = 1, one.a[1].stride[0] = 1000, one.a[1].stride[1] = 12;
-    EXPECT_EQ(one.call(3), JORM_OK);
-    EXPECT_EQ(one.log.calls, 1);
+    const struct {
+        int planes, plane_stride, row_stride, axes, hint, calls;
+        uint64_t options;
+    } cases[] = {
+        {3, 40, 10, 3, 0, 1, 0},
+        {3, 48, 12, 3, 0, 1, 0}, // the rows of one array do not follow each other
+        {3, 48, 12, 2, 0, 12, 0},
+        {3, 50, 12, 3, 0, 3, 0}, // nor do its planes
+        {1, 1000, 12, 3, 0, 1, 0},
+        {3, 40, 10, 3, -1, 1, 0x100}, // with both option bits the hint keeps axes from being merged
+        {3, 40, 10, 3, -1, 1, 0x200},
+        {3, 40, 10, 3, -1, 3, 0x300},
+    };
+    for (const auto &c : cases) {
+        Dense d;
+        d.size[0] = c.planes, d.a[1].stride[0] = c.plane_stride, d.a[1].stride[1] = c.row_stride;
+        d.record.piece_axes = c.axes, d.record.reduce_hint = int16_t(c.hint), d.record.options |= c.options;
+        EXPECT_EQ(jorma_call(&d.record), JORM_OK);
+        EXPECT_EQ(d.log.calls, c.calls) << &c - cases;
+    }
 }
 
 TEST(Pack, PassesTheFirstFailureOn) {
-    Dense d;
-    d.a[0].stride[0] = 50, d.a[0].stride[1] = 12;
-    d.log.stop_at = 2, d.log.status = JORM_ENOMEM;
-    EXPECT_EQ(d.call(3), JORM_ENOMEM);
-    EXPECT_EQ(d.log.calls, 2);
-    EXPECT_EQ(d.log.places.size(), 80u);
-    d.log.status = 7; // any status but 0 ends the call
-    d.log.calls = 0;
-    EXPECT_EQ(d.call(3), 7);
+    for (const int64_t status : {int64_t(JORM_ENOMEM), int64_t(7)}) { // any status but 0 ends the call
+        Dense d;
+        d.a[0].stride[0] = 50, d.a[0].stride[1] = 12;
+        d.log.stop_at = 2, d.log.status = status;
+        EXPECT_EQ(jorma_call(&d.record), status);
+        EXPECT_EQ(d.log.calls, 2);
+        EXPECT_EQ(d.log.places.size(), 80u);
+    }
 }
 
 TEST(Pack, RefusesBadRecords) {
-    Dense d;
-    pack(&d.record, &d.log, 2, 4, 3, d.size, d.a, d.memory);
-    for (int count : {0, 6, 65535}) {
-        jorm_pack r = d.record;
-        r.count = uint16_t(count);
-        EXPECT_EQ(jorma_call(&r), JORM_EINVAL);
+    void (*const faults[])(Dense &) = {
+        [](Dense &d) { d.record.count = 0; },      [](Dense &d) { d.record.count = 6; },
+        [](Dense &d) { d.record.count = 65535; },  [](Dense &d) { d.record.entry = nullptr; },
+        [](Dense &d) { d.record.size = nullptr; }, [](Dense &d) { d.size[1] = 0; },
+    };
+    for (const auto fault : faults) {
+        Dense d;
+        fault(d);
+        EXPECT_EQ(jorma_call(&d.record), JORM_EINVAL) << &fault - faults;
+        EXPECT_EQ(d.log.calls, 0);
     }
-    jorm_pack r = d.record;
-    r.entry = nullptr;
-    EXPECT_EQ(jorma_call(&r), JORM_EINVAL);
-    r = d.record;
-    r.size = nullptr;
-    EXPECT_EQ(jorma_call(&r), JORM_EINVAL);
-    d.size[1] = 0;
-    EXPECT_EQ(jorma_call(&d.record), JORM_EINVAL);
     EXPECT_EQ(jorma_call(nullptr), JORM_EINVAL);
-    EXPECT_EQ(d.log.calls, 0);
     EXPECT_EQ(jorma_proc_einval(), JORM_EINVAL);
     EXPECT_EQ(jorma_proc_enotimp(), JORM_ENOTIMP);
     EXPECT_EQ(jorma_proc_enotsup(), JORM_ENOTSUP);
@@ -246,23 +189,17 @@ TEST(Pack, RefusesBadRecords) {
 
 TEST(Pack, AnArrayMayBeLeftOut) {
     Dense d;
-    pack(&d.record, &d.log, 2, 4, 3, d.size, d.a, d.memory);
     d.record.array[1] = {types[1], nullptr, nullptr, nullptr};
     EXPECT_EQ(jorma_call(&d.record), JORM_OK);
     EXPECT_TRUE(d.log.calls == 1 && d.log.passed_on && d.log.places.size() == 120);
     EXPECT_EQ(d.log.places.back(), (Places{119, 0}));
-}
-
-// With both option bits the hint keeps axes from being merged.
-TEST(Pack, Hint) {
-    Dense d;
-    pack(&d.record, &d.log, 2, 4, 3, d.size, d.a, d.memory);
-    for (uint64_t bits : {0x100, 0x200, 0x300}) {
-        d.log.calls = 0;
-        d.record.options = bits;
-        d.record.reduce_hint = -1;
-        EXPECT_EQ(jorma_call(&d.record), JORM_OK);
-        EXPECT_EQ(d.log.calls, bits == 0x300 ? 3 : 1);
+    const int32_t *const vector = d.size.data();
+    d.size[3] = 0x2B;
+    for (const int32_t *stride : {vector, static_cast<const int32_t *>(nullptr)}) {
+        void *const base = stride ? nullptr : d.memory;
+        jorma_genpackL(&d.record, code, nullptr, nullptr, 0, nullptr, JORM_WORD(4), 3, vector, 1, base, vector, stride);
+        EXPECT_EQ(d.record.codes, JORM_U8 | 11u << 24);
+        EXPECT_TRUE(!d.record.array[0].base && !d.record.array[0].origin && !d.record.array[0].stride);
     }
 }
 

@@ -1,13 +1,9 @@
+// Sorting by angle, hulls, orientation and enclosing rectangles of point sets against exact arithmetic.
 #include "jorm/pointset.h"
+#include "support/picture.hpp"
 
-#include <algorithm>
-#include <cmath>
 #include <cstdlib>
-#include <cstring>
-#include <gtest/gtest.h>
-#include <random>
 #include <tuple>
-#include <vector>
 
 namespace {
 
@@ -77,37 +73,39 @@ template <class P> void check_hull(const Points &points, const Points &expected,
     const int n = int(in.size());
     auto own = in, other = in;
     P *block = nullptr;
-    const int counts[] = {hull(own.data(), n), hull(other.data(), in.data(), n), hull(in.data(), n, &block)};
-    for (int count : counts) ASSERT_EQ(int(want.size()), count);
-    for (const P *result : {own.data(), other.data(), block})
-        ASSERT_EQ(pairs(want.data(), want.size()), pairs(result, want.size()));
+    const std::pair<int, const P *> results[] = {{hull(own.data(), n), own.data()},
+                                                 {hull(other.data(), in.data(), n), other.data()},
+                                                 {hull(in.data(), n, &block), block}};
+    for (const auto &[count, result] : results)
+        ASSERT_EQ(pairs(want.data(), want.size()), pairs(result, size_t(count)));
     free(block);
 }
 
 // Kinds of sets within [-range, range).
-Points some_points(std::mt19937 &rng, int kind, size_t n, int64_t range) {
+Points some_points(Random &r, int kind, size_t n, int64_t range) {
     Points v;
-    const auto one = [&] { return std::uniform_int_distribution<int64_t>(-range, range - 1)(rng); };
+    std::uniform_int_distribution<int32_t> one(int32_t(-range), int32_t(range - 1));
     while (v.size() < n) {
-        I p = {int32_t(one()), int32_t(one())};
+        I p = {one(r), one(r)};
         if (kind == 1) p = {p.x / 3, p.x / 3 * 2};                                      // a line
         if (kind == 2) p = {p.x, int32_t(-range + int64_t(double(p.x) * p.x / range))}; // convex, dense corners
-        if (kind == 3 && v.size() % 4) p = rng() % 2 ? I{p.x, int32_t(-range)} : I{int32_t(range - 1), p.y}; // on edges
+        if (kind == 3 && v.size() % 4)
+            p = r.one_in(2) ? I{int32_t(range - 1), p.y} : I{p.x, int32_t(-range)}; // on edges
         v.push_back(p);
         if (kind == 4 && v.size() < n) v.push_back(p); // twice
     }
-    std::shuffle(v.begin(), v.end(), rng);
+    std::shuffle(v.begin(), v.end(), r);
     return v;
 }
 
 TEST(PointSet, HullIsExact) {
-    std::mt19937 rng(1);
+    Random r(1);
     for (int64_t range : {int64_t(2), int64_t(12), int64_t(1000), int64_t(1) << 22, int64_t(1) << 31})
         for (size_t n : {1, 3, 4, 5, 7, 31, 32, 33, 300, 2000})
             for (int kind = 0; kind < 5; ++kind)
                 for (int repeat = 0; repeat < (n < 100 ? 10 : 1); ++repeat) {
                     SCOPED_TRACE(testing::Message() << "range " << range << " n " << n << " kind " << kind);
-                    const Points v = some_points(rng, kind, n, range), expected = expected_hull(v);
+                    const Points v = some_points(r, kind, n, range), expected = expected_hull(v);
                     check_hull<jorm_2d_pt>(v, expected, 0, 1);
                     check_hull<jorm_r2d_pt>(v, expected, 0, 1);
                     if (range <= 1 << 22) check_hull<jorm_f2d_pt>(v, expected, 0, 0x1p30);
@@ -126,14 +124,14 @@ TEST(PointSet, HullIsExact) {
 // Points whose differences are not exact in f64 and nearly in line, as multiples of 2^-53 (Kettner, Mehlhorn and
 // others, "Classroom examples of robustness problems in geometric computations", 2008).
 TEST(PointSet, TurnsOfFloatsAreExact) {
-    std::mt19937 rng(6);
+    Random r(6);
     const auto turn = [](const jorm_r2d_pt &a, const jorm_r2d_pt &b, const jorm_r2d_pt &q) {
         const auto d = [](double from, double to) { return Big(int64_t(to * 0x1p53) - int64_t(from * 0x1p53)); };
         return d(a.y, b.y) * d(a.x, q.x) - d(a.x, b.x) * d(a.y, q.y);
     };
     for (int round = 0; round < 2000; ++round) {
         std::vector<jorm_r2d_pt> v = {{12, 12}, {24, 24}, {12, 12 + 0x1p-49 * (round % 3 - 1)}};
-        while (v.size() < 12) v.push_back({0.5 + rng() % 16 * 0x1p-53, 0.5 + rng() % 16 * 0x1p-53});
+        while (v.size() < 12) v.push_back({0.5 + r.in(0, 15) * 0x1p-53, 0.5 + r.in(0, 15) * 0x1p-53});
         auto h = v;
         const int n = hull(h.data(), 12);
         for (int i = 0; i < n; ++i) {
@@ -145,9 +143,9 @@ TEST(PointSet, TurnsOfFloatsAreExact) {
 }
 
 TEST(PointSet, HullOfAMillion) {
-    std::mt19937 rng(2);
+    Random r(2);
     for (int kind = 0; kind < 3; ++kind) {
-        Points v = some_points(rng, kind, 1000000, 1000000);
+        Points v = some_points(r, kind, 1000000, 1000000);
         const int n = hull(v.data(), 1000000);
         EXPECT_TRUE(kind == 1 ? n == 1000000 : jorm_2d_ptv_isconvex(v.data(), n));
     }
@@ -160,46 +158,40 @@ bool comes_first(I pivot, I a, I b) {
     return std::fabs(turn) > 0x1p-23 ? turn > 0 : std::hypot(bx, by) - std::hypot(ax, ay) > 0x1p-23;
 }
 
+template <class P> Pairs sorted_by_angle(std::vector<P> v) {
+    angular_sort(v.data(), int(v.size()));
+    return pairs(v.data(), v.size());
+}
+
 TEST(PointSet, SortsByAngleAndDistance) {
-    std::mt19937 rng(3);
+    Random r(3);
     for (int kind = 0; kind < 5; ++kind) {
-        const Points v = some_points(rng, kind, 500, kind == 0 ? 2 : 1000);
+        const Points v = some_points(r, kind, 500, kind == 0 ? 2 : 1000);
         Points expected = v;
         const I pivot = *std::min_element(v.begin(), v.end(), left_of);
         std::sort(expected.begin(), expected.end(), [&](I a, I b) { return comes_first(pivot, a, b); });
-        auto i = v;
-        auto f = on_grid<jorm_f2d_pt>(v, 0, 1);
-        auto r = on_grid<jorm_r2d_pt>(v, 0, 0x1p600);
-        angular_sort(i.data(), 500), angular_sort(f.data(), 500), angular_sort(r.data(), 500);
-        const auto want = pairs(expected.data(), 500);
-        EXPECT_EQ(want, pairs(i.data(), 500));
-        EXPECT_EQ(want, pairs(f.data(), 500));
-        EXPECT_EQ(pairs(on_grid<jorm_r2d_pt>(expected, 0, 0x1p600).data(), 500), pairs(r.data(), 500));
+        EXPECT_EQ(pairs(expected.data(), 500), sorted_by_angle(v));
+        EXPECT_EQ(pairs(expected.data(), 500), sorted_by_angle(on_grid<jorm_f2d_pt>(v, 0, 1)));
+        EXPECT_EQ(pairs(on_grid<jorm_r2d_pt>(expected, 0, 0x1p600).data(), 500),
+                  sorted_by_angle(on_grid<jorm_r2d_pt>(v, 0, 0x1p600)));
     }
     // 3e-8 apart the nearer point precedes, 3e-7 apart the angle decides; pi apart is far apart.
     const Points order = {{0, 0}, {30, 1000000000}, {0, 2000000000}, {300, 900000000}, {1, -20000000}};
-    int next[] = {0, 1, 2, 3, 4};
-    do {
-        Points v;
-        for (int i : next) v.push_back(order[i]);
-        angular_sort(v.data(), 5);
-        EXPECT_EQ(pairs(order.data(), 5), pairs(v.data(), 5));
-    } while (std::next_permutation(next, next + 5));
+    Points v = order;
+    std::sort(v.begin(), v.end(), left_of);
+    do EXPECT_EQ(pairs(order.data(), 5), sorted_by_angle(v));
+    while (std::next_permutation(v.begin(), v.end(), left_of));
     // A fan within a few tolerances has no strict order, but keeps its points.
     Points fan = {{0, 0}};
-    for (int i = 1; i < 3000; ++i) fan.push_back({int32_t(rng() % 500), int32_t(1000000000 + rng() % 1000000000)});
-    Points sorted = fan;
-    angular_sort(sorted.data(), 3000);
-    EXPECT_TRUE(sorted[0].x == 0 && sorted[0].y == 0);
-    std::sort(fan.begin(), fan.end(), left_of), std::sort(sorted.begin(), sorted.end(), left_of);
-    EXPECT_EQ(pairs(fan.data(), 3000), pairs(sorted.data(), 3000));
+    while (fan.size() < 3000) fan.push_back({r.in(0, 499), r.in(1000000000, 1999999999)});
+    Pairs sorted = sorted_by_angle(fan), all = pairs(fan.data(), 3000);
+    EXPECT_EQ(sorted[0], all[0]);
+    EXPECT_TRUE(std::is_permutation(sorted.begin(), sorted.end(), all.begin()));
 }
 
 TEST(PointSet, AreaOrientationConvexity) {
-    const struct {
-        Points points;
-        std::vector<double> shape; // area, ccw, cw, convex, colinear
-    } cases[] = {
+    const std::pair<Points, std::vector<double>> cases[] = {
+        // area, ccw, cw, convex, colinear
         {{}, {0, 0, 1, 0, 1}},
         {{{3, 4}, {5, 6}}, {0, 0, 1, 0, 1}},
         {{{0, 0}, {0, 1}, {1, 1}, {1, 0}}, {1, 0, 1, 1, 0}},
@@ -210,11 +202,11 @@ TEST(PointSet, AreaOrientationConvexity) {
         {{{0, 0}, {2, 2}, {2, 2}, {5, 0}}, {5, 0, 1, 1, 1}}, // a hidden corner
         {{{-5, -5}, {5, 5}, {1, 1}}, {0, 0, 1, 1, 1}},
     };
-    for (const auto &c : cases) {
-        const int n = int(c.points.size());
-        EXPECT_EQ(c.shape, shape(c.points.data(), n)) << &c - cases;
-        EXPECT_EQ(c.shape, shape(on_grid<jorm_f2d_pt>(c.points, 0, 1).data(), n)) << &c - cases;
-        EXPECT_EQ(c.shape, shape(on_grid<jorm_r2d_pt>(c.points, 0, 1).data(), n)) << &c - cases;
+    for (const auto &[points, wanted] : cases) {
+        const int n = int(points.size());
+        EXPECT_EQ(wanted, shape(points.data(), n)) << n;
+        EXPECT_EQ(wanted, shape(on_grid<jorm_f2d_pt>(points, 0, 1).data(), n)) << n;
+        EXPECT_EQ(wanted, shape(on_grid<jorm_r2d_pt>(points, 0, 1).data(), n)) << n;
     }
     const int32_t lo = INT32_MIN, hi = INT32_MAX;
     const Points whole = {{lo, lo}, {lo, hi}, {hi, hi}, {hi, lo}}, thin = {{lo, lo}, {hi, hi - 1}, {hi, hi}};
@@ -226,26 +218,26 @@ TEST(PointSet, LowestBoundsAndCasts) {
     const Points v = {{3, 9}, {-2, 7}, {-2, -4}, {8, 1}, {-2, -4}};
     EXPECT_EQ(&v[2], jorm_2d_ptv_lowest(v.data(), 5));
     EXPECT_EQ(nullptr, jorm_2d_ptv_lowest(nullptr, 5));
-    jorm_2d_rect i, none;
+    jorm_2d_rect i;
     jorm_f2d_rect f;
     jorm_f2d_quad q;
     const auto box = [](auto *b) { return Pairs{{b->x, b->y}, {b->width, b->height}}; };
     EXPECT_EQ((Pairs{{-2, -4}, {10, 13}}), box(jorm_2d_ptv_brect(&i, v.data(), 5)));
-    EXPECT_EQ((Pairs{{INT32_MAX, INT32_MAX}, {1, 1}}), box(jorm_2d_ptv_brect(&none, nullptr, 0)));
-    EXPECT_EQ((Pairs{{INFINITY, INFINITY}, {-INFINITY, -INFINITY}}), box(jorm_f2d_ptv_brect(&f, nullptr, 0)));
+    EXPECT_EQ((Pairs{{INT32_MAX, INT32_MAX}, {1, 1}}), box(jorm_2d_ptv_brect(&i, nullptr, 0)));
+    EXPECT_EQ((Pairs{{inf, inf}, {-inf, -inf}}), box(jorm_f2d_ptv_brect(&f, nullptr, 0)));
     EXPECT_EQ((Pairs{{-2, -4}, {-2, 9}, {8, 9}, {8, -4}}), pairs(jorm_2d_ptv_bquad_$f(&q, v.data(), 5)->pt, 4));
     I c[4];
-    const jorm_r2d_pt r[] = {{0.5, -1.5}, {2.5, 2147483647.4}, {2147483647.5, -1e300}, {NAN, 7}};
+    const jorm_r2d_pt r[] = {{0.5, -1.5}, {2.5, 2147483647.4}, {2147483647.5, -1e300}, {nan, 7}};
     EXPECT_EQ((Pairs{{0, -2}, {2, INT32_MAX}, {INT32_MIN, INT32_MIN}, {INT32_MIN, 7}}),
               pairs(jorm_2d_ptv_cast_$r(c, r, 4), 4));
 }
 
 TEST(PointSet, LeastRectangle) {
-    std::mt19937 rng(4);
+    Random r(4);
     for (int kind = 0; kind < 5; ++kind)
         for (size_t n : {2, 3, 4, 6, 40, 200})
             for (int range : {3, 1000}) {
-                const Points v = some_points(rng, kind, n, range);
+                const Points v = some_points(r, kind, n, range);
                 jorm_r2d_quad q, box;
                 ASSERT_EQ(&q, jorm_2d_ptv_minbquad_$r(&q, v.data(), int(n)));
                 jorm_2d_ptv_bquad_$r(&box, v.data(), int(n));
@@ -260,10 +252,9 @@ TEST(PointSet, LeastRectangle) {
                         const double ex = b.x - a.x, ey = b.y - a.y;
                         double u0 = 0, u1 = 0, v0 = 0, v1 = 0;
                         for (I p : v) {
-                            const double px = p.x - a.x, py = p.y - a.y, along = px * ex + py * ey,
-                                         aside = py * ex - px * ey;
-                            u0 = std::min(u0, along), u1 = std::max(u1, along);
-                            v0 = std::min(v0, aside), v1 = std::max(v1, aside);
+                            const double u = (p.x - a.x) * ex + (p.y - a.y) * ey,
+                                         w = (p.y - a.y) * ex - (p.x - a.x) * ey;
+                            u0 = std::min(u0, u), u1 = std::max(u1, u), v0 = std::min(v0, w), v1 = std::max(v1, w);
                         }
                         if (u1 > 0) least = std::min(least, (u1 - u0) * (v1 - v0) / (ex * ex + ey * ey));
                     }
@@ -287,12 +278,12 @@ TEST(PointSet, LeastRectangle) {
 }
 
 TEST(PointSet, OddFloatsDoNoHarm) {
-    std::mt19937 rng(5);
-    const double odd[] = {NAN, INFINITY, -INFINITY, 1e308, -1e308, 5e-324, -0.0, 1e155, 3, -7};
+    Random r(5);
+    const double odd[] = {nan, inf, -inf, 1e308, -1e308, 5e-324, -0.0, 1e155, 3, -7};
     for (int n = 1; n < 300; ++n) {
         std::vector<jorm_r2d_pt> v(n), out(n);
-        for (auto &p : v) p = {rng() % 1000 / 7.0, rng() % 1000 / 3.0};
-        for (int k = n % 8; k > 0; --k) (rng() % 2 ? v[rng() % n].x : v[rng() % n].y) = odd[rng() % 10];
+        for (auto &p : v) p = {r.in(0, 999) / 7.0, r.in(0, 999) / 3.0};
+        for (int k = n % 8; k > 0; --k) (r.one_in(2) ? v[r() % n].x : v[r() % n].y) = r.of(odd);
         jorm_r2d_quad q;
         jorm_r2d_ptv_minbquad(&q, v.data(), n);
         const int count = hull(out.data(), v.data(), n);

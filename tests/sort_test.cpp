@@ -1,12 +1,9 @@
+// Sorts of elements of any size, their bounds and their orders; searches.
 #include "jorm/sort.h"
+#include "support/heap.hpp"
+#include "support/picture.hpp"
 
-#include <algorithm>
-#include <cmath>
-#include <cstring>
-#include <gtest/gtest.h>
 #include <numeric>
-#include <random>
-#include <vector>
 
 namespace {
 
@@ -19,75 +16,68 @@ const Forms all_forms[] = {{UlHeapSort, UlHeapSort_nck, __UlHeapSort},
                            {UlQuickSort, UlQuickSort_nck, __UlQuickSort},
                            {UlSelectSort, UlSelectSort_nck, __UlSelectSort}};
 
-// Elements are bytes, the first one the key. The context counts the calls and holds the array, outside of which nothing
-// may be compared.
+// The context counts the calls and holds the array, outside of which nothing may be compared.
 struct Calls {
-    const unsigned char *begin, *end;
+    const uint8_t *begin, *end;
     size_t count = 0;
 };
 
 int32_t by_first_byte(const void *a, const void *b, void *context) {
     auto *calls = static_cast<Calls *>(context);
-    auto *x = static_cast<const unsigned char *>(a), *y = static_cast<const unsigned char *>(b);
+    auto *x = static_cast<const uint8_t *>(a), *y = static_cast<const uint8_t *>(b);
     ++calls->count;
     EXPECT_TRUE(x >= calls->begin && x < calls->end && y >= calls->begin && y < calls->end);
     return *x < *y ? INT32_MIN : *x > *y;
 }
 
-// n elements of the given size with given keys, numbered in bytes 1 and 2 where these exist, sorted at an odd address
-// between two zero bytes; returns the numbers (the keys of smaller elements) in sorted order.
-std::vector<int> order_after(const Forms &forms, int form, const std::vector<int> &keys, size_t size, size_t &count) {
-    const size_t n = keys.size();
-    std::vector<unsigned char> data(n * size + 2), result;
-    for (size_t i = 0; i < n; ++i) {
-        unsigned char *e = data.data() + 1 + i * size;
-        e[size - 1] = 7;
-        if (size > 2) e[1] = i & 255, e[2] = i >> 8;
-        e[0] = keys[i];
-    }
-    result = data;
-    void *base = result.data() + 1;
-    Calls calls{result.data() + 1, result.data() + 1 + n * size};
-    EXPECT_TRUE(form || forms.checked(base, n, size, by_first_byte, &calls) == 0);
-    if (form) (form == 1 ? forms.unchecked : forms.core)(base, n, size, by_first_byte, &calls);
-    count = calls.count;
-    EXPECT_EQ(0, result.front() | result.back());
-    std::vector<int> order(n);
-    for (size_t i = 0; i < n; ++i) {
-        const unsigned char *e = calls.begin + i * size;
-        order[i] = size > 2 ? e[1] | e[2] << 8 : e[0];
-        EXPECT_TRUE(size < 3 || !memcmp(e, data.data() + 1 + order[i] * size, size));
-    }
-    return order;
+// Elements in some order: a byte with the key, two with the number, more of their own; as many as there is room for.
+// The array lies at an odd address between two zero bytes.
+Bytes array_of(const std::vector<int> &keys, const std::vector<int> &order, size_t size) {
+    Bytes bytes(order.size() * size + 2);
+    for (size_t i = 0; i < order.size(); ++i)
+        for (size_t b = 0; b < size; ++b) {
+            const int number = order[i];
+            bytes[1 + i * size + b] = uint8_t(b == 0   ? keys[size_t(number)]
+                                              : b == 2 ? number >> 8
+                                                       : number + int(b) - 1);
+        }
+    return bytes;
+}
+
+// Sorts by one of the three forms and returns the number of comparisons.
+size_t sort(Bytes &bytes, const Forms &forms, int form, size_t n, size_t size) {
+    Calls calls{&bytes[1], &bytes[1] + n * size};
+    EXPECT_TRUE(form || forms.checked(&bytes[1], n, size, by_first_byte, &calls) == 0);
+    if (form) (form == 1 ? forms.unchecked : forms.core)(&bytes[1], n, size, by_first_byte, &calls);
+    return calls.count;
 }
 
 TEST(Sort, EveryFormSizeAndLength) {
-    std::mt19937 rng(1);
+    Random r(1);
     for (size_t n : {0, 1, 2, 3, 4, 7, 8, 9, 10, 40, 255, 256, 257, 700})
         for (int round = n < 5 ? 0 : 27; round < 30; ++round) {
-            const int range = round % 3 == 0 ? 1 : round % 3 == 1 ? 3 : 256;
-            std::vector<int> keys(n), stable(n), numbers(n);
-            for (int &key : keys) key = rng() % range;
+            std::vector<int> keys(n), numbers(n), order(n);
+            for (int &key : keys) key = r.in(0, std::array{0, 2, 255}[size_t(round % 3)]);
             std::iota(numbers.begin(), numbers.end(), 0);
-            stable = numbers;
-            std::stable_sort(stable.begin(), stable.end(), [&](int a, int b) { return keys[a] < keys[b]; });
+            std::vector<int> stable = numbers;
+            const auto smaller = [&](int a, int b) { return keys[size_t(a)] < keys[size_t(b)]; };
+            std::stable_sort(stable.begin(), stable.end(), smaller);
             for (const Forms &forms : all_forms) {
-                size_t calls, first_calls;
-                const std::vector<int> first = order_after(forms, 0, keys, 3, first_calls);
-                std::vector<int> kept = first, sorted_keys;
-                for (int i : first) sorted_keys.push_back(keys[i]);
-                EXPECT_TRUE(std::is_sorted(sorted_keys.begin(), sorted_keys.end()));
-                std::sort(kept.begin(), kept.end());
-                EXPECT_EQ(numbers, kept);
-                EXPECT_TRUE(forms.checked != UlInsertSort || first == stable);
+                Bytes first = array_of(keys, numbers, 3);
+                const size_t calls = sort(first, forms, 0, n, 3);
+                for (size_t i = 0; i < n; ++i) order[i] = first[3 * i + 2] | first[3 * i + 3] << 8;
+                EXPECT_TRUE(std::is_permutation(order.begin(), order.end(), numbers.begin()));
+                EXPECT_TRUE(std::is_sorted(order.begin(), order.end(), smaller));
+                EXPECT_TRUE(forms.checked != UlInsertSort || order == stable);
                 const bool selects = forms.checked == UlSelectSort || (forms.checked == UlQuickSort && n < 9);
-                EXPECT_TRUE(!selects || first_calls == (n ? n * (n - 1) / 2 : 0));
-                EXPECT_TRUE(forms.checked != UlHeapSort || n != 3 || first_calls <= 3);
+                EXPECT_TRUE(!selects || calls == (n ? n * (n - 1) / 2 : 0));
+                EXPECT_TRUE(forms.checked != UlHeapSort || n != 3 || calls <= 3);
                 // Neither the size nor the form of the call changes anything.
                 for (size_t size : {1, 2, 3, 4, 8, 12, 16, 23, 40, 256, 300})
                     for (int form = 0; form < (n > 3 ? 3 : 2); ++form) {
-                        EXPECT_EQ(size > 2 ? first : sorted_keys, order_after(forms, form, keys, size, calls));
-                        EXPECT_EQ(first_calls, calls);
+                        Bytes bytes = array_of(keys, numbers, size);
+                        EXPECT_EQ(sort(bytes, forms, form, n, size), calls);
+                        EXPECT_TRUE(bytes == array_of(keys, order, size)) << n << " of " << size;
                     }
             }
         }
@@ -96,13 +86,23 @@ TEST(Sort, EveryFormSizeAndLength) {
 TEST(Sort, RefusesBadArguments) {
     int one = 1;
     for (const Forms &forms : all_forms) {
-        for (size_t count : {0, 1}) EXPECT_EQ(-1, forms.checked(&one, count, 0, by_first_byte, nullptr));
-        for (size_t count : {size_t(0x20000000), SIZE_MAX})
-            EXPECT_EQ(-1, forms.checked(&one, count, 4, by_first_byte, nullptr));
+        for (const auto &[count, size] : {std::pair(size_t(0), size_t(0)), {1, 0}, {0x20000000, 4}, {SIZE_MAX, 4}})
+            EXPECT_EQ(-1, forms.checked(&one, count, size, by_first_byte, nullptr));
         EXPECT_EQ(-1, forms.checked(nullptr, 1, 4, by_first_byte, nullptr));
         EXPECT_EQ(-1, forms.checked(&one, 1, 4, nullptr, nullptr));
         EXPECT_EQ(0, forms.checked(nullptr, 0, SIZE_MAX, nullptr, nullptr));
     }
+}
+
+// Large elements are inserted through a block of memory; without any the array stays.
+TEST(Sort, InsertionWithoutMemory) {
+    if (!own_heap) GTEST_SKIP();
+    Bytes bytes = array_of({3, 2, 1}, {0, 1, 2}, 300);
+    const Bytes before = bytes;
+    heap_limit = 0;
+    const size_t calls = sort(bytes, all_forms[1], 1, 3, 300);
+    heap_limit = SIZE_MAX;
+    EXPECT_TRUE(bytes == before) << calls;
 }
 
 // An opponent that decides the order while it is asked, so that every pivot is among the smallest left (McIlroy 1999);
@@ -132,23 +132,23 @@ TEST(Sort, QuickSortStaysWithinItsBound) {
             EXPECT_LT(opponent.count, (130 + 3 * std::log2(n)) * n);
             EXPECT_GT(opponent.count, 60 * n); // it is a hard one
         }
-    std::vector<unsigned char> equal(10000, 7);
+    Bytes equal(10000, 7);
     Calls calls{equal.data(), equal.data() + 10000};
     ASSERT_EQ(0, UlQuickSort(equal.data(), 10000, 1, by_first_byte, &calls));
     EXPECT_LT(calls.count, 30000u);
 }
 
 TEST(Sort, NonsenseComparisonsKeepAllElements) {
-    std::mt19937 rng(2);
-    const auto random = [](const void *, const void *, void *r) { return int((*static_cast<std::mt19937 *>(r))()); };
-    const auto less = [](const void *, const void *, void *) { return -1; };
-    const auto greater = [](const void *, const void *, void *) { return 1; };
+    const jorm_ulcmp nonsense[] = {
+        [](const void *, const void *, void *r) { return int32_t((*static_cast<Random *>(r))()); },
+        [](const void *, const void *, void *) { return -1; }, [](const void *, const void *, void *) { return 1; }};
+    Random r(2);
     for (const Forms &forms : all_forms)
-        for (jorm_ulcmp cmp : {jorm_ulcmp(random), jorm_ulcmp(less), jorm_ulcmp(greater)}) {
-            std::vector<int> v(500), all(500);
-            std::iota(all.begin(), all.end(), 0);
-            v = all;
-            EXPECT_EQ(0, forms.checked(v.data(), v.size(), 4, cmp, &rng));
+        for (jorm_ulcmp cmp : nonsense) {
+            std::vector<int> v(500);
+            std::iota(v.begin(), v.end(), 0);
+            const std::vector<int> all = v;
+            EXPECT_EQ(0, forms.checked(v.data(), v.size(), 4, cmp, &r));
             EXPECT_TRUE(std::is_permutation(v.begin(), v.end(), all.begin()));
         }
 }
@@ -175,12 +175,13 @@ TEST(Search, FindsNeighboursWithinTheBound) {
         }
     }
     int key = calls = 0;
-    for (auto search : {UlBsearch, UlBsearchN, UlBsearchP})
-        EXPECT_EQ(nullptr, search(&key, &key, 0, 4, compare, &calls));
-    EXPECT_EQ(nullptr, UlBsearch_s(&key, &key, 1, 0, compare, &calls, &error));
-    EXPECT_EQ(nullptr, UlBsearch_s(&key, &key, 0x80000000, 1, compare, &calls, nullptr));
-    EXPECT_EQ(nullptr, UlBsearch_s(nullptr, &key, 1, 4, compare, &calls, &error));
-    EXPECT_EQ(nullptr, UlBsearch_s(nullptr, nullptr, 0, 4, nullptr, nullptr, &error));
+    for (const void *found :
+         {UlBsearch(&key, &key, 0, 4, compare, &calls), UlBsearchN(&key, &key, 0, 4, compare, &calls),
+          UlBsearchP(&key, &key, 0, 4, compare, &calls), UlBsearch_s(&key, &key, 1, 0, compare, &calls, &error),
+          UlBsearch_s(&key, &key, 0x80000000, 1, compare, &calls, nullptr),
+          UlBsearch_s(nullptr, &key, 1, 4, compare, &calls, &error),
+          UlBsearch_s(nullptr, nullptr, 0, 4, nullptr, nullptr, &error)})
+        EXPECT_EQ(nullptr, found);
     EXPECT_EQ(0, calls);
     EXPECT_EQ(-1, error);
 }

@@ -3,7 +3,6 @@
 #include "jorm/arith.h"
 #include "jorm/convert.h"
 #include "kernel/level_table.hpp"
-#include "kernel/stream.hpp"
 #include "xe/scratch.hpp"
 
 #include <algorithm>
@@ -167,7 +166,6 @@ int64_t run(Family family, int line, const Shape &shape, const ArithCall &call) 
         params.shift = std::clamp(call.p, -200, 200); // from there on nothing changes
         params.scale = std::ldexp(1.0, std::clamp(call.p, -1000, 1000));
     }
-    params.stream = stream_at(which);
     const FamilyKeys &keys = family_keys[family];
     if (keys.constants > 0)
         run_with_constants(family, rows, base, shape, call, params);

@@ -8,15 +8,15 @@
 #include "kernel/call.hpp"
 #include "kernel/level_table.hpp"
 #include "kernel/proc.hpp"
-#include "kernel/stream.hpp"
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace jorm {
 
 JORM_LEVEL_TABLE(const Row, convert_rows);
-JORM_LEVEL_TABLE(const Row, range_rows);
-JORM_LEVEL_TABLE(const Row, range_pattern_rows);
+JORM_LEVEL_TABLE(const RangeRows, range_rows);
 
 namespace {
 
@@ -61,55 +61,130 @@ int64_t run_conversion(int line, uint64_t options, uint32_t word, const int32_t 
     if (const int64_t status = read_operands(shape, word, size, operands[0], operands[1]); status != JORM_OK)
         return status;
     const Level which = level(options);
-    RowParams params;
-    params.stream = stream_at(which);
-    walk_channels(shape, operands, 2, JORM_OF_LEVEL(convert_rows, which)[line], params);
+    walk_channels(shape, operands, 2, JORM_OF_LEVEL(convert_rows, which)[line], RowParams{}, which);
     return JORM_OK;
 }
 
-// The constants that carry a range onto another; a source range without extent goes to the start of the destination's.
-void solve(double &scale, double &offset, const vrng &dst, const vrng &src) {
-    scale = is_degenerate(src) ? 0 : (dst.hi - dst.lo) / (src.hi - src.lo);
-    offset = is_degenerate(src) ? dst.lo : dst.lo - src.lo * scale;
+struct Line {
+    double scale, offset;
+};
+
+// The line that carries a range onto another; a source range without extent goes to the start of the destination's.
+Line line_between(const vrng &src, const vrng &dst) {
+    if (is_degenerate(src)) return {0, dst.lo};
+    const double scale = (dst.hi - dst.lo) / (src.hi - src.lo);
+    return {scale, dst.lo - src.lo * scale};
+}
+
+// The lines of a row: one for every element, or one for each channel.
+struct Lines {
+    Line line[4];
+    int count;
+};
+
+template <class F> void by_element(const Lines &lines, F f) {
+    for (int j = 0; j < (lines.count > 1 ? pattern_length : 1); ++j) f(j, lines.line[j % lines.count]);
+}
+
+// Constants for results in fixed point with 16 bits of fraction. Rounding to nearest becomes a floor by adding half of
+// the integers' unit, and `error`, the most that a result may be wrong by: then the floor is right unless the fraction
+// is below twice that.
+//
+// With u = 2^-24, the part that one rounding loses at most: where a result matters, the sum is below 2^24 and the
+// product below 2^24 + |offset|. In the product the roundings of the scale, of s32 to f32 and of the product itself
+// count, in the offset its own. The sum and its conversion lose 3/4 together: 1/2 and nothing from 2^23 on, 1/4 and 1/2
+// below that. What double precision loses goes into the rest. Results farther out may be wrong by more, but do not come
+// near the range by that. NaN and what exceeds 32 bits become -2^31, whose fraction is 0.
+bool to_fixed_point(RangeParams &params, const Lines &lines, bool fused, bool wide_source) {
+    constexpr double one = 65536, u = 0x1p-24, rest = 0x1p-6, most = 64;
+    double error = 0;
+    for (int c = 0; c < lines.count; ++c) {
+        const double scale = lines.line[c].scale * one;
+        const double offset = (std::fabs(lines.line[c].offset) * one + one / 2 + most) * u;
+        const double scale_error = scale == 0 ? 0 : std::fabs((double(float(scale)) - scale) / scale) / u;
+        error = std::max(error, 0.75 + rest + offset + (1 + offset) * (scale_error + !fused + wide_source));
+    }
+    if (!(error <= most)) return false;
+    params.doubt = uint16_t(std::ceil(2 * error));
+    by_element(lines, [&](int j, const Line &line) {
+        params.fast[0][j] = float(line.scale * one);
+        params.fast[1][j] = float(line.offset * one + one / 2 + error);
+        params.fast[2][j] = params.fast[3][j] = 0;
+    });
+    return true;
+}
+
+// Constants in two pieces. The first are multiples of a unit in the last place of the largest result, so that the
+// product with a byte and the sum are exact, and even for integers, which are rounded piece by piece. For u8 one piece
+// will do. Do the offsets have no second piece?
+bool to_pieces(RangeParams &params, const Lines &lines, uint32_t dst) {
+    bool whole_offset = true;
+    by_element(lines, [&](int j, const Line &line) {
+        const double last = 255 * line.scale + line.offset;
+        const double reach = std::max({std::fabs(255 * line.scale), std::fabs(line.offset), std::fabs(last), 1e-30});
+        const double power = std::bit_cast<double>(std::bit_cast<uint64_t>(reach) & uint64_t(0x7ff) << 52);
+        const double unit = std::max(power * 0x1p-23, dst == f32 ? 0.0 : 2.0);
+        const auto first = [&](double x) { return float(dst == u8 ? x : double(std::lrint(x / unit)) * unit); };
+        params.fast[0][j] = first(line.scale);
+        params.fast[1][j] = first(line.offset);
+        params.fast[2][j] = float(line.scale - params.fast[0][j]);
+        params.fast[3][j] = float(line.offset - params.fast[1][j]);
+        whole_offset = whole_offset && params.fast[3][j] == 0;
+    });
+    return whole_offset;
+}
+
+// The quickest row that gives the results of the exact one; its constants go to `params`.
+Row choose_row(const RangeRows &rows, RangeParams &params, const Lines &lines, double elements, uint32_t dst,
+               uint32_t src) {
+    constexpr double worthwhile = 2048;
+    const bool by_channel = lines.count > 1;
+    const Row exact = rows.exact[by_channel], fast = rows.fast[by_channel], brief = rows.brief[by_channel];
+    if (!fast || elements < (src == u8 ? worthwhile : pattern_length)) return exact;
+    for (int c = 0; c < lines.count; ++c)
+        if (!(std::fabs(lines.line[c].scale) < 1e30 && std::fabs(lines.line[c].offset) < 1e30)) return exact;
+    if (src != u8) return to_fixed_point(params, lines, rows.fused, src == s32) ? fast : exact;
+    const bool quick = to_pieces(params, lines, dst) && brief;
+    for (int c = 0; c < lines.count; ++c)
+        if (!rows.holds[quick](params, c)) return exact;
+    return quick ? brief : fast;
 }
 
 int64_t run_range_conversion(int line, jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void *dst,
                              const int32_t *dst_stride, const void *src, const int32_t *src_stride,
                              const vrng *dst_ranges, const vrng *src_ranges) {
     Shape shape;
-    const uint32_t type = range_conversions[line].dst;
-    const Operand operands[1 + max_sources] = {operand(type, dst, dst_stride),
-                                               operand(range_conversions[line].src, src, src_stride)};
+    const RangeConversion &types = range_conversions[line];
+    const Operand operands[1 + max_sources] = {operand(types.dst, dst, dst_stride),
+                                               operand(types.src, src, src_stride)};
     if (!dst_ranges || !src_ranges) return JORM_EINVAL;
     if (const int64_t status = read_operands(shape, word, size, operands[0], operands[1]); status != JORM_OK)
         return status;
 
-    double scale[4], offset[4], lo[4];
+    Lines all = {{}, shape.channels};
+    double lo[4];
     bool all_degenerate = true, uniform = true;
     for (int c = 0; c < shape.channels; ++c) {
-        solve(scale[c], offset[c], dst_ranges[c], src_ranges[c]);
+        all.line[c] = line_between(src_ranges[c], dst_ranges[c]);
         lo[c] = dst_ranges[c].lo;
         all_degenerate = all_degenerate && is_degenerate(src_ranges[c]);
-        uniform = uniform && scale[c] == scale[0] && offset[c] == offset[0];
+        uniform = uniform && all.line[c].scale == all.line[0].scale && all.line[c].offset == all.line[0].offset;
     }
-    if (all_degenerate) return jorma__fill(xe, options, word, size, type, dst, dst_stride, lo);
+    if (all_degenerate) return jorma__fill(xe, options, word, size, types.dst, dst, dst_stride, lo);
 
     const Level which = level(options);
     const bool fold = channels_fold(shape, operands, 2);
     ConstantPattern pattern[2];
-    RowParams params;
-    params.stream = stream_at(which);
+    RangeParams params;
     params.constants[0] = &pattern[0];
     params.constants[1] = &pattern[1];
-    uniform = uniform || !fold;
     for (int c = 0; c < (fold ? 1 : shape.channels); ++c) {
-        for (int j = 0; j < (uniform ? 1 : pattern_length); ++j) {
-            const int channel = fold ? j % shape.channels : c;
-            pattern[0].real[j] = scale[channel];
-            pattern[1].real[j] = offset[channel];
-        }
-        Walk w = make_walk(shape, operands, 2, fold ? -1 : c);
-        walk(w, (uniform ? JORM_OF_LEVEL(range_rows, which) : JORM_OF_LEVEL(range_pattern_rows, which))[line], params);
+        const Lines lines = fold && !uniform ? all : Lines{{all.line[c]}, 1};
+        by_element(lines, [&](int j, const Line &l) { pattern[0].real[j] = l.scale, pattern[1].real[j] = l.offset; });
+        Walk w = make_walk(shape, operands, 2, fold ? -1 : c, which);
+        const Row row = choose_row(JORM_OF_LEVEL(range_rows, which)[line], params, lines,
+                                   double(w.rows) * double(w.length), types.dst, types.src);
+        walk(w, row, params);
     }
     return JORM_OK;
 }

@@ -1,6 +1,7 @@
 // Rows of conversions: to nearest even, clamped.
 #include "convert/convert_rows.hpp"
 #include "kernel/constant_loop.hpp"
+#include "kernel/level_vectors.hpp"
 
 namespace jorm::JORM_LEVEL {
 namespace {
@@ -32,13 +33,174 @@ template <class D, class S> [[gnu::always_inline]] inline D convert_element(S x)
 }
 
 template <class D, class S> void plain(void *dst, const void *const *src, int64_t n, const RowParams &) {
-    row1<D, S>(dst, src, n, [](S x) { return convert_element<D>(x); });
+    const auto element = [](auto x) { return convert_element<D>(x); };
+    if constexpr (same<S, u8> && sizeof(D) == sizeof(s32))
+        widened_row<D>(dst, src, n, element);
+    else
+        row1<D, S>(dst, src, n, element);
 }
 
-// x * scale + offset, the constants of the row, in double precision.
-template <bool Uniform, class D, class S> void range(void *dst, const void *const *src, int64_t n, const RowParams &p) {
-    constant_row<Uniform, 2, f64, D, S, void *>(
-        dst, src, n, p, [](S x, f64 scale, f64 offset) { return convert_element<D>(f64(x) * scale + offset); });
+// ------------------------------------------------------------- range to range
+
+template <class D, class S> [[gnu::always_inline]] inline D exact_element(S x, f64 scale, f64 offset) {
+    return convert_element<D>(f64(x) * scale + offset);
+}
+
+// In double precision.
+template <bool Uniform, class D, class S>
+void exact_range(void *dst, const void *const *src, int64_t n, const RowParams &p) {
+    constant_row<Uniform, 2, f64, D, S, void *>(dst, src, n, p, exact_element<D, S>);
+}
+
+// Where it makes no difference whether the product is rounded.
+#ifdef __FP_FAST_FMAF
+constexpr bool fused = true;
+[[gnu::always_inline]] inline f32 multiply_add(f32 a, f32 b, f32 c) { return __builtin_fmaf(a, b, c); }
+#else
+constexpr bool fused = false;
+[[gnu::always_inline]] inline f32 multiply_add(f32 a, f32 b, f32 c) { return a * b + c; }
+#endif
+
+// The constants of the fast rows.
+struct Pieces {
+    f32 scale, offset, scale_rest, offset_rest;
+};
+[[gnu::always_inline]] inline Pieces pieces_at(const RangeParams &p, int j) {
+    return {p.fast[0][j], p.fast[1][j], p.fast[2][j], p.fast[3][j]};
+}
+
+// The fast rows go by chunks of a pattern. Halves of words take fewer instructions than conversions.
+constexpr int chunk = 64;
+static_assert(pattern_length % chunk == 0);
+union Words {
+    s32 whole[chunk];
+    uint16_t half[2 * chunk];
+};
+constexpr int upper = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? 1 : 0;
+
+[[gnu::always_inline]] inline int next_chunk(int j) { return j + chunk < pattern_length ? j + chunk : 0; }
+
+// To bytes, in fixed point with 16 bits of fraction; the lanes of `least` gather the least fractions.
+template <bool Uniform, class S>
+[[gnu::always_inline]] inline void round_chunk(u8 *d, const S *s, int n, const RangeParams &p, Pieces first, int j,
+                                               uint16_t *least) {
+    Words y;
+    for (int l = 0; l < n; ++l) {
+        const Pieces k = Uniform ? first : pieces_at(p, j + l);
+        y.whole[l] = nearest(multiply_add(f32(s[l]), k.scale, k.offset));
+    }
+    for (int l = 0; l < n; ++l) {
+        const uint16_t fraction = y.half[2 * l + 1 - upper];
+        least[l] = fraction < least[l] ? fraction : least[l];
+        d[l] = clamped<u8>(s16(y.half[2 * l + upper]));
+    }
+}
+
+// A block of them. Is no result in doubt?
+template <bool Uniform, class S>
+[[gnu::always_inline]] inline bool round_block(u8 *d, const S *s, int n, const RangeParams &p) {
+    uint16_t least[chunk], least_of_all = 0xffff;
+    for (int l = 0; l < chunk; ++l) least[l] = 0xffff;
+    const Pieces k = pieces_at(p, 0);
+    int i = 0, j = 0;
+    for (; i + chunk <= n; i += chunk, j = next_chunk(j)) round_chunk<Uniform>(d + i, s + i, chunk, p, k, j, least);
+    if (i < n) round_chunk<Uniform>(d + i, s + i, n - i, p, k, j, least);
+    for (int l = 0; l < chunk; ++l) least_of_all = least[l] < least_of_all ? least[l] : least_of_all;
+    return least_of_all >= p.doubt;
+}
+
+// Blocks with a result in doubt are computed again in double precision. After some of them in succession the next ones
+// go there at once.
+template <bool Uniform, class S> void to_bytes(void *dst, const void *const *src, int64_t n, const RowParams &params) {
+    constexpr int block = 2 * pattern_length, patience = 4, respite = 60;
+    const RangeParams &p = static_cast<const RangeParams &>(params);
+    u8 aside[block]; // in place, the source has to survive the attempt
+    u8 *d = elements<u8>(dst);
+    const S *s = elements<S>(src[0]);
+    for (int m; n > 0; n -= m, d += m, s += m) {
+        m = n < block ? int(n) : block;
+        if (p.doubtful >= 0) {
+            const uintptr_t from = reinterpret_cast<uintptr_t>(s), to = reinterpret_cast<uintptr_t>(d);
+            const bool apart = to + block <= from || from + sizeof(S) * block <= to;
+            u8 *target = apart ? d : aside;
+            if (m == block ? round_block<Uniform>(target, s, block, p) : round_block<Uniform>(target, s, m, p)) {
+                for (int l = 0; !apart && l < m; ++l) d[l] = aside[l];
+                p.doubtful = 0;
+                continue;
+            }
+            p.doubtful = p.doubtful < patience ? p.doubtful + 1 : -respite;
+        } else
+            ++p.doubtful;
+        const void *again = s;
+        exact_range<Uniform, u8, S>(d, &again, m, p);
+    }
+}
+
+// From bytes, by the constants' two pieces; brief where the offset has no second one.
+template <bool Brief, class D> [[gnu::always_inline]] inline D of_byte(f32 x, Pieces k) {
+    const f32 main = multiply_add(x, k.scale, k.offset);
+    if constexpr (Brief)
+        return multiply_add(x, k.scale_rest, main);
+    else {
+        const f32 rest = multiply_add(x, k.scale_rest, k.offset_rest);
+        if constexpr (is_real<D>)
+            return main + rest;
+        else if constexpr (same<D, u8>)
+            return convert_element<D>(main);
+        else
+            return convert_element<D>(s32(uint32_t(nearest(main)) + uint32_t(nearest(rest))));
+    }
+}
+
+template <bool Brief, bool Uniform, class D>
+void from_bytes(void *dst, const void *const *src, int64_t n, const RowParams &params) {
+    const RangeParams &p = static_cast<const RangeParams &>(params);
+    D *d = elements<D>(dst);
+    const u8 *s = elements<u8>(src[0]);
+    const Pieces k = pieces_at(p, 0);
+    int64_t i = 0;
+    int j = 0;
+    for (; i + chunk <= n; i += chunk, j = next_chunk(j)) {
+        Words x;
+        widen<chunk>(x.whole, s + i);
+        for (int l = 0; l < chunk; ++l)
+            d[i + l] = of_byte<Brief, D>(f32(x.whole[l]), Uniform ? k : pieces_at(p, j + l));
+    }
+    for (; i < n; ++i, ++j) d[i] = of_byte<Brief, D>(s[i], Uniform ? k : pieces_at(p, j));
+}
+
+template <int Bytes> struct Bits { using type = uint32_t; };
+template <> struct Bits<2> { using type = uint16_t; };
+template <> struct Bits<1> { using type = u8; };
+
+// Are the results with entry j of the constants the exact ones, for every byte?
+template <bool Brief, class D> bool holds(const RangeParams &p, int j) {
+    using B = typename Bits<sizeof(D)>::type;
+    const Pieces k = pieces_at(p, j);
+    const f64 scale = p.constants[0]->real[j], offset = p.constants[1]->real[j];
+    B difference = 0;
+    for (s32 x = 0; x < 256; ++x)
+        difference |= B(__builtin_bit_cast(B, of_byte<Brief, D>(f32(x), k)) ^
+                        __builtin_bit_cast(B, exact_element<D>(x, scale, offset)));
+    return difference == 0;
+}
+
+template <class D, class S> constexpr RangeRows rows_of() {
+    RangeRows rows = {{exact_range<true, D, S>, exact_range<false, D, S>}, {}, {}, {}, fused};
+    if constexpr (same<S, u8>) {
+        rows.fast[0] = from_bytes<false, true, D>;
+        rows.fast[1] = from_bytes<false, false, D>;
+        rows.holds[0] = holds<false, D>;
+        if constexpr (is_real<D>) {
+            rows.brief[0] = from_bytes<true, true, D>;
+            rows.brief[1] = from_bytes<true, false, D>;
+            rows.holds[1] = holds<true, D>;
+        }
+    } else if constexpr (same<D, u8>) {
+        rows.fast[0] = to_bytes<true, S>;
+        rows.fast[1] = to_bytes<false, S>;
+    }
+    return rows;
 }
 
 } // namespace
@@ -47,10 +209,8 @@ template <bool Uniform, class D, class S> void range(void *dst, const void *cons
 extern const Row convert_rows[];
 const Row convert_rows[] = {JORM_CONVERSIONS(ROW)};
 
-#define UNIFORM(name, D, S) range<true, D, S>,
-#define PATTERN(name, D, S) range<false, D, S>,
-extern const Row range_rows[], range_pattern_rows[];
-const Row range_rows[] = {JORM_RANGE_CONVERSIONS(UNIFORM)};
-const Row range_pattern_rows[] = {JORM_RANGE_CONVERSIONS(PATTERN)};
+#define RANGE(name, D, S) rows_of<D, S>(),
+extern const RangeRows range_rows[];
+constexpr RangeRows range_rows[] = {JORM_RANGE_CONVERSIONS(RANGE)};
 
 } // namespace jorm::JORM_LEVEL

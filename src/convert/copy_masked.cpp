@@ -2,7 +2,6 @@
 
 #include "jorm/shapes.h"
 #include "kernel/level_table.hpp"
-#include "kernel/stream.hpp"
 
 #include <algorithm>
 #include <bit>
@@ -98,7 +97,6 @@ int64_t fill_masked(MaskedCall &&call, const double *values, bool choose, const 
                                                                  : masked_fill_far;
     const int op = !choose ? fill : uniform ? masked_choose : masked_choose_pattern;
     RowParams params;
-    params.stream = stream_at(level(call.options));
     for (int c = 0; c < (fold ? 1 : shape.channels); ++c) {
         params.constants[0] = in.lay_out(c, period, length);
         if (choose) params.constants[1] = out.lay_out(c, period, length);

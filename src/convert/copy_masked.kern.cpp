@@ -1,11 +1,7 @@
 // Rows under a mask. The mask is the last source; it selects where it differs from 0, inverted from 255. Sources may be
 // the destination itself: no element depends on another one.
 #include "convert/copy_masked.hpp"
-#include "kernel/level_ops.hpp"
-
-#ifdef JORM_LEVEL_avx512
-#include <immintrin.h>
-#endif
+#include "kernel/level_vectors.hpp"
 
 namespace jorm::JORM_LEVEL {
 namespace {
@@ -37,15 +33,11 @@ template <u8 skip, class T, class In>
 #ifdef JORM_LEVEL_avx512
 constexpr int64_t block = 64; // elements that one comparison of the mask decides about
 
-template <u8 skip> [[gnu::always_inline]] inline uint64_t selected(const u8 *m) {
-    return _mm512_cmpneq_epi8_mask(_mm512_loadu_si512(m), _mm512_set1_epi8(char(skip)));
-}
-
 // Masks come in patches: in the cache it pays to look for blocks of nothing and of everything.
 template <u8 skip, class T, class In>
 [[gnu::always_inline]] inline int64_t update_near(T *d, const u8 *m, int64_t i, int64_t n, In in) {
     for (; i + block <= n; i += block) {
-        const uint64_t which = selected<skip>(m + i);
+        const uint64_t which = bytes_other_than(skip, m + i);
         if (which == 0) continue;
         if (~which == 0) {
 #pragma GCC ivdep
@@ -60,7 +52,7 @@ template <u8 skip, class T, class In>
 template <u8 skip, class T>
 [[gnu::always_inline]] inline int64_t update_far(T *d, const u8 *m, int64_t i, int64_t n, Value<T> in) {
     for (; i + block <= n; i += block)
-        if (selected<skip>(m + i) != 0) update<skip>(d, m, i, i + block, in);
+        if (bytes_other_than(skip, m + i) != 0) update<skip>(d, m, i, i + block, in);
     return i;
 }
 

@@ -61,7 +61,7 @@ inline bool channels_fold(const Shape &s, const Operand *operands, int count) {
 }
 
 // The walk over all channels folded into the rows (channel < 0), or over one of them.
-inline Walk make_walk(const Shape &s, const Operand *operands, int count, int channel, Level level = level_base) {
+inline Walk make_walk(const Shape &s, const Operand *operands, int count, int channel, Level level) {
     const bool fold = channel < 0 && s.channels > 1;
     Walk w;
     w.rows = s.rows;
@@ -80,7 +80,7 @@ inline Walk make_walk(const Shape &s, const Operand *operands, int count, int ch
 
 // Runs the row over all channels, folded where the layout allows it, else one after the other.
 inline void walk_channels(const Shape &s, const Operand *operands, int count, Row row, const RowParams &params,
-                          Level level = level_base, WalkKind kind = WalkKind::map) {
+                          Level level, WalkKind kind = WalkKind::map) {
     const bool fold = channels_fold(s, operands, count);
     for (int c = 0; c < (fold ? 1 : s.channels); ++c) {
         Walk w = make_walk(s, operands, count, fold ? -1 : c, level);

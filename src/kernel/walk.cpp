@@ -71,6 +71,7 @@ bool wants_streaming(const Walk &w) {
 }
 
 void walk_streaming(const Walk &w, Row row, const RowParams &params) {
+    const auto stream = w.transport->stream;
     alignas(line) char block[block_bytes];
     const int64_t step = block_elements(streamed_block_bytes, w.operand[0].element);
     for (int64_t y = 0; y < w.rows; ++y) {
@@ -81,10 +82,10 @@ void walk_streaming(const Walk &w, Row row, const RowParams &params) {
             for (int i = 1; i < w.operands; ++i)
                 src[i - 1] = w.operand[i].start + y * w.operand[i].row_stride + x * w.operand[i].element;
             row(block, src, n, params);
-            params.stream(dst + x * w.operand[0].element, block, n * w.operand[0].element);
+            stream(dst + x * w.operand[0].element, block, n * w.operand[0].element);
         }
     }
-    params.stream(nullptr, nullptr, 0);
+    stream(nullptr, nullptr, 0);
 }
 
 void walk_blocks(const Walk &w, Row row, const RowParams &params) {
@@ -120,7 +121,7 @@ void walk(Walk &w, Row row, const RowParams &params) {
     if (w.rows <= 0 || w.length <= 0) return;
     merge_rows(w);
     if (!all_dense(w)) return walk_blocks(w, row, params);
-    if (params.stream && wants_streaming(w)) return walk_streaming(w, row, params);
+    if (w.transport->stream && wants_streaming(w)) return walk_streaming(w, row, params);
     const int64_t dst_step = w.kind == WalkKind::reduce ? 0 : w.operand[0].row_stride;
     for (int64_t y = 0; y < w.rows; ++y) {
         const void *src[max_sources] = {};

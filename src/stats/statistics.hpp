@@ -13,7 +13,7 @@ struct StatSource {
     const int32_t *size;
     Operand samples;
     bool masked = false;
-    Operand mask = {};
+    Operand mask = {0, nullptr, nullptr};
     int32_t channels = 0; // what a kernel's name says; 0: what the size vector says
 };
 

@@ -1,53 +1,110 @@
 // What the tests of element-wise arithmetic share: the table of operations, their results in exact arithmetic (128 bits
-// and double precision), pictures in any layout, calls at every layer and level.
+// and double precision), calls at every layer and level.
 #pragma once
 #include "jorm/arith.h"
-#include "jorm/xe.h"
-#include "xe/level.hpp"
+#include "support/picture.hpp"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <bit>
-#include <cmath>
-#include <cstring>
-#include <map>
-#include <random>
 #include <string>
 #include <tuple>
-#include <vector>
 
 namespace {
 
 using Wide = __int128;
 using Bits = unsigned __int128;
 using Fn = void (*)();
-using Random = std::mt19937;
 using Result = testing::AssertionResult;
 
-// ---- What there is. Types are letters: c s8, b u8, h s16, i s32, f f32; first the destination's, then the sources'.
+// ---- Calls ----
 
-enum Kind {
-    add,
-    sub,
-    rsub,
-    mul,
-    divide,
-    rdiv,
-    neg,
-    sqr,
-    mla,
-    mls,
-    mlrs,
-    bit_and,
-    bit_or,
-    bit_xor,
-    bit_not,
-    exp_,
-    ln,
-    sigmoid
-};
+enum Layer { entry, adapter, dispatcher, kernel };
+enum Formula { add, sub, rsub, mul, divide, rdiv, neg, sqr, mla, mls, mlrs };
+enum OtherFormula { bit_and = mlrs + 1, bit_or, bit_xor, bit_not, exp_, ln, sigmoid };
 enum Rule { wraps, clamps, squares, truncates };
+
+struct Case;
+using Call = int64_t(const Case &c, jorm_xe *xe, uint64_t options);
+struct Op {
+    const char *name;
+    int sources, constants, kind;
+    Rule rule;
+    const char *types; // of the kernels that there are
+    Fn functions[3];   // by layer
+    Call *const *calls;
+
+    bool logic() const { return kind >= bit_and && kind <= bit_not; } // without p and q
+    bool division() const { return kind == divide || kind == rdiv; }
+    bool product_sum() const { return kind >= mla && kind <= mlrs; }
+    bool smooth() const { return kind >= exp_; }
+};
+
+struct Case {
+    const Op *op;
+    Layer layer = entry;
+    Fn f = op->functions[entry];
+    Picture *x[4] = {}; // destination and sources; a null first source works in place
+    double c[2][4] = {};
+    bool no_constants = false;
+    const jorm_site *roi = nullptr;
+    const int32_t *at[4] = {};
+    int32_t p = 0, q = 0;
+    uint32_t word = JORM_WORD(3);
+    Region region = {}; // what is covered
+    Index size = {};    // as it is handed over
+
+    Picture *picture(int k) const { return x[k] ? x[k] : x[0]; }
+    bool negotiate() {
+        std::vector<const jorm_array *> arrays;
+        std::vector<const int32_t *> starts;
+        for (int k = 0; k <= op->sources; ++k) {
+            arrays.push_back(&picture(k)->a);
+            if (k) starts.push_back(!x[k] && !at[k] && roi ? roi->origin : at[k]);
+        }
+        region = common_region(arrays, roi, starts);
+        size = region.size;
+        return !region.empty;
+    }
+};
+
+template <Layer L, class P> auto operand(const Case &c, int k) {
+    const Picture *p = c.x[k];
+    if constexpr (L == entry)
+        return std::tuple<const jorm_array *>(p ? &p->a : nullptr);
+    else {
+        const int lead = 4 - int(c.word & 15);
+        const Index &origin = c.region.origin[k];
+        P const start = p->a.base ? p->at(L == adapter ? Index{} : origin) : nullptr;
+        const auto flat = std::tuple(start, p->a.stride + lead);
+        if constexpr (L == kernel) return flat;
+        if constexpr (L == dispatcher) return std::tuple_cat(std::tuple(p->a.eltype), flat);
+        if constexpr (L == adapter) return std::tuple(p->a.eltype, start, origin.data() + lead, p->a.stride + lead);
+    }
+}
+
+template <bool B, class... T> auto only_if(T... values) {
+    if constexpr (B)
+        return std::tuple(values...);
+    else
+        return std::tuple();
+}
+template <class... A> int64_t invoke(Fn f, std::tuple<A...> arguments) {
+    return std::apply(reinterpret_cast<int64_t (*)(A...)>(f), arguments);
+}
+
+template <Layer L, int S, int C, bool scaled> int64_t call(const Case &c, jorm_xe *xe, uint64_t options) {
+    constexpr bool flat = L != entry;
+    const double *const c1 = c.no_constants ? nullptr : c.c[0], *const c2 = c.no_constants ? nullptr : c.c[1];
+    const auto sources = [&]<size_t... I>(std::index_sequence<I...>) {
+        return std::tuple_cat(operand<L, const void *>(c, I + 1)..., only_if<(C > 0)>(c1), only_if<(C > 1)>(c2),
+                              only_if<!flat>(c.roi), only_if<!flat>(c.at[I + 1])...);
+    };
+    return invoke(c.f, std::tuple_cat(std::tuple(xe, options), only_if<flat>(c.word, &c.size[4 - (c.word & 15)]),
+                                      operand<L, void *>(c, 0), sources(std::make_index_sequence<S>()),
+                                      only_if<scaled>(c.p, c.q)));
+}
+int64_t call(const Case &c, jorm_xe *xe, uint64_t options = 0) { return c.op->calls[c.layer](c, xe, options); }
+
+// ---- What there is. Types are letters: c s8, b u8, h s16, i s32, f f32; first the destination's, then the sources'.
 
 const char sums[] = "fff ffh ffi ffb fhh fhb fih fii fib fbb hhh hhb hbb iff ifh ifi ifb ihh ihb iih iii iib ibb bhh "
                     "bhb bbb";
@@ -61,99 +118,96 @@ const char mixed3[] = "bbbb bbbh bhbb bhbh bhhb bhhh hbbb hbbh hhbb hhbh hhhb hh
 const char mixed2[] = "bbb bbh bhb bhh hbb hbh hhb hhh ibb ibh ibi ihb ihh ihi iib iih iii fbb fbh fbi fbf fhb fhh fhi "
                       "fhf fib fih fii fif ffb ffh ffi fff";
 
-struct Op {
-    const char *name;
-    int sources, constants;
-    Kind kind;
-    Rule rule;
-    const char *types; // of the kernels that there are
-    Fn entry, adapter, dispatcher;
-
-    template <class E, class A, class D>
-    Op(const char *n, int s, int c, Kind k, Rule r, const char *t, E e, A a, D d)
-        : name(n), sources(s), constants(c), kind(k), rule(r), types(t), entry(Fn(e)), adapter(Fn(a)),
-          dispatcher(Fn(d)) {}
-    bool logic() const { return kind >= bit_and && kind <= bit_not; } // without p and q
-    bool division() const { return kind == divide || kind == rdiv; }
-    bool product_sum() const { return kind >= mla && kind <= mlrs; }
-    bool smooth() const { return kind >= exp_; }
-};
+template <int S, int C, bool scaled>
+constexpr Call *calls[] = {call<entry, S, C, scaled>, call<adapter, S, C, scaled>, call<dispatcher, S, C, scaled>,
+                           call<kernel, S, C, scaled>};
+template <int S, int C, bool scaled = true, class E, class A, class D>
+Op row(const char *name, int kind, Rule rule, const char *types, E e, A a, D d) {
+    return {name, S, C, kind, rule, types, {Fn(e), Fn(a), Fn(d)}, calls<S, C, scaled>};
+}
 
 const Op ops[] = {
-    {"Add", 2, 0, add, wraps, sums, JormAdd, jorma_add, jorma__add},
-    {"Sub", 2, 0, sub, wraps, sums, JormSub, jorma_sub, jorma__sub},
-    {"RSub", 2, 0, rsub, wraps, sums, JormRSub, jorma_rsub, jorma__rsub},
-    {"Mul", 2, 0, mul, wraps, sums, JormMul, jorma_mul, jorma__mul},
-    {"Addq", 2, 0, add, clamps, clamped_sums, JormAddq, jorma_addq, jorma__addq},
-    {"Subq", 2, 0, sub, clamps, clamped_sums, JormSubq, jorma_subq, jorma__subq},
-    {"RSubq", 2, 0, rsub, clamps, clamped_sums, JormRSubq, jorma_rsubq, jorma__rsubq},
-    {"Addsq", 2, 0, add, squares, sums, JormAddsq, jorma_addsq, jorma__addsq},
-    {"Subsq", 2, 0, sub, squares, sums, JormSubsq, jorma_subsq, jorma__subsq},
-    {"RSubsq", 2, 0, rsub, squares, sums, JormRSubsq, jorma_rsubsq, jorma__rsubsq},
-    {"Div", 2, 0, divide, truncates, same3_f, JormDiv, jorma_div, jorma__div},
-    {"Divr", 2, 0, divide, wraps, same3, JormDivr, jorma_divr, jorma__divr},
-    {"RDiv", 2, 0, rdiv, truncates, same3_f, JormRDiv, jorma_rdiv, jorma__rdiv},
-    {"RDivr", 2, 0, rdiv, wraps, same3, JormRDivr, jorma_rdivr, jorma__rdivr},
-    {"AddC", 1, 1, add, wraps, sums_c, JormAddC, jorma_addC, jorma__addC},
-    {"SubC", 1, 1, sub, wraps, sums_c, JormSubC, jorma_subC, jorma__subC},
-    {"RSubC", 1, 1, rsub, wraps, sums_c, JormRSubC, jorma_rsubC, jorma__rsubC},
-    {"MulC", 1, 1, mul, wraps, products_c, JormMulC, jorma_mulC, jorma__mulC},
-    {"AddqC", 1, 1, add, clamps, clamped_sums_c, JormAddqC, jorma_addqC, jorma__addqC},
-    {"SubqC", 1, 1, sub, clamps, clamped_sums_c, JormSubqC, jorma_subqC, jorma__subqC},
-    {"RSubqC", 1, 1, rsub, clamps, clamped_sums_c, JormRSubqC, jorma_rsubqC, jorma__rsubqC},
-    {"AddsqC", 1, 1, add, squares, sums_c, JormAddsqC, jorma_addsqC, jorma__addsqC},
-    {"SubsqC", 1, 1, sub, squares, sums_c, JormSubsqC, jorma_subsqC, jorma__subsqC},
-    {"RSubsqC", 1, 1, rsub, squares, sums_c, JormRSubsqC, jorma_rsubsqC, jorma__rsubsqC},
-    {"DivC", 1, 1, divide, truncates, same2_f, JormDivC, jorma_divC, jorma__divC},
-    {"DivrC", 1, 1, divide, wraps, same2, JormDivrC, jorma_divrC, jorma__divrC},
-    {"RDivC", 1, 1, rdiv, truncates, same2_f, JormRDivC, jorma_rdivC, jorma__rdivC},
-    {"RDivrC", 1, 1, rdiv, wraps, same2, JormRDivrC, jorma_rdivrC, jorma__rdivrC},
-    {"Sigmoid", 1, 1, sigmoid, wraps, real, JormSigmoidAlpha, jorma_sigmoidalpha, jorma__sigmoidalpha},
-    {"Exp", 1, 0, exp_, wraps, real, JormExp, jorma_exp, jorma__exp},
-    {"Ln", 1, 0, ln, wraps, real, JormLn, jorma_ln, jorma__ln},
-    {"Negate", 1, 0, neg, wraps, any2, JormNegate, jorma_neg, jorma__neg},
-    {"Sqr", 1, 0, sqr, clamps, sums_c, Fn(), Fn(), jorma__sqr},
-    {"Negateq", 1, 0, neg, clamps, negations, JormNegateq, jorma_negq, jorma__negq},
-    {"MulAdd", 3, 0, mla, wraps, mixed3, JormMulAdd, jorma_mla, jorma__mla},
-    {"MulSub", 3, 0, mls, wraps, mixed3, JormMulSub, jorma_mls, jorma__mls},
-    {"MulRSub", 3, 0, mlrs, wraps, mixed3, JormMulRSub, jorma_mlrs, jorma__mlrs},
-    {"MulAddC", 2, 1, mla, wraps, mixed2, JormMulAddC, jorma_mlaC, jorma__mlaC},
-    {"MulSubC", 2, 1, mls, wraps, mixed2, JormMulSubC, jorma_mlsC, jorma__mlsC},
-    {"MulRSubC", 2, 1, mlrs, wraps, mixed2, JormMulRSubC, jorma_mlrsC, jorma__mlrsC},
-    {"MulAddCC", 1, 2, mla, wraps, any2, JormMulAddCC, jorma_mlaCC, jorma__mlaCC},
-    {"MulSubCC", 1, 2, mls, wraps, any2, JormMulSubCC, jorma_mlsCC, jorma__mlsCC},
-    {"MulRSubCC", 1, 2, mlrs, wraps, any2, JormMulRSubCC, jorma_mlrsCC, jorma__mlrsCC},
-    {"And", 2, 0, bit_and, wraps, same3, JormAnd, jorma_and, jorma__and},
-    {"Orr", 2, 0, bit_or, wraps, same3, JormOrr, jorma_orr, jorma__orr},
-    {"Xor", 2, 0, bit_xor, wraps, same3, JormXor, jorma_xor, jorma__xor},
-    {"AndC", 1, 1, bit_and, wraps, same2, JormAndC, jorma_andC, jorma__andC},
-    {"OrrC", 1, 1, bit_or, wraps, same2, JormOrrC, jorma_orrC, jorma__orrC},
-    {"XorC", 1, 1, bit_xor, wraps, same2, JormXorC, jorma_xorC, jorma__xorC},
-    {"Not", 1, 0, bit_not, wraps, same2, JormNot, jorma_not, jorma__not},
+    row<2, 0>("Add", add, wraps, sums, JormAdd, jorma_add, jorma__add),
+    row<2, 0>("Sub", sub, wraps, sums, JormSub, jorma_sub, jorma__sub),
+    row<2, 0>("RSub", rsub, wraps, sums, JormRSub, jorma_rsub, jorma__rsub),
+    row<2, 0>("Mul", mul, wraps, sums, JormMul, jorma_mul, jorma__mul),
+    row<2, 0>("Addq", add, clamps, clamped_sums, JormAddq, jorma_addq, jorma__addq),
+    row<2, 0>("Subq", sub, clamps, clamped_sums, JormSubq, jorma_subq, jorma__subq),
+    row<2, 0>("RSubq", rsub, clamps, clamped_sums, JormRSubq, jorma_rsubq, jorma__rsubq),
+    row<2, 0>("Addsq", add, squares, sums, JormAddsq, jorma_addsq, jorma__addsq),
+    row<2, 0>("Subsq", sub, squares, sums, JormSubsq, jorma_subsq, jorma__subsq),
+    row<2, 0>("RSubsq", rsub, squares, sums, JormRSubsq, jorma_rsubsq, jorma__rsubsq),
+    row<2, 0>("Div", divide, truncates, same3_f, JormDiv, jorma_div, jorma__div),
+    row<2, 0>("Divr", divide, wraps, same3, JormDivr, jorma_divr, jorma__divr),
+    row<2, 0>("RDiv", rdiv, truncates, same3_f, JormRDiv, jorma_rdiv, jorma__rdiv),
+    row<2, 0>("RDivr", rdiv, wraps, same3, JormRDivr, jorma_rdivr, jorma__rdivr),
+    row<1, 1>("AddC", add, wraps, sums_c, JormAddC, jorma_addC, jorma__addC),
+    row<1, 1>("SubC", sub, wraps, sums_c, JormSubC, jorma_subC, jorma__subC),
+    row<1, 1>("RSubC", rsub, wraps, sums_c, JormRSubC, jorma_rsubC, jorma__rsubC),
+    row<1, 1>("MulC", mul, wraps, products_c, JormMulC, jorma_mulC, jorma__mulC),
+    row<1, 1>("AddqC", add, clamps, clamped_sums_c, JormAddqC, jorma_addqC, jorma__addqC),
+    row<1, 1>("SubqC", sub, clamps, clamped_sums_c, JormSubqC, jorma_subqC, jorma__subqC),
+    row<1, 1>("RSubqC", rsub, clamps, clamped_sums_c, JormRSubqC, jorma_rsubqC, jorma__rsubqC),
+    row<1, 1>("AddsqC", add, squares, sums_c, JormAddsqC, jorma_addsqC, jorma__addsqC),
+    row<1, 1>("SubsqC", sub, squares, sums_c, JormSubsqC, jorma_subsqC, jorma__subsqC),
+    row<1, 1>("RSubsqC", rsub, squares, sums_c, JormRSubsqC, jorma_rsubsqC, jorma__rsubsqC),
+    row<1, 1>("DivC", divide, truncates, same2_f, JormDivC, jorma_divC, jorma__divC),
+    row<1, 1>("DivrC", divide, wraps, same2, JormDivrC, jorma_divrC, jorma__divrC),
+    row<1, 1>("RDivC", rdiv, truncates, same2_f, JormRDivC, jorma_rdivC, jorma__rdivC),
+    row<1, 1>("RDivrC", rdiv, wraps, same2, JormRDivrC, jorma_rdivrC, jorma__rdivrC),
+    row<1, 1>("Sigmoid", sigmoid, wraps, real, JormSigmoidAlpha, jorma_sigmoidalpha, jorma__sigmoidalpha),
+    row<1, 0>("Exp", exp_, wraps, real, JormExp, jorma_exp, jorma__exp),
+    row<1, 0>("Ln", ln, wraps, real, JormLn, jorma_ln, jorma__ln),
+    row<1, 0>("Negate", neg, wraps, any2, JormNegate, jorma_neg, jorma__neg),
+    row<1, 0>("Sqr", sqr, clamps, sums_c, nullptr, nullptr, jorma__sqr),
+    row<1, 0>("Negateq", neg, clamps, negations, JormNegateq, jorma_negq, jorma__negq),
+    row<3, 0>("MulAdd", mla, wraps, mixed3, JormMulAdd, jorma_mla, jorma__mla),
+    row<3, 0>("MulSub", mls, wraps, mixed3, JormMulSub, jorma_mls, jorma__mls),
+    row<3, 0>("MulRSub", mlrs, wraps, mixed3, JormMulRSub, jorma_mlrs, jorma__mlrs),
+    row<2, 1>("MulAddC", mla, wraps, mixed2, JormMulAddC, jorma_mlaC, jorma__mlaC),
+    row<2, 1>("MulSubC", mls, wraps, mixed2, JormMulSubC, jorma_mlsC, jorma__mlsC),
+    row<2, 1>("MulRSubC", mlrs, wraps, mixed2, JormMulRSubC, jorma_mlrsC, jorma__mlrsC),
+    row<1, 2>("MulAddCC", mla, wraps, any2, JormMulAddCC, jorma_mlaCC, jorma__mlaCC),
+    row<1, 2>("MulSubCC", mls, wraps, any2, JormMulSubCC, jorma_mlsCC, jorma__mlsCC),
+    row<1, 2>("MulRSubCC", mlrs, wraps, any2, JormMulRSubCC, jorma_mlrsCC, jorma__mlrsCC),
+    row<2, 0, false>("And", bit_and, wraps, same3, JormAnd, jorma_and, jorma__and),
+    row<2, 0, false>("Orr", bit_or, wraps, same3, JormOrr, jorma_orr, jorma__orr),
+    row<2, 0, false>("Xor", bit_xor, wraps, same3, JormXor, jorma_xor, jorma__xor),
+    row<1, 1, false>("AndC", bit_and, wraps, same2, JormAndC, jorma_andC, jorma__andC),
+    row<1, 1, false>("OrrC", bit_or, wraps, same2, JormOrrC, jorma_orrC, jorma__orrC),
+    row<1, 1, false>("XorC", bit_xor, wraps, same2, JormXorC, jorma_xorC, jorma__xorC),
+    row<1, 0, false>("Not", bit_not, wraps, same2, JormNot, jorma_not, jorma__not),
 };
 
 const Op &named(const std::string &name) {
     return *std::find_if(std::begin(ops), std::end(ops), [&](const Op &o) { return o.name == name; });
 }
 
-int rank_of(char type) { return int(strchr("cbhif", type) - "cbhif"); }
-uint32_t code_of(char type) { return "\x09\x01\x0A\x0B\x0D"[rank_of(type)]; }
-int bytes_of(char type) { return "\1\1\2\4\4"[rank_of(type)]; }
+char letter_of(uint32_t type) { return type < 14 ? "?b???????chi?f"[type] : '?'; }
+uint32_t code_of(char letter) { return uint32_t(strchr("?b???????chi?f", letter) - "?b???????chi?f"); }
 
 // The type in which the result arises: the destination's, or the widest source's and then it is converted. 0 when
 // nothing serves these types.
-char stage_of(const Op &op, std::string types) {
+uint32_t stage_of(const Op &op, std::string types) {
     const auto served = [&](std::string t) {
         const bool found = strstr(op.types, t.c_str());
         if (op.sources > 1) std::swap(t[1], t[2]);
         return found || strstr(op.types, t.c_str());
     };
-    if (served(types)) return types[0];
-    char widest = 'c';
-    for (char t : types.substr(1)) widest = rank_of(t) > rank_of(widest) ? t : widest;
-    if (types[0] == 'c' || bytes_of(widest) <= bytes_of(types[0]) || op.smooth()) return 0;
-    types[0] = widest;
-    return served(types) ? widest : 0;
+    const auto rank = [](char type) { return strchr("cbhif", type); };
+    const auto bytes = [](char type) { return bytes_of(code_of(type)); };
+    const char widest =
+        *std::max_element(types.begin() + 1, types.end(), [&](char a, char b) { return rank(a) < rank(b); });
+    if (!served(types)) {
+        if (types[0] == 'c' || bytes(widest) <= bytes(types[0]) || op.smooth()) return 0;
+        types[0] = widest;
+    }
+    return served(types) ? code_of(types[0]) : 0;
+}
+std::string types_of(const Case &c) {
+    std::string types;
+    for (int k = 0; k <= c.op->sources; ++k) types += letter_of(c.picture(k)->a.eltype);
+    return types;
 }
 
 // ---- The arithmetic ----
@@ -170,11 +224,9 @@ Value operator+(const Value &a, const Value &b) { return {a.d + b.d, a.whole && 
 Value operator-(const Value &a, const Value &b) { return {a.d - b.d, a.whole && b.whole, a.i - b.i}; }
 Value operator*(const Value &a, const Value &b) { return {a.d * b.d, a.whole && b.whole, a.i * b.i}; }
 
-Value load(char t, const uint8_t *p) {
-    const auto as = [p]<class T>(T v) { return std::memcpy(&v, p, sizeof v), v; };
-    if (t == 'f') return {as(0.f), false, 0, true};
-    const int32_t v = t == 'b' ? *p : t == 'c' ? as(int8_t()) : t == 'h' ? as(int16_t()) : as(int32_t());
-    return {double(v), true, Bits(Wide(v))};
+Value value_at(uint32_t type, const void *p) {
+    const double d = load(type, p);
+    return type == JORM_F32 ? Value{d, false, 0, true} : Value{d, true, Bits(Wide(d))};
 }
 
 Value constant(double d) {
@@ -185,15 +237,8 @@ Value constant(double d) {
     return v;
 }
 
-Wide clamp(Wide v, char t) {
-    const int bits = bytes_of(t) * 8;
-    return std::clamp<Wide>(v, t == 'b' ? 0 : -(Wide(1) << (bits - 1)), (Wide(1) << (bits - (t != 'b'))) - 1);
-}
-
-Wide nearest(double d) { // integer of 32 bits
-    d = std::nearbyint(d);
-    return d >= -2147483648.0 && d <= 2147483647.0 ? Wide(d) : INT32_MIN;
-}
+Wide clamp(Wide v, uint32_t type) { return std::clamp(v, Wide(lowest(type)), Wide(highest(type))); }
+Wide nearest(double d) { return Wide(converted(JORM_S32, d)); }
 
 Wide scaled(Wide v, int p) {
     if (p >= 0) return Wide(p < 128 ? Bits(v) << p : 0);
@@ -227,8 +272,8 @@ Wide quotient(const Value &a, const Value &b, int p, bool truncate) {
     return q + (!away ? 0 : (n < 0) == (m < 0) ? 1 : -1);
 }
 
-// The result as an integer, of which the type t keeps the low bits.
-Wide integer(const Op &op, char t, const Value *v, int p) {
+// The result as an integer, of which the type keeps the low bits.
+Wide integer(const Op &op, uint32_t type, const Value *v, int p) {
     const Wide a = Wide(v[0].i), bits = std::isfinite(v[1].d) ? Wide(constant(std::nearbyint(v[1].d)).i) : INT32_MIN;
     if (op.kind == bit_and) return a & bits;
     if (op.kind == bit_or) return a | bits;
@@ -238,9 +283,9 @@ Wide integer(const Op &op, char t, const Value *v, int p) {
     Value x = combined(op, v);
     if (op.rule == squares) x = x * x;
     const bool huge = x.whole && std::scalbn(std::fabs(x.d), std::max(p, 0)) > 0x1p90;
-    if (op.rule != wraps && huge) return clamp(x.d > 0 ? INT64_MAX : INT64_MIN, t);
+    if (op.rule != wraps && huge) return clamp(x.d > 0 ? INT64_MAX : INT64_MIN, type);
     const Wide r = x.whole ? scaled(Wide(x.i), p) : nearest(std::scalbn(x.d, p));
-    return op.rule == wraps ? r : clamp(r, t);
+    return op.rule == wraps ? r : clamp(r, type);
 }
 
 float single(const Op &op, const Value *v, int p) {
@@ -252,275 +297,111 @@ float single(const Op &op, const Value *v, int p) {
     return float(std::scalbn(op.rule == squares ? d * d : d, p));
 }
 
-// Writes the result into the destination's type t.
-void expected(const Op &op, char stage, char t, const Value *v, int p, uint8_t *out) {
-    const float f = stage == 'f' ? single(op, v, p) : 0;
-    Wide r = stage == 'f' ? nearest(f) : integer(op, stage, v, p);
-    if (t != stage) r = clamp(stage == 'h' ? int16_t(r) : int32_t(r), t);
-    std::memcpy(out, t == 'f' ? static_cast<const void *>(&f) : &r, size_t(bytes_of(t)));
-}
-
-long double smooth(const Op &op, const Value *v, int p) {
-    const long double x = v[0].d, alpha = v[1].d;
-    return scalbnl(op.kind == exp_ ? expl(x) : op.kind == ln ? logl(x) : 1 / (1 + expl(-alpha * x)), p);
+double expected(const Op &op, uint32_t stage, uint32_t type, const Value *v, int p) {
+    const float f = stage == JORM_F32 ? single(op, v, p) : 0;
+    if (type == JORM_F32) return f;
+    Wide r = stage == JORM_F32 ? nearest(f) : integer(op, stage, v, p);
+    if (type != stage) r = clamp(stage == JORM_S16 ? int16_t(r) : int32_t(r), type);
+    return load(type, &r);
 }
 
 // How far f lies from the exact value, in units of its last place.
-double ulps(float f, long double exact) {
+double ulps(const Op &op, const Value *v, int p, float f) {
     constexpr long double top = 0x1p128L; // stands for infinity
-    if (std::isnan(exact) || exact == 0) return std::isnan(exact) ? !std::isnan(f) * 1e9 : double(f != 0) * 1e9;
+    const long double x = v[0].d, alpha = v[1].d;
+    long double exact = scalbnl(op.kind == exp_ ? expl(x) : op.kind == ln ? logl(x) : 1 / (1 + expl(-alpha * x)), p);
+    if (std::isnan(exact) || exact == 0) return (std::isnan(exact) ? std::isnan(f) : f == 0) ? 0 : 1e9;
     exact = std::clamp(exact, -top, top);
     const int e = std::clamp(ilogbl(exact), -126, 127) - 23;
     return double(fabsl(scalbnl((std::isinf(f) ? std::copysign(top, f) : f) - exact, -e)));
 }
 
-// ---- Pictures ----
+// ---- Checks ----
 
-jorm_array described(char type, int h, int w, int channels, int y, int x, int c, int64_t offset, void *base) {
-    jorm_array a = {
-        {1, uint32_t(h), uint32_t(w), uint32_t(channels)}, {}, {8, y, x, c}, 3, 0, code_of(type), 0, 0, base};
-    a.loff = int32_t(offset);
-    return a;
-}
-
-enum Layout { dense, padded_rows, padded_pixels, upward, leftward, view, spread, planar, reversed, repeated, layouts };
-
-struct Picture {
-    char type;
-    jorm_array a{};
-    std::vector<uint8_t> memory;
-    uint8_t *first; // the element at the origin
-
-    // Guards all around, and between rows, pixels and channels where the layout has gaps.
-    Picture(char t, int h, int w, int channels, int layout, Random &rng) : type(t) {
-        const int e = bytes_of(t), gap = e * int(1 + rng() % 5);
-        int c = layout == spread ? e + gap : e, x = layout == planar ? e : c * channels;
-        if (layout == padded_pixels) x += gap;
-        int y = x * w;
-        if (layout == padded_rows || layout == view) y += layout == view ? 16 * x + gap : gap;
-        if (layout == upward) y = -y;
-        if (layout == leftward) x = -x;
-        if (layout == planar) c = y * h + gap;
-        if (layout == reversed) c = -c;
-        if (layout == repeated) y = 0;
-        int64_t low = 0, high = e;
-        for (int64_t s : {int64_t(y) * (h - 1), int64_t(x) * (w - 1), int64_t(c) * (channels - 1)})
-            (s < 0 ? low : high) += s;
-        const int64_t guard = 64 + gap, before = guard - low;
-        memory.resize(size_t(before + high + guard));
-        for (size_t i = 0; i + 4 <= memory.size(); i += 4) {
-            const uint32_t r = uint32_t(rng());
-            std::memcpy(&memory[i], &r, 4);
-        }
-        first = memory.data() + before;
-        const bool offset = layout == view || rng() % 4 == 0;
-        a = described(t, h, w, channels, y, x, c, offset ? before : 0, offset ? memory.data() : first);
-    }
-    ptrdiff_t at(int y, int x, int c) const {
-        return ptrdiff_t(y) * a.stride[1] + ptrdiff_t(x) * a.stride[2] + ptrdiff_t(c) * a.stride[3];
-    }
-
-    // Limits of the types, small numbers with ties, random bits, or a mixture.
-    void paint(Random &rng) {
-        const unsigned flavour = rng() % 4;
-        for (int y = 0; y < int(a.extent[1]); ++y)
-            for (int x = 0; x < int(a.extent[2]); ++x)
-                for (int c = 0; c < int(a.extent[3]); ++c)
-                    put(first + at(y, x, c), flavour == 3 ? rng() % 3 : flavour, rng);
-    }
-    void put(uint8_t *p, unsigned flavour, Random &rng) const {
-        static const int32_t limits[] = {0,   1,    -1,    2,      127,   128,       254,      255,
-                                         256, -128, 32767, -32768, 65535, INT32_MAX, INT32_MIN};
-        static const uint32_t singles[] = {0x80000000, 0x7F800000, 0xFF800000, 0x7FC00000, 0xFFC12345,
-                                           0x7F800001, 0x80000001, 0x7F7FFFFF, 0x00800000, 0x3F000000,
-                                           0x40200000, 0x4EFFFFFF, 0x4F000000, 0xCF000001, 0x437F8000};
-        int32_t i = int32_t(rng());
-        float f = rng() % 2 ? std::bit_cast<float>(i) : std::ldexp(float(i), -int(rng() % 40));
+// Limits of the types, small numbers with ties, random bits, or a mixture.
+void paint(const Picture &picture, Random &r) {
+    static const int32_t limits[] = {0,   1,    -1,    2,      127,   128,       254,      255,
+                                     256, -128, 32767, -32768, 65535, INT32_MAX, INT32_MIN};
+    static const uint32_t singles[] = {0x80000000, 0x7F800000, 0xFF800000, 0x7FC00000, 0xFFC12345,
+                                       0x7F800001, 0x80000001, 0x7F7FFFFF, 0x00800000, 0x3F000000,
+                                       0x40200000, 0x4EFFFFFF, 0x4F000000, 0xCF000001, 0x437F8000};
+    const uint32_t type = picture.a.eltype;
+    const int flavours = r.in(0, 3);
+    each(extent_of(picture.a), [&](const Index &at) {
+        const int flavour = flavours == 3 ? r.in(0, 2) : flavours;
+        int32_t i = int32_t(r());
+        float f = r.one_in(2) ? std::bit_cast<float>(i) : std::ldexp(float(i), -r.in(0, 39));
         if (flavour == 1) i = i % 21, f = float(i) / 4;
-        if (flavour == 2) {
-            f = rng() % 2 ? float(limits[rng() % 15]) : std::bit_cast<float>(singles[rng() % 15]);
-            i = limits[rng() % 15];
-        }
-        std::memcpy(p, type == 'f' ? static_cast<const void *>(&f) : &i, size_t(bytes_of(type)));
-    }
-};
-
-// ---- Calls ----
-
-enum Layer { entry, adapter, dispatcher, kernel };
-
-struct Case {
-    const Op *op;
-    Layer layer = entry;
-    Fn f = op->entry;
-    Picture *x[4] = {}; // destination and sources; a null first source works in place
-    double c[2][4] = {};
-    bool no_constants = false;
-    const jorm_site *roi = nullptr;
-    const int32_t *at[4] = {};
-    int32_t p = 0, q = 0;
-    uint32_t word = JORM_WORD(3);
-    int32_t size[4] = {}, origin[4][4] = {}; // what is covered
-
-    const Picture *picture(int k) const { return x[k] ? x[k] : x[0]; }
-    char stage() const {
-        std::string types;
-        for (int k = 0; k <= op->sources; ++k) types += picture(k)->type;
-        return stage_of(*op, types);
-    }
-    // The common region, false when it is empty: the destination's, shortened by the last source, then by the others.
-    bool negotiate() {
-        for (int s = 0; s < 3; ++s) {
-            const auto extent = [&](int k) { return s ? int(picture(k)->a.extent[s]) : 1; };
-            const int low = origin[0][s] = roi ? std::max(roi->origin[s], 0) : 0;
-            int &n = size[s] = (roi ? std::min(roi->origin[s] + roi->size[s], extent(0)) : extent(0)) - low;
-            for (int i = 0; i < op->sources; ++i) {
-                const int k = i ? i : op->sources;
-                const int32_t *start = !x[k] && !at[k] && roi ? roi->origin : at[k];
-                const int begin = start ? start[s] : 0, from = origin[k][s] = std::max(begin, 0);
-                n = i ? std::min(begin + n, extent(k)) - from : std::min(n, extent(k) - std::abs(begin));
-            }
-        }
-        size[3] = int(x[0]->a.extent[3]);
-        return size[0] > 0 && size[1] > 0 && size[2] > 0;
-    }
-};
-
-template <Layer L, class P> auto operand(const Case &c, int k) {
-    const Picture *p = c.x[k];
-    if constexpr (L == entry)
-        return std::tuple<const jorm_array *>(p ? &p->a : nullptr);
-    else {
-        const int lead = 4 - int(c.word & 15);
-        const int32_t *const stride = p->a.stride + lead, *const origin = c.origin[k] + lead;
-        P const start = p->first && L != adapter ? p->first + p->at(c.origin[k][1], c.origin[k][2], 0) : p->first;
-        if constexpr (L == adapter)
-            return std::tuple(p->a.eltype, start, origin, stride);
-        else if constexpr (L == dispatcher)
-            return std::tuple(p->a.eltype, start, stride);
-        else
-            return std::tuple(start, stride);
-    }
-}
-
-template <bool B, class... T> auto only_if(T... values) {
-    if constexpr (B)
-        return std::tuple(values...);
-    else
-        return std::tuple();
-}
-template <class... A> int64_t invoke(Fn f, std::tuple<A...> arguments) {
-    return std::apply(reinterpret_cast<int64_t (*)(A...)>(f), arguments);
-}
-
-template <Layer L, int S, int C, bool scaled> int64_t call(const Case &c, jorm_xe *xe, uint64_t options) {
-    constexpr bool flat = L != entry;
-    const double *const c1 = c.no_constants ? nullptr : c.c[0], *const c2 = c.no_constants ? nullptr : c.c[1];
-    const auto sources = [&]<size_t... I>(std::index_sequence<I...>) {
-        return std::tuple_cat(operand<L, const void *>(c, I + 1)..., only_if<(C > 0)>(c1), only_if<(C > 1)>(c2),
-                              only_if<!flat>(c.roi), only_if<!flat>(c.at[I + 1])...);
-    };
-    return invoke(c.f, std::tuple_cat(std::tuple(xe, options), only_if<flat>(c.word, c.size + 4 - (c.word & 15)),
-                                      operand<L, void *>(c, 0), sources(std::make_index_sequence<S>()),
-                                      only_if<scaled>(c.p, c.q)));
-}
-
-template <Layer L> int64_t call(const Case &c, jorm_xe *xe, uint64_t options) {
-    using Call = int64_t (*)(const Case &, jorm_xe *, uint64_t);
-    static const std::map<std::tuple<int, int, bool>, Call> shapes = {
-        {{1, 0, false}, call<L, 1, 0, true>}, {{1, 0, true}, call<L, 1, 0, false>},
-        {{1, 1, false}, call<L, 1, 1, true>}, {{1, 1, true}, call<L, 1, 1, false>},
-        {{1, 2, false}, call<L, 1, 2, true>}, {{2, 0, false}, call<L, 2, 0, true>},
-        {{2, 0, true}, call<L, 2, 0, false>}, {{2, 1, false}, call<L, 2, 1, true>},
-        {{3, 0, false}, call<L, 3, 0, true>}};
-    return shapes.at({c.op->sources, c.op->constants, c.op->logic()})(c, xe, options);
-}
-
-int64_t call(const Case &c, jorm_xe *xe, uint64_t options = 0) {
-    constexpr decltype(&call<entry>) layers[] = {call<entry>, call<adapter>, call<dispatcher>, call<kernel>};
-    return layers[c.layer](c, xe, options);
+        if (flavour == 2) i = r.of(limits), f = r.one_in(2) ? float(i) : std::bit_cast<float>(r.of(singles));
+        std::memcpy(picture.at(at), type == JORM_F32 ? static_cast<const void *>(&f) : &i, size_t(bytes_of(type)));
+    });
 }
 
 Result failure(const Case &c, const std::string &what) {
-    Result r = testing::AssertionFailure() << c.op->name << " ";
-    for (int k = 0; k <= c.op->sources; ++k) r << c.picture(k)->type;
-    r << " layer " << c.layer << " p " << c.p << " size " << c.size[1] << " " << c.size[2] << " " << c.size[3]
-      << " constants";
-    for (int i = 0; i < c.size[3]; ++i) r << " " << c.c[0][i] << " " << c.c[1][i];
+    const Index &n = c.region.size;
+    Result r = testing::AssertionFailure() << c.op->name << " " << types_of(c) << " layer " << c.layer << " p " << c.p
+                                           << " size " << n[1] << " " << n[2] << " " << n[3] << " constants";
+    for (int i = 0; i < n[3]; ++i) r << " " << c.c[0][i] << " " << c.c[1][i];
     return r << ": " << what;
 }
 
 // Compares the destination with the oracle, given what its memory held before; elements that were compared are copied
 // there, so that in the end all of it must be equal.
-Result compare(const Case &c, std::vector<uint8_t> before) {
+Result compare(const Case &c, Bytes before) {
+    const Op &op = *c.op;
     const Picture &d = *c.x[0];
-    const std::vector<uint8_t> input = before;
-    const char stage = c.stage();
-    for (int y = 0; y < c.size[1]; ++y)
-        for (int x = 0; x < c.size[2]; ++x)
-            for (int i = 0; i < c.size[3]; ++i) {
-                Value v[4];
-                for (int k = 1; k <= c.op->sources; ++k) {
-                    const Picture &s = *c.picture(k);
-                    const uint8_t *start = &s == &d ? input.data() + (d.first - d.memory.data()) : s.first;
-                    v[k - 1] = load(s.type, start + s.at(c.origin[k][1] + y, c.origin[k][2] + x, i));
-                }
-                for (int k = 0; k < c.op->constants; ++k) v[c.op->sources + k] = constant(c.c[k][i]);
-                if (c.op->product_sum() && c.op->sources == 2) std::swap(v[1], v[2]);
-                const uint8_t *element = d.first + d.at(c.origin[0][1] + y, c.origin[0][2] + x, i);
-                uint8_t want[16] = {};
-                const double got = load(d.type, element).d;
-                double wish;
-                if (c.op->smooth()) {
-                    wish = double(smooth(*c.op, v, c.p));
-                    if (ulps(float(got), smooth(*c.op, v, c.p)) <= 2) wish = got;
-                } else {
-                    expected(*c.op, stage, d.type, v, c.p, want);
-                    wish = load(d.type, want).d;
-                }
-                // Any NaN is a NaN; the sign of a zero from integers is free.
-                const bool free_sign = v[0].whole && v[1].whole && v[2].whole;
-                const bool same = got == wish && (free_sign || std::signbit(got) == std::signbit(wish));
-                if (!same && !(std::isnan(got) && std::isnan(wish)))
-                    return failure(c, "") << "at " << y << " " << x << " " << i << " of " << v[0].d << " " << v[1].d
-                                          << " " << v[2].d << " got " << got << ", expected " << wish;
-                std::memcpy(before.data() + (element - d.memory.data()), element, size_t(bytes_of(d.type)));
-            }
-    return before == d.memory ? testing::AssertionSuccess() : failure(c, "wrote elsewhere");
+    const Bytes input = before;
+    const uint32_t stage = stage_of(op, types_of(c));
+    Result result = testing::AssertionSuccess();
+    each(c.region.size, [&](const Index &i) {
+        Value v[4];
+        for (int k = 1; k <= op.sources; ++k) {
+            const Picture &s = *c.picture(k);
+            const uint8_t *const p = s.at(sum(i, c.region.origin[k]));
+            v[k - 1] = value_at(s.a.eltype, &s == &d ? &input[size_t(p - d.memory.data())] : p);
+        }
+        for (int k = 0; k < op.constants; ++k) v[op.sources + k] = constant(c.c[k][i[3]]);
+        if (op.product_sum() && op.sources == 2) std::swap(v[1], v[2]);
+        const uint8_t *const element = d.at(sum(i, c.region.origin[0]));
+        const double got = load(d.a.eltype, element),
+                     wish = op.smooth() ? nan : expected(op, stage, d.a.eltype, v, c.p);
+        // The sign of a zero from integers is free.
+        const bool integers = v[0].whole && v[1].whole && v[2].whole;
+        const bool right = op.smooth() ? ulps(op, v, c.p, float(got)) <= 2 : integers ? got == wish : same(got, wish);
+        if (!right && result)
+            result = failure(c, "at ") << i[1] << " " << i[2] << " " << i[3] << " of " << v[0].d << " " << v[1].d << " "
+                                       << v[2].d << " got " << got << ", expected " << wish;
+        std::memcpy(&before[size_t(element - d.memory.data())], element, size_t(bytes_of(d.a.eltype)));
+    });
+    return !result || before == d.memory ? result : failure(c, "wrote elsewhere");
 }
 
 // The memory of the destination, where one NaN is as good as another.
-bool same_bits(const Case &c, const std::vector<uint8_t> &reference) {
-    const std::vector<uint8_t> &memory = c.x[0]->memory;
-    if (reference == memory) return true;
-    if (c.x[0]->type != 'f') return false;
-    for (size_t i = 0; i + 4 <= memory.size(); i += 4) {
-        float a, b;
-        std::memcpy(&a, &memory[i], 4);
-        std::memcpy(&b, &reference[i], 4);
-        if (std::memcmp(&a, &b, 4) != 0 && !(std::isnan(a) && std::isnan(b))) return false;
-    }
-    return true;
+Bytes memory_of(const Picture &d) {
+    Bytes memory = d.memory;
+    for (size_t i = 0; d.a.eltype == JORM_F32 && i + 4 <= memory.size(); i += 4)
+        if (std::isnan(load(JORM_F32, &memory[i]))) std::memset(&memory[i], 0xFF, 4);
+    return memory;
 }
 
 // Runs the case at every level: the right status, the right elements, the same bits, nothing else written.
 Result check(Case &c) {
     static jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
-    const char stage = c.stage();
-    const int64_t status = c.layer == entry && !c.negotiate() ? JORM_EEMPTY : stage ? JORM_OK : JORM_ENOTSUP;
-    const std::vector<uint8_t> before = c.x[0]->memory;
-    std::vector<uint8_t> reference = before;
+    const bool served = stage_of(*c.op, types_of(c)) != 0;
+    const int64_t status = c.layer == entry && !c.negotiate() ? JORM_EEMPTY : served ? JORM_OK : JORM_ENOTSUP;
+    const Bytes before = c.x[0]->memory;
+    Bytes reference = memory_of(*c.x[0]);
     for (int run = jorm::level_base; run <= jorm::level_count; ++run) {
-        _G_jorm_use_simd = run != jorm::level_base;
-        jorm::limit_level(jorm::Level(run));
+        use_level(run);
         std::copy(before.begin(), before.end(), c.x[0]->memory.begin());
         const int64_t got = call(c, xe, run == jorm::level_count ? JORM_OPT_NO_SIMD : 0);
         if (got != status) return failure(c, "status ") << got << ", expected " << status;
         if (status == JORM_OK && run == jorm::level_base) {
             if (Result r = compare(c, before); !r) return r;
-            reference = c.x[0]->memory;
+            reference = memory_of(*c.x[0]);
         }
-        if (!same_bits(c, reference)) return failure(c, "other bits at level ") << run << compare(c, before).message();
+        if (memory_of(*c.x[0]) != reference)
+            return failure(c, "other bits at level ") << run << compare(c, before).message();
     }
     return testing::AssertionSuccess();
 }

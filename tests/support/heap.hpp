@@ -2,6 +2,7 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 
 static size_t heap_limit = SIZE_MAX; // larger requests fail
 static int heap_calls = 0;
@@ -11,7 +12,7 @@ constexpr bool own_heap = false;
 #else
 constexpr bool own_heap = true;
 extern "C" void *__libc_malloc(size_t);
-extern "C" void *malloc(size_t bytes) {
+extern "C" void *malloc(size_t bytes) noexcept {
     ++heap_calls;
     return bytes > heap_limit ? nullptr : __libc_malloc(bytes);
 }

@@ -28,14 +28,22 @@ struct Random : std::mt19937 {
 
 // Random bits, fast.
 inline void scramble(Random &r, Bytes &bytes) {
-    uint32_t x = uint32_t(r());
-    for (uint8_t &byte : bytes) byte = uint8_t((x = x * 1664525 + 1013904223) >> 24);
+    uint32_t x = uint32_t(r()) | 1;
+    for (size_t i = 0; i + 4 <= bytes.size(); i += 4) {
+        x ^= x << 13, x ^= x >> 17, x ^= x << 5;
+        std::memcpy(&bytes[i], &x, 4);
+    }
 }
 
 // The switch chooses the base level, the limit one of the others.
 inline void use_level(int level) {
     _G_jorm_use_simd = level != jorm::level_base;
     jorm::limit_level(jorm::Level(level));
+}
+
+// Calls of which all give the same.
+inline void expect_each(int64_t wanted, const std::vector<int64_t> &got) {
+    for (const int64_t &value : got) EXPECT_EQ(value, wanted) << "call " << &value - got.data();
 }
 
 // ---- Elements ----
@@ -93,22 +101,23 @@ inline uint8_t *element(const jorm_array &a, const Index &i) {
     return static_cast<uint8_t *>(a.base) + offset_of(a, i);
 }
 
-// Strides for an extent: plain, or axes in any order in memory, with gaps and backwards, each with some chance. The
-// lowest byte lies at the base; the number of bytes is returned too.
+// Strides for an extent: dense, always when it is to be plain, or axes in any order in memory, with gaps and backwards,
+// each with some chance. The lowest byte lies at the base; the number of bytes is returned too.
 inline std::pair<jorm_array, int64_t> lay_out(Random &r, uint32_t type, int ndims, const Index &extent,
                                               bool plain = false) {
     jorm_array a = {};
     const int element = bytes_of(type);
+    const bool dense = plain || r.one_in(3);
     Index order = {3, 2, 1, 0};
-    if (!plain && r.one_in(3)) std::shuffle(order.begin(), order.end(), r);
+    if (!dense && r.one_in(3)) std::shuffle(order.begin(), order.end(), r);
     int64_t span = element, first = 0;
     for (int k : order) {
         const int n = extent[size_t(k)];
         a.extent[k] = a.parent_extent[k] = uint32_t(n);
         a.stride[k] = 12344; // not read for three axes
         if (k < 4 - ndims) continue;
-        const int64_t step = span + (!plain && r.one_in(3) ? element * r.in(1, 2) : 0);
-        const bool backwards = !plain && r.one_in(5);
+        const int64_t step = span + (!dense && r.one_in(3) ? element * r.in(1, 2) : 0);
+        const bool backwards = !dense && r.one_in(5);
         a.stride[k] = int32_t(backwards ? -step : step);
         first += backwards ? (n - 1) * step : 0;
         span += (n - 1) * step;
@@ -126,22 +135,30 @@ struct Region {
     bool empty = false;
 };
 
+// How many positions of [0, extent) lie in a stretch.
+inline int overlap(int extent, int64_t from, int64_t length) {
+    int count = 0;
+    for (int p = 0; p < extent; ++p) count += p >= from && p < from + length;
+    return count;
+}
+
 // What the operands have in common: the region of the first, the destination, cut by what the others have from their
-// start points on; the last one before the others. A mask of one channel, which then is the last, stands for all.
+// start points on; the last one comes first. A mask of one channel, which then is the last, stands for all.
 inline Region common_region(const std::vector<const jorm_array *> &arrays, const jorm_site *roi,
                             const std::vector<const int32_t *> &starts, bool masked = false) {
     Region region = {};
-    const Index whole = extent_of(*arrays[0]);
     const size_t last = arrays.size() - 1;
     for (size_t k = 0; k < 4; ++k) {
-        const int low = roi ? std::max(0, roi->origin[k]) : 0;
-        int &n = region.size[k] = (roi ? std::min(whole[k], roi->origin[k] + roi->size[k]) : whole[k]) - low;
-        region.origin[0][k] = low;
-        for (size_t i = last; i > 0; --i) {
-            const int extent = extent_of(*arrays[i])[k], start = starts[i - 1] ? starts[i - 1][k] : 0;
+        const int whole = extent_of(*arrays[0])[k];
+        int &n = region.size[k] = roi ? overlap(whole, roi->origin[k], roi->size[k]) : whole;
+        region.origin[0][k] = roi ? std::max(0, roi->origin[k]) : 0;
+        for (size_t turn = 0; turn < last; ++turn) {
+            const size_t i = turn ? turn : last;
+            const int extent = extent_of(*arrays[i])[k];
+            const int start = starts[i - 1] ? std::max(starts[i - 1][k], k == 3 ? 0 : INT32_MIN) : 0;
             if (k == 3 && masked && i == last && extent == 1) continue;
-            const int from = region.origin[i][k] = std::max(0, start);
-            n = i == last ? std::min(n, extent - std::abs(start)) : std::min(start + n, extent) - from;
+            region.origin[i][k] = std::max(0, start);
+            n = i == last ? std::min(n, overlap(extent, start, extent)) : overlap(extent, start, n);
         }
         region.empty |= n <= 0;
     }

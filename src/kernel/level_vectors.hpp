@@ -1,0 +1,48 @@
+// What the compiler makes poor vector code of, in the processor's own instructions: for level sources.
+#pragma once
+#include "kernel/level_ops.hpp"
+
+#if defined(JORM_LEVEL_avx2) || defined(JORM_LEVEL_avx512)
+#include <immintrin.h>
+#endif
+
+namespace jorm::JORM_LEVEL {
+namespace {
+
+// N bytes become words; N is a multiple of 16.
+template <int N> [[gnu::always_inline]] inline void widen(s32 *to, const u8 *from) {
+#if defined(JORM_LEVEL_avx512)
+    for (int i = 0; i < N; i += 16)
+        _mm512_storeu_si512(to + i, _mm512_maskz_cvtepu8_epi32(0xffff, _mm_loadu_si128((const __m128i *)(from + i))));
+#elif defined(JORM_LEVEL_avx2)
+    for (int i = 0; i < N; i += 8)
+        _mm256_storeu_si256((__m256i *)(to + i), _mm256_cvtepu8_epi32(_mm_loadl_epi64((const __m128i *)(from + i))));
+#else
+    for (int i = 0; i < N; ++i) to[i] = from[i];
+#endif
+}
+
+// row1 of bytes for wide destinations: f takes words.
+template <class D, class F>
+[[gnu::always_inline]] inline void widened_row(void *dst, const void *const *src, int64_t n, F f) {
+    constexpr int chunk = 64;
+    D *d = elements<D>(dst);
+    const u8 *s = elements<u8>(src[0]);
+    int64_t i = 0;
+    for (; i + chunk <= n; i += chunk) {
+        s32 word[chunk];
+        widen<chunk>(word, s + i);
+        for (int k = 0; k < chunk; ++k) d[i + k] = f(word[k]);
+    }
+    for (; i < n; ++i) d[i] = f(s32(s[i]));
+}
+
+#ifdef JORM_LEVEL_avx512
+// Bit i tells whether byte i of 64 differs from the value.
+[[gnu::always_inline]] inline uint64_t bytes_other_than(u8 value, const u8 *bytes) {
+    return _mm512_cmpneq_epi8_mask(_mm512_loadu_si512(bytes), _mm512_set1_epi8(char(value)));
+}
+#endif
+
+} // namespace
+} // namespace jorm::JORM_LEVEL
