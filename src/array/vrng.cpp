@@ -21,7 +21,7 @@ bool has_range(uint32_t type) {
 vrng full_range(uint32_t type) {
     if (!has_range(type)) return {-HUGE_VAL, HUGE_VAL};
     if (type == JORM_F32) return {-double(std::numeric_limits<float>::max()), std::numeric_limits<float>::max()};
-    const double values = std::ldexp(1, 8 * element_size(type));
+    const auto values = double(int64_t(1) << 8 * element_size(type));
     return type >= JORM_S8 ? vrng{-values / 2, values / 2 - 1} : vrng{0, values - 1};
 }
 
@@ -32,19 +32,19 @@ bool in_order(const vrng &r) { return !std::isinf(r.lo) && !(r.lo > r.hi); }
 double limited(double bound, const vrng &type_range) {
     return (bound < type_range.lo ? type_range.lo : bound > type_range.hi ? type_range.hi : bound) + 0.0;
 }
-double lower_bound(uint32_t type, double lo) {
-    const vrng range = full_range(type);
+double lower_bound(uint32_t type, double lo, const vrng &type_range) {
     if (type == JORM_F32) return float(lo);
-    return std::isnan(lo) ? range.lo : limited(std::floor(lo), range);
+    return std::isnan(lo) ? type_range.lo : limited(std::floor(lo), type_range);
 }
-double upper_bound(uint32_t type, double hi) {
-    const vrng range = full_range(type);
+double upper_bound(uint32_t type, double hi, const vrng &type_range) {
     if (type == JORM_F32) return float(hi);
-    return std::isnan(hi) ? range.hi : limited(std::ceil(hi), range);
+    return std::isnan(hi) ? type_range.hi : limited(std::ceil(hi), type_range);
 }
 
 vrng *saturate(uint32_t type, vrng *r, const vrng *src) {
-    if (r && has_range(type)) *r = {lower_bound(type, (src ? src : r)->lo), upper_bound(type, (src ? src : r)->hi)};
+    if (!r || !has_range(type)) return r;
+    const vrng from = src ? *src : *r, whole = full_range(type);
+    *r = {lower_bound(type, from.lo, whole), upper_bound(type, from.hi, whole)};
     return r;
 }
 
@@ -236,13 +236,13 @@ int32_t jorm_vrng_scale_$cn$Q(uint32_t type, vrng *dst, const vrng *src, const d
         if (lowest - excess >= range.lo)
             shift(-excess);
         else
-            each_channel(dst, code, [=](vrng *r, int32_t) { r->hi = limited(upper_bound(type, r->hi), range); });
+            each_channel(dst, code, [=](vrng *r, int32_t) { r->hi = limited(upper_bound(type, r->hi, range), range); });
     } else if (below) {
         const double excess = range.lo - lowest;
         if (highest + excess <= range.hi)
             shift(excess);
         else
-            each_channel(dst, code, [=](vrng *r, int32_t) { r->lo = limited(lower_bound(type, r->lo), range); });
+            each_channel(dst, code, [=](vrng *r, int32_t) { r->lo = limited(lower_bound(type, r->lo, range), range); });
     }
     return JORM_OK;
 }
