@@ -78,9 +78,28 @@ inline Walk make_walk(const Shape &s, const Operand *operands, int count, int ch
     return w;
 }
 
+// The elements of one run over everything, 0 where the layout does not allow that: operands without a gap, all alike.
+inline int64_t one_run(const Shape &s, const Operand *operands, int count) {
+    const int64_t row = int64_t(s.pixels) * s.channels;
+    bool dense = s.axes == 3;
+    for (int i = 0; i < count && dense; ++i) {
+        const Operand &o = operands[i];
+        const int64_t element = element_size(o.type);
+        dense = o.stride[0] == row * element && o.stride[1] == s.channels * element &&
+                (s.channels == 1 || (o.stride[2] == element && !o.by_pixel));
+    }
+    return dense && s.rows > 0 && s.pixels > 0 ? s.rows * row : 0;
+}
+
 // Runs the row over all channels, folded where the layout allows it, else one after the other.
 inline void walk_channels(const Shape &s, const Operand *operands, int count, Row row, const RowParams &params,
                           Level level, WalkKind kind = WalkKind::map) {
+    constexpr int64_t small = 1 << 18; // never streamed
+    if (const int64_t run = one_run(s, operands, count); run > 0 && run < small) {
+        const void *src[max_sources];
+        for (int i = 1; i < count; ++i) src[i - 1] = operands[i].start;
+        return row(operands[0].start, src, run, params);
+    }
     const bool fold = channels_fold(s, operands, count);
     for (int c = 0; c < (fold ? 1 : s.channels); ++c) {
         Walk w = make_walk(s, operands, count, fold ? -1 : c, level);

@@ -3,6 +3,7 @@
 #include "array/region.hpp"
 
 #include <algorithm>
+#include <cstring>
 
 namespace jorm {
 namespace {
@@ -14,13 +15,22 @@ bool valid_destination(const jorm_array *a) {
            channels_of(*a) <= 4 && describes_memory(a);
 }
 
+bool same_extents(const jorm_array &a, const jorm_array &b) {
+    return a.ndims == b.ndims && std::memcmp(a.extent, b.extent, sizeof a.extent) == 0;
+}
+
+// May a source of other extents than the destination's stand beside it?
+bool fits_extents(const FrontSource &source, const jorm_array &dst) {
+    const jorm_array &a = *source.array;
+    return (a.ndims == dst.ndims || (dst.ndims == 4 && a.ndims == 3)) &&
+           (a.extent[0] == dst.extent[0] || a.extent[0] == 1) &&
+           (channels_of(a) == channels_of(dst) || (source.role == Role::mask && channels_of(a) == 1));
+}
+
 bool valid_source(const FrontSource &source, const jorm_array &dst) {
     const jorm_array *a = source.array;
-    const bool mask = source.role == Role::mask;
-    return a && (a->ndims == dst.ndims || (dst.ndims == 4 && a->ndims == 3)) &&
-           (a->extent[0] == dst.extent[0] || a->extent[0] == 1) &&
-           (channels_of(*a) == channels_of(dst) || (mask && channels_of(*a) == 1)) &&
-           (!mask || a->eltype == JORM_U8 || a->eltype == JORM_S8) && describes_memory(a);
+    return a && (same_extents(*a, dst) || fits_extents(source, dst)) &&
+           (source.role == Role::source || a->eltype == JORM_U8 || a->eltype == JORM_S8) && describes_memory(a);
 }
 
 bool agree(const jorm_array *dst, const FrontSource *source, int count) {

@@ -44,10 +44,10 @@ template <class State> struct Gathering {
 
     Gathering(const Row *rows, uint32_t selected, uint64_t options)
         : rows(rows), selected(selected), unselected(options & JORM_OPT_MASK_INVERT ? 255 : 0), which(level(options)) {}
-    void add(const Shape &shape, const Operand &samples, bool masked, const Operand &mask) {
-        Operand operands[1 + max_sources] = {state_operand(&state[0]), samples, mask};
-        operands[2].by_pixel = true;
-        const int count = masked ? 3 : 2;
+    void add(const Shape &shape, const Operand &samples, const Operand *mask) {
+        Operand operands[1 + max_sources] = {state_operand(&state[0]), samples};
+        if (mask) operands[2] = {mask->type, mask->start, mask->stride, true};
+        const int count = mask ? 3 : 2;
         const Row all = rows[shape.channels - 1];
         interleaved = (selected & (selected - 1)) != 0 && all && channels_fold(shape, operands, count);
         for (int c = 0; c < (interleaved ? 1 : shape.channels); ++c) {
@@ -66,22 +66,22 @@ template <class State> struct Gathering {
     // What the packed call runs; the parameters are the gathering.
     static int64_t piece(jorm_xe *, uint64_t, const void *gathering, uint32_t word, const int32_t *size, uint32_t type,
                          const void *data, const int32_t *stride) {
-        return add_piece(gathering, word, size, operand(type, data, stride), false, {});
+        return add_piece(gathering, word, size, operand(type, data, stride), nullptr);
     }
     static int64_t masked_piece(jorm_xe *, uint64_t, const void *gathering, uint32_t word, const int32_t *size,
                                 uint32_t type, const void *data, const int32_t *stride, uint32_t mask_type,
                                 const void *mask, const int32_t *mask_stride) {
-        return add_piece(gathering, word, size, operand(type, data, stride), true,
-                         operand(mask_type, mask, mask_stride));
+        const Operand by = operand(mask_type, mask, mask_stride);
+        return add_piece(gathering, word, size, operand(type, data, stride), &by);
     }
 
 private:
     static int64_t add_piece(const void *gathering, uint32_t word, const int32_t *size, const Operand &samples,
-                             bool masked, const Operand &mask) {
+                             const Operand *mask) {
         Shape shape;
         const int64_t status = read_shape(shape, word, size);
         if (status == JORM_OK)
-            static_cast<Gathering *>(const_cast<void *>(gathering))->add(shape, samples, masked, mask);
+            static_cast<Gathering *>(const_cast<void *>(gathering))->add(shape, samples, mask);
         return status;
     }
 };
@@ -92,7 +92,7 @@ int64_t gather(Gathering<State> &g, const StatSource &s, const StatShape &shape,
     const Operand &a = s.samples, &m = s.mask;
     if ((s.word & 15) < 4) {
         const auto axes = int32_t(s.word & 15);
-        g.add({axes, int32_t(shape.rows), int32_t(shape.pixels), shape.channels, 0}, a, s.masked, m);
+        g.add({axes, int32_t(shape.rows), int32_t(shape.pixels), shape.channels, 0}, a, s.masked ? &m : nullptr);
         return JORM_OK;
     }
     jorm_pack pack;
