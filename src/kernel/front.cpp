@@ -69,6 +69,7 @@ void fit_destination(Operand &o, int32_t *size, const jorm_array &a, const jorm_
 void fit_source(Operand &o, int32_t *size, const FrontSource &source, const jorm_array &dst, bool last) {
     const jorm_array &a = *source.array;
     start(o, a, dst);
+    if (!source.at && same_extents(a, dst)) return;
     const bool one_channel = source.role == Role::mask && channels_of(a) == 1;
     o.by_pixel = one_channel && channels_of(dst) != 1;
     if (!source.at) {
