@@ -33,11 +33,7 @@ template <class D, class S> [[gnu::always_inline]] inline D convert_element(S x)
 }
 
 template <class D, class S> void plain(void *dst, const void *const *src, int64_t n, const RowParams &) {
-    const auto element = [](auto x) { return convert_element<D>(x); };
-    if constexpr (same<S, u8> && sizeof(D) == sizeof(s32))
-        widened_row<D>(dst, src, n, element);
-    else
-        row1<D, S>(dst, src, n, element);
+    row1<D, S>(dst, src, n, [](S x) { return convert_element<D>(x); });
 }
 
 // ------------------------------------------------------------- range to range

@@ -22,21 +22,6 @@ template <int N> [[gnu::always_inline]] inline void widen(s32 *to, const u8 *fro
 #endif
 }
 
-// row1 of bytes for wide destinations: f takes words.
-template <class D, class F>
-[[gnu::always_inline]] inline void widened_row(void *dst, const void *const *src, int64_t n, F f) {
-    constexpr int chunk = 64;
-    D *d = elements<D>(dst);
-    const u8 *s = elements<u8>(src[0]);
-    int64_t i = 0;
-    for (; i + chunk <= n; i += chunk) {
-        s32 word[chunk];
-        widen<chunk>(word, s + i);
-        for (int k = 0; k < chunk; ++k) d[i + k] = f(word[k]);
-    }
-    for (; i < n; ++i) d[i] = f(s32(s[i]));
-}
-
 #ifdef JORM_LEVEL_avx512
 // Bit i tells whether byte i of 64 differs from the value.
 [[gnu::always_inline]] inline uint64_t bytes_other_than(u8 value, const u8 *bytes) {
