@@ -21,37 +21,54 @@ struct Largest {
 };
 template <class Kind, class T> [[gnu::always_inline]] inline T better(T a, T b) { return Kind::beats(a, b) ? a : b; }
 
-// Lane k sees samples that lie k beyond a multiple of the lanes, which are a multiple of the channels. There are as
-// many as keep the processor busy while a comparison takes its time.
-#if defined(__AVX2__)
-constexpr int lane_bytes = 256;
+// Lane k sees samples that lie k beyond a multiple of the lanes, which are a multiple of every number of channels: as
+// many as keep the processor busy while a comparison takes its time. Masks are bytes whatever the samples are, so lanes
+// under a mask fill a register with bytes. In one round a lane takes `depth` samples.
+#ifdef JORM_LEVEL_avx512
+constexpr int lane_bytes = 192, depth_of_reals = 2;
 #else
-constexpr int lane_bytes = 128;
+constexpr int lane_bytes = 96, depth_of_reals = 4;
 #endif
-template <class T, int C> constexpr int lanes = (C == 3 ? lane_bytes / 2 * 3 : lane_bytes) / int(sizeof(T));
+template <class T, bool Masked> constexpr int lanes = Masked ? 64 : lane_bytes / int(sizeof(T));
+template <class T> constexpr int depth = is_real<T> ? depth_of_reals : 1;
 
-// What is kept of the lanes of a block: no fewer than the compiler takes for a loop.
-template <class T, int C> constexpr int kept = (C == 3 ? 48 : 32) * (sizeof(T) == 1 ? 2 : 1);
+// Single precision as whole numbers in the same order.
+[[gnu::always_inline]] inline s32 ordered(f32 x) {
+    const s32 word = __builtin_bit_cast(s32, x);
+    return word ^ (word >> 31 & largest<s32>);
+}
+template <class T> [[gnu::always_inline]] inline T ordered(T x) { return x; }
 
-constexpr int group = 16; // blocks whose lanes are looked at together
-template <class T, int C> constexpr int64_t block = 4096 / lanes<T, C> *lanes<T, C>;
-
-// Folds N lanes into the first M.
-template <class Kind, int N, int M, class T> [[gnu::always_inline]] inline void fold(T *lane) {
-    if constexpr (N > M) {
-        for (int k = 0; k < N / 2; ++k) lane[k] = better<Kind>(lane[k + N / 2], lane[k]);
-        fold<Kind, N / 2, M>(lane);
+// The best of N lanes, by channel.
+template <class Kind, int C, int N, class T> [[gnu::always_inline]] inline void fold(const T *lane, T *best) {
+    if constexpr (N == C) {
+        for (int c = 0; c < C; ++c) best[c] = lane[c];
+    } else if constexpr (C == 1) {
+        auto word = ordered(lane[0]);
+        for (int k = 0; k < N; ++k) word = better<Kind>(ordered(lane[k]), word);
+        if constexpr (is_real<T>)
+            best[0] = __builtin_bit_cast(T, ordered(__builtin_bit_cast(T, word)));
+        else
+            best[0] = word;
+    } else {
+        constexpr int parts = N % 3 == 0 && C != 3 ? 3 : 2, M = N / parts;
+        T some[M];
+        for (int k = 0; k < M; ++k) {
+            some[k] = better<Kind>(lane[k + M], lane[k]);
+            if (parts == 3) some[k] = better<Kind>(lane[k + N - M], some[k]);
+        }
+        fold<Kind, C, M>(some, best);
     }
 }
 
 // The places in a stretch of samples, as numbers as wide as those; the other channels than c have none.
+template <class T> using Place = typename Unsigned<select<same<T, f32>, s32, T>>::type;
+template <class T> constexpr Place<T> none = Place<T>(-1);
 template <class T, int C, int c> struct Stretch {
-    using Place = typename Unsigned<select<same<T, f32>, s32, T>>::type;
-    static constexpr int length = C == 3 ? 192 : sizeof(T) == 1 ? 128 : 256;
-    static constexpr Place none = Place(-1);
-    Place place[length];
+    static constexpr int length = lane_bytes;
+    Place<T> place[length];
     constexpr Stretch() : place() {
-        for (int k = 0; k < length; ++k) place[k] = k % C == c ? Place(k) : none;
+        for (int k = 0; k < length; ++k) place[k] = k % C == c ? Place<T>(k) : none<T>;
     }
 };
 template <class T, int C, int c> constexpr Stretch<T, C, c> stretch = {};
@@ -65,20 +82,26 @@ template <class T, bool Masked> struct Samples {
     [[gnu::always_inline]] bool selected(int64_t i) const { return !Masked || mask[i] != unselected; }
     template <class Kind> [[gnu::always_inline]] T get(int64_t i) const {
         const T x = value[i];
-        return selected(i) ? x : Kind::template worst<T>;
+        if constexpr (is_real<T>) // what is left out becomes NaN
+            return __builtin_bit_cast(T, __builtin_bit_cast(s32, x) | (selected(i) ? 0 : -1));
+        else
+            return selected(i) ? x : Kind::template worst<T>;
+    }
+    // Place k of the stretch that begins at sample i, where that is an x of channel c; none elsewhere.
+    template <int C, int c> [[gnu::always_inline]] Place<T> place(T x, int64_t i, int k) const {
+        Place<T> miss = value[i + k] == x ? Place<T>(0) : none<T>;
+        if (Masked) miss |= selected(i + k) ? Place<T>(0) : none<T>;
+        return miss | stretch<T, C, c>.place[k];
     }
     // Where channel c has its first x from i on; n when nowhere.
     template <int C, int c> [[gnu::noinline]] int64_t find(T x, int64_t i, int64_t n) const {
-        const auto &s = stretch<T, C, c>;
-        using P = typename Stretch<T, C, c>::Place;
-        for (; n - i >= s.length; i += s.length) {
-            P first = s.none;
-            for (int k = 0; k < s.length; ++k) {
-                const u8 hit = u8(value[i + k] == x) & u8(selected(i + k));
-                const P place = P(s.place[k] | P(P(hit) - 1));
-                first = place < first ? place : first;
-            }
-            if (first != s.none) return i + first;
+        constexpr int length = Stretch<T, C, c>::length;
+        for (; n - i >= length; i += length) {
+            Place<T> all = none<T>, first = none<T>;
+            for (int k = 0; k < length; ++k) all &= place<C, c>(x, i, k);
+            if (all == none<T>) continue;
+            for (int k = 0; k < length; ++k) first = better<Least>(place<C, c>(x, i, k), first);
+            return i + first;
         }
         for (i += c; i < n; i += C)
             if (value[i] == x && selected(i)) return i;
@@ -87,43 +110,37 @@ template <class T, bool Masked> struct Samples {
 };
 
 // The extrema of one kind in a row.
-template <class Kind, class T, int C> struct Best {
+template <class Kind, class T, int C, int Lanes> struct Best {
     T value[C];
-    int64_t start[C];                // of the block where the value stands; -1 when a former row had it
-    T block_lane[group][kept<T, C>]; // what the blocks of the group found
+    int64_t start[C]; // of the block where the value stands; -1 when a former row had it
+    T limit[Lanes];   // the value, by lane
 
     explicit Best(const Extremum *known) {
         for (int c = 0; c < C; ++c) {
             value[c] = known[c].place < 0 ? Kind::template worst<T> : T(known[c].value);
             start[c] = known[c].place < 0 ? 0 : -1;
         }
+        set_limit();
     }
-    // Takes the pixel that begins at sample i, in a row that does not fill the lanes.
-    template <class Samples> void take(const Samples &x, int64_t i) {
-        for (int c = 0; c < C; ++c) {
-            const T sample = x.template get<Kind>(i + c);
-            if (!Kind::beats(sample, value[c])) continue;
-            value[c] = sample;
-            start[c] = i;
-        }
+    [[gnu::always_inline]] void set_limit() {
+        for (int k = 0; k < Lanes; k += C)
+            for (int c = 0; c < C; ++c) limit[k + c] = value[c];
     }
-    // Takes over what the group that begins at sample i found.
-    [[gnu::noinline]] void look(int blocks, int64_t i) {
-        T all[kept<T, C>];
-        for (int k = 0; k < kept<T, C>; ++k) all[k] = block_lane[0][k];
-        for (int b = 1; b < blocks; ++b)
-            for (int k = 0; k < kept<T, C>; ++k) all[k] = better<Kind>(block_lane[b][k], all[k]);
-        fold<Kind, kept<T, C>, C>(all);
-        locate(all, blocks, i);
+    void take(T sample, int c, int64_t i) {
+        if (!Kind::beats(sample, value[c])) return;
+        value[c] = sample;
+        start[c] = i;
     }
-    template <int c = 0> void locate(const T *all, int blocks, int64_t i) {
-        if (Kind::beats(all[c], value[c])) {
-            value[c] = all[c];
-            const Samples<T, false> found = {block_lane[0], nullptr, 0};
-            const int64_t at = found.template find<C, c>(value[c], 0, int64_t(blocks) * kept<T, C>);
-            start[c] = i + at / kept<T, C> * block<T, C>;
-        }
-        if constexpr (c + 1 < C) locate<c + 1>(all, blocks, i);
+    // Takes over what the lanes found in the block that begins at sample i.
+    [[gnu::always_inline]] void look(const T *lane, int64_t i) {
+        Place<T> any = 0;
+        for (int k = 0; k < Lanes; ++k) any |= Kind::beats(lane[k], limit[k]) ? none<T> : 0;
+        if (any == 0) [[likely]]
+            return;
+        T found[C];
+        fold<Kind, C, Lanes>(lane, found);
+        for (int c = 0; c < C; ++c) take(found[c], c, i);
+        set_limit();
     }
     template <int c = 0, class Samples> void store(Extremum *known, const Samples &x, int64_t n, int64_t pixels) const {
         if (start[c] >= 0)
@@ -133,45 +150,40 @@ template <class Kind, class T, int C> struct Best {
     }
 };
 
+// A row goes by blocks. Their lanes tell whether one holds anything better; where, is looked up at the end.
 template <class T, int C, bool Masked> void extrema(void *dst, const void *const *src, int64_t n, const RowParams &) {
-    constexpr int width = lanes<T, C>;
+    constexpr int width = lanes<T, Masked>, round = depth<T> * width;
+    constexpr int64_t block = (C == 1 ? 8192 : 4096) / int(sizeof(T)) / round * round;
     ExtremaState &state = *elements<ExtremaState>(dst);
     const Samples<T, Masked> x = {elements<T>(src[0]), Masked ? elements<u8>(src[1]) : nullptr, state.unselected};
-    Best<Least, T, C> least(state.least);
-    Best<Largest, T, C> largest(state.largest);
+    Best<Least, T, C, width> least(state.least);
+    Best<Largest, T, C, width> largest(state.largest);
     if (n < width)
-        for (int64_t i = 0; i < n; i += C) {
-            least.take(x, i);
-            largest.take(x, i);
-        }
-    for (int64_t i = 0; n >= width && i < n;) {
-        const int64_t start = i;
-        int blocks = 0;
-        for (; blocks < group && i < n; ++blocks) {
-            T lo[width], hi[width];
-            for (int k = 0; k < width; ++k) lo[k] = top<T>;
-            for (int k = 0; k < width; ++k) hi[k] = bottom<T>;
-            const auto gather = [&](int64_t from) __attribute__((always_inline)) {
-                for (int k = 0; k < width; ++k) {
-                    lo[k] = better<Least>(x.template get<Least>(from + k), lo[k]);
-                    hi[k] = better<Largest>(x.template get<Largest>(from + k), hi[k]);
-                }
-            };
-            const int64_t end = n - i < block<T, C> ? n : i + block<T, C>;
-            if ((end - i) % width != 0) gather(end - width); // some samples twice
-            for (; end - i >= 2 * width; i += 2 * width) {
-                gather(i);
-                gather(i + width);
+        for (int64_t i = 0; i < n; i += C)
+            for (int c = 0; c < C; ++c) {
+                least.take(x.template get<Least>(i + c), c, i);
+                largest.take(x.template get<Largest>(i + c), c, i);
             }
-            if (end - i >= width) gather(i);
+    else {
+        T lo[width], hi[width];
+        for (int k = 0; k < width; ++k) lo[k] = top<T>;
+        for (int k = 0; k < width; ++k) hi[k] = bottom<T>;
+        const auto gather = [&](int64_t from) __attribute__((always_inline)) {
+            for (int k = 0; k < width; ++k) {
+                lo[k] = better<Least>(x.template get<Least>(from + k), lo[k]);
+                hi[k] = better<Largest>(x.template get<Largest>(from + k), hi[k]);
+            }
+        };
+        for (int64_t i = 0; i < n;) {
+            const int64_t start = i, end = n - i < block ? n : i + block;
+            if ((end - i) % width != 0) gather(end - width); // some samples twice
+            for (; end - i >= round; i += round)
+                for (int k = 0; k < round; k += width) gather(i + k);
+            for (; end - i >= width; i += width) gather(i);
             i = end;
-            fold<Least, width, kept<T, C>>(lo);
-            fold<Largest, width, kept<T, C>>(hi);
-            for (int k = 0; k < kept<T, C>; ++k) least.block_lane[blocks][k] = lo[k];
-            for (int k = 0; k < kept<T, C>; ++k) largest.block_lane[blocks][k] = hi[k];
+            least.look(lo, start);
+            largest.look(hi, start);
         }
-        least.look(blocks, start);
-        largest.look(blocks, start);
     }
     least.store(state.least, x, n, state.pixels);
     largest.store(state.largest, x, n, state.pixels);
