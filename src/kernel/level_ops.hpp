@@ -45,8 +45,13 @@ template <class T> constexpr int bits = int(sizeof(T)) * 8;
 
 // ------------------------------------------------------------------ rounding
 
-// Adding 1.5 * 2^52 leaves the integer nearest to x, ties to even, in the low bits of the sum. NaN and what does not
-// fit 32 bits become -2147483648, as the processor's own conversion has it.
+// To the nearest 32-bit integer, ties to even. NaN and what does not fit become -2147483648.
+#if defined(__x86_64__) && defined(__NO_MATH_ERRNO__) && !defined(__clang__)
+// The processor's own conversion, within reach of the compiler.
+[[gnu::always_inline]] inline s32 round_s32(f64 x) { return __builtin_irint(x); }
+[[gnu::always_inline]] inline s32 round_s32(f32 x) { return __builtin_irintf(x); }
+#else
+// Adding 1.5 * 2^52 leaves the integer in the low bits of the sum.
 [[gnu::always_inline]] inline s32 round_s32(f64 x) {
     const bool fits = x >= -2147483648.5 && x < 2147483647.5;
     const f64 y = (fits ? x : -2147483648.0) + 6755399441055744.0;
@@ -60,6 +65,7 @@ template <class T> constexpr int bits = int(sizeof(T)) * 8;
     const f32 near = magnitude < 8388608.f ? (magnitude + 8388608.f) - 8388608.f : magnitude;
     return s32(y < 0 ? -near : near);
 }
+#endif
 
 template <class C> struct Unsigned { using type = C; };
 template <> struct Unsigned<s16> { using type = uint16_t; };

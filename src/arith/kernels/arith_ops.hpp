@@ -106,21 +106,29 @@ struct MulRSub {
     template <class C> [[gnu::always_inline]] static C of(C a, C b, C c) { return C(c - a * b); }
 };
 
+template <class T> [[gnu::always_inline]] inline T lesser(T a, T b) { return a < b ? a : b; }
+template <class T> [[gnu::always_inline]] inline T greater(T a, T b) { return a > b ? a : b; }
+
 // Clamped sums of operands of the destination's own type, without leaving its width.
 template <class Op, class T> [[gnu::always_inline]] inline T clamped_sum(T a, T b) {
+    constexpr bool add = same<Op, Add>;
     if constexpr (same<Op, RSub>)
         return clamped_sum<Sub>(b, a);
-    else if constexpr (same<T, u8> && same<Op, Add>) {
+    else if constexpr (same<T, u8> && add) {
         const u8 sum = u8(a + b);
         return sum < a ? u8(255) : sum;
     } else if constexpr (same<T, u8>)
-        return u8((a > b ? a : b) - b);
-    else {
-        using U = select<sizeof(T) == 2, uint16_t, uint32_t>;
-        const bool add = same<Op, Add>;
-        const T sum = T(add ? U(U(a) + U(b)) : U(U(a) - U(b)));
-        const T over = T(add ? (a ^ sum) & (b ^ sum) : (a ^ b) & (a ^ sum)); // the sign bit tells
-        const T edge = T((a >> (bits<T> - 1)) ^ T(largest<T>));
+        return u8(greater(a, b) - b);
+    else if constexpr (same<T, s16>) {
+        // Every level has minima and maxima of 16 bits: they hold b where the sum fits.
+        const T lo = add ? T(lowest<T> - lesser(a, T(0))) : T(greater(a, T(-1)) - largest<T>);
+        const T hi = add ? T(~lo - a) : T(a - lo);
+        const T fitting = lesser(greater(b, lo), hi);
+        return add ? T(a + fitting) : T(a - fitting);
+    } else {
+        const T sum = T(add ? uint32_t(a) + uint32_t(b) : uint32_t(a) - uint32_t(b));
+        const T over = add ? (a ^ sum) & (b ^ sum) : (a ^ b) & (a ^ sum); // the sign bit tells
+        const T edge = (a >> (bits<T> - 1)) ^ T(largest<T>);
         return over < 0 ? edge : sum;
     }
 }
@@ -142,11 +150,24 @@ template <class X> constexpr int longest_known_shift = 0;
 template <> constexpr int longest_known_shift<s16> = 2;
 template <> constexpr int longest_known_shift<uint16_t> = 8;
 
+// Scales by a known shift; what is not clamped keeps its type.
+template <class D, bool Clamp, class X, int K> struct KnownShift {
+    [[gnu::always_inline]] auto operator()(X x) const {
+        const X result = shift_right_small(x, K);
+        if constexpr (Clamp)
+            return store<D, true>(result);
+        else
+            return result;
+    }
+};
+template <class F> constexpr bool is_known_shift = false;
+template <class D, bool Clamp, class X, int K> constexpr bool is_known_shift<KnownShift<D, Clamp, X, K>> = true;
+
 template <class D, bool Clamp, class X, int K, class Loop>
 [[gnu::always_inline]] inline bool known_shift_loop(int k, Loop loop) {
     if constexpr (K > longest_known_shift<X>) return false;
     else if (k != K) return known_shift_loop<D, Clamp, X, K + 1>(k, loop);
-    else loop([](X x) { return store<D, Clamp>(shift_right_small(x, K)); });
+    else loop(KnownShift<D, Clamp, X, K>{});
     return true;
 }
 
@@ -164,6 +185,25 @@ template <class D, bool Clamp, class X, class Loop>
         else
             loop([shift](X x) { return store_shifted<D, Clamp>(select<(sizeof(X) < 8), s64, X>(x), shift); });
     }
+}
+
+// Rows of bytes whose results take 16 bits on the way. Both bytes of a pair are computed in place, which is less work
+// than widening whole registers and narrowing them again.
+template <class X, class F>
+[[gnu::always_inline]] inline void row2_pairs(void *dst, const void *const *src, int64_t n, F f) {
+    struct [[gnu::packed, gnu::may_alias]] Pair {
+        uint16_t bytes;
+    };
+    u8 *d = elements<u8>(dst);
+    const u8 *a = elements<u8>(src[0]), *b = elements<u8>(src[1]);
+    Pair *dd = elements<Pair>(dst);
+    const Pair *aa = elements<Pair>(src[0]), *bb = elements<Pair>(src[1]);
+    for (int64_t i = 0; i < n / 2; ++i) {
+        const uint16_t p = aa[i].bytes, q = bb[i].bytes;
+        const uint16_t low = f(X(p & 255), X(q & 255)), high = f(X(p >> 8), X(q >> 8));
+        dd[i].bytes = uint16_t((low & 255) | high << 8);
+    }
+    if (n % 2 != 0) d[n - 1] = u8(f(X(a[n - 1]), X(b[n - 1])));
 }
 
 } // namespace

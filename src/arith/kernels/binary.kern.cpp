@@ -16,8 +16,13 @@ template <class Op, bool Clamp> struct Binary {
     template <class D, class A, class B>
     static void scaled(void *dst, const void *const *src, int64_t n, const RowParams &p) {
         using X = exact_type<Op::growth, A, B>;
-        scaled_loop<D, Clamp, X>(
-            p, [=](auto finish) { row2<D, A, B>(dst, src, n, [=](A a, B b) { return finish(Op::of(X(a), X(b))); }); });
+        scaled_loop<D, Clamp, X>(p, [=]<class Finish>(Finish finish) {
+            const auto f = [=](X a, X b) __attribute__((always_inline)) { return finish(Op::of(a, b)); };
+            if constexpr (is_known_shift<Finish> && same<D, u8> && same<A, u8> && same<B, u8>)
+                row2_pairs<X>(dst, src, n, f);
+            else
+                row2<D, A, B>(dst, src, n, [=](A a, B b) { return f(X(a), X(b)); });
+        });
     }
     template <class D, class A, class B> static constexpr Rows rows() {
         return {plain<D, A, B>, scaled<D, A, B>, nullptr, nullptr, ConstantRule::none};
