@@ -135,24 +135,28 @@ Row row_of(Variant variant, const Rows &rows, const Rows &base) {
 
 // Constant forms: channels run together where their pixels are dense and their constants call for the same rows.
 void run_with_constants(Family family, const Rows &rows, const Rows &base, const Shape &shape, const ArithCall &call,
-                        RowParams &params) {
+                        RowParams &params, Level which) {
     const FamilyKeys &keys = family_keys[family];
-    const int channels = shape.channels;
+    const int channels = shape.channels, operands = 1 + keys.sources;
     ConstantPattern pattern[2];
     params.constants[0] = &pattern[0];
     params.constants[1] = &pattern[1];
 
     const Constants all = {call, keys.constants, 0, channels};
     const Variant variant = choose(family, rows, base, all);
-    bool together = channels_fold(shape, call.operand, 1 + keys.sources);
+    bool together = channels_fold(shape, call.operand, operands);
     if (variant == Variant::real || variant == Variant::scaled)
         for (int c = 0; c < channels && channels > 1; ++c)
             together = together && choose(family, rows, base, {call, keys.constants, c, 1}) == variant;
-    for (int c = 0; c < (together ? 1 : channels); ++c) {
-        const Constants some = together ? all : Constants{call, keys.constants, c, 1};
-        const Variant own = together ? variant : choose(family, rows, base, some);
-        some.lay_out(pattern, own == Variant::plain ? 1 : pattern_length);
-        Walk w = make_walk(shape, call.operand, 1 + keys.sources, together ? -1 : c, level(call.options));
+    if (together) {
+        all.lay_out(pattern, variant == Variant::plain ? 1 : pattern_length);
+        return walk_channels(shape, call.operand, operands, row_of(variant, rows, base), params, which);
+    }
+    for (int c = 0; c < channels; ++c) {
+        const Constants one = {call, keys.constants, c, 1};
+        const Variant own = choose(family, rows, base, one);
+        one.lay_out(pattern, own == Variant::plain ? 1 : pattern_length);
+        Walk w = make_walk(shape, call.operand, operands, c, which);
         walk(w, row_of(own, rows, base), params);
     }
 }
@@ -168,7 +172,7 @@ int64_t run(Family family, int line, const Shape &shape, const ArithCall &call) 
     }
     const FamilyKeys &keys = family_keys[family];
     if (keys.constants > 0)
-        run_with_constants(family, rows, base, shape, call, params);
+        run_with_constants(family, rows, base, shape, call, params, which);
     else
         walk_channels(shape, call.operand, 1 + keys.sources,
                       row_of(call.p == 0 ? Variant::plain : Variant::scaled, rows, base), params, which);
