@@ -6,14 +6,6 @@
 namespace jorm::JORM_LEVEL {
 namespace {
 
-// To the nearest 32-bit integer, where the processor's own conversion is within reach of the compiler.
-#if defined(__x86_64__) && defined(__NO_MATH_ERRNO__) && !defined(__clang__)
-[[gnu::always_inline]] inline s32 nearest(f64 x) { return __builtin_irint(x); }
-[[gnu::always_inline]] inline s32 nearest(f32 x) { return __builtin_irintf(x); }
-#else
-template <class T> [[gnu::always_inline]] inline s32 nearest(T x) { return round_s32(x); }
-#endif
-
 template <class D, class S> [[gnu::always_inline]] inline D clamped(S x) {
     constexpr S lo = S(lowest<D>), hi = S(largest<D>);
     x = x < lo ? lo : x;
@@ -25,7 +17,7 @@ template <class D, class S> [[gnu::always_inline]] inline D convert_element(S x)
     if constexpr (is_real<D>)
         return D(x);
     else if constexpr (is_real<S>)
-        return convert_element<D>(nearest(x));
+        return convert_element<D>(round_s32(x));
     else if constexpr (sizeof(S) > sizeof(D))
         return clamped<D>(x);
     else
@@ -83,7 +75,7 @@ template <bool Uniform, class S>
     Words y;
     for (int l = 0; l < n; ++l) {
         const Pieces k = Uniform ? first : pieces_at(p, j + l);
-        y.whole[l] = nearest(multiply_add(f32(s[l]), k.scale, k.offset));
+        y.whole[l] = round_s32(multiply_add(f32(s[l]), k.scale, k.offset));
     }
     for (int l = 0; l < n; ++l) {
         const uint16_t fraction = y.half[2 * l + 1 - upper];
@@ -144,7 +136,7 @@ template <bool Brief, class D> [[gnu::always_inline]] inline D of_byte(f32 x, Pi
         else if constexpr (same<D, u8>)
             return convert_element<D>(main);
         else
-            return convert_element<D>(s32(uint32_t(nearest(main)) + uint32_t(nearest(rest))));
+            return convert_element<D>(s32(uint32_t(round_s32(main)) + uint32_t(round_s32(rest))));
     }
 }
 

@@ -26,15 +26,11 @@ enum class ConstantRule : uint8_t {
     rounded    // all, rounded to nearest even
 };
 
-// Copies a block past the cache to memory.
-using StreamCopy = void (*)(void *to, const void *from, int64_t bytes);
-
 // What is the same for every row of a call.
 struct RowParams {
     int32_t shift = 0;                        // results are scaled by 2^shift
     double scale = 1;                         // 2^shift
     const ConstantPattern *constants[2] = {}; // null when the operation has none
-    StreamCopy stream = nullptr;              // how large results leave; null where that does not pay
 };
 
 // Computes n dense elements. dst may be a source; rows never overlap otherwise.

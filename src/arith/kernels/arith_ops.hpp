@@ -114,10 +114,9 @@ template <class Op, class T> [[gnu::always_inline]] inline T clamped_sum(T a, T 
     constexpr bool add = same<Op, Add>;
     if constexpr (same<Op, RSub>)
         return clamped_sum<Sub>(b, a);
-    else if constexpr (same<T, u8> && add) {
-        const u8 sum = u8(a + b);
-        return sum < a ? u8(255) : sum;
-    } else if constexpr (same<T, u8>)
+    else if constexpr (same<T, u8> && add)
+        return u8(a + lesser(b, u8(~a)));
+    else if constexpr (same<T, u8>)
         return u8(greater(a, b) - b);
     else if constexpr (same<T, s16>) {
         // Every level has minima and maxima of 16 bits: they hold b where the sum fits.
