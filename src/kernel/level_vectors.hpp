@@ -2,7 +2,7 @@
 #pragma once
 #include "kernel/level_ops.hpp"
 
-#if defined(JORM_LEVEL_avx2) || defined(JORM_LEVEL_avx512)
+#ifdef __x86_64__
 #include <immintrin.h>
 #endif
 
@@ -21,6 +21,49 @@ template <int N> [[gnu::always_inline]] inline void widen(s32 *to, const u8 *fro
     for (int i = 0; i < N; ++i) to[i] = from[i];
 #endif
 }
+
+// Saturated sums and differences.
+template <class T> constexpr bool has_saturated_sums = false;
+#ifdef __x86_64__
+template <> constexpr bool has_saturated_sums<u8> = true;
+template <> constexpr bool has_saturated_sums<s16> = true;
+#if defined(JORM_LEVEL_avx512)
+using Register = __m512i;
+#define JORM_OF_REGISTER(operation) _mm512_##operation
+#elif defined(JORM_LEVEL_avx2)
+using Register = __m256i;
+#define JORM_OF_REGISTER(operation) _mm256_##operation
+#else
+using Register = __m128i;
+#define JORM_OF_REGISTER(operation) _mm_##operation
+#endif
+
+template <bool Add, class T> [[gnu::always_inline]] inline Register saturated(Register a, Register b) {
+    if constexpr (same<T, u8>)
+        return Add ? JORM_OF_REGISTER(adds_epu8)(a, b) : JORM_OF_REGISTER(subs_epu8)(a, b);
+    else
+        return Add ? JORM_OF_REGISTER(adds_epi16)(a, b) : JORM_OF_REGISTER(subs_epi16)(a, b);
+}
+
+// row2 for d = a + b or a - b; f serves what does not fill a register.
+template <bool Add, class T, class F>
+[[gnu::always_inline]] inline void saturated_row(void *dst, const void *const *src, int64_t n, F f) {
+    constexpr int64_t whole = sizeof(Register) / sizeof(T);
+    T *d = elements<T>(dst);
+    const T *a = elements<T>(src[0]), *b = elements<T>(src[1]);
+    int64_t i = 0;
+    for (; i + whole <= n; i += whole) {
+        Register x, y;
+        __builtin_memcpy(&x, a + i, sizeof x);
+        __builtin_memcpy(&y, b + i, sizeof y);
+        x = saturated<Add, T>(x, y);
+        __builtin_memcpy(d + i, &x, sizeof x);
+    }
+    const void *const rest[] = {a + i, b + i};
+    row2<T, T, T>(d + i, rest, n - i, f);
+}
+#undef JORM_OF_REGISTER
+#endif
 
 #ifdef JORM_LEVEL_avx512
 // Bit i tells whether byte i of 64 differs from the value.

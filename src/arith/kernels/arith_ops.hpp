@@ -36,8 +36,10 @@ using exact_type = select<any_real<T...>, f64, typename WholeType<G, widest<T...
 // Computes a result that goes into f32 so that it is rounded once where that is possible; a product and a sum of three
 // f32 operands round once each.
 template <Growth G, class... T>
-using float_type = select<any_real<T...>, select<G == Growth::product_sum ? !all_f32<T...> : G == Growth::square || any_s32<T...>, f64, f32>,
-                          select<any_s32<T...> && G == Growth::sum, f64, exact_type<G, T...>>>;
+using float_type =
+    select<any_real<T...>,
+           select<G == Growth::product_sum ? !all_f32<T...> : G == Growth::square || any_s32<T...>, f64, f32>,
+           select<any_s32<T...> && G == Growth::sum, f64, exact_type<G, T...>>>;
 
 // What the loop without a scale computes in: wrapping results need only the low bits.
 template <class D, bool Clamp, Growth G, class... T>
@@ -106,25 +108,14 @@ struct MulRSub {
     template <class C> [[gnu::always_inline]] static C of(C a, C b, C c) { return C(c - a * b); }
 };
 
-template <class T> [[gnu::always_inline]] inline T lesser(T a, T b) { return a < b ? a : b; }
-template <class T> [[gnu::always_inline]] inline T greater(T a, T b) { return a > b ? a : b; }
-
-// Clamped sums of operands of the destination's own type, without leaving its width.
+// Clamped sums of operands of the destination's own type.
 template <class Op, class T> [[gnu::always_inline]] inline T clamped_sum(T a, T b) {
-    constexpr bool add = same<Op, Add>;
-    if constexpr (same<Op, RSub>)
+    if constexpr (sizeof(T) < sizeof(s32))
+        return clamp<T>(Op::of(s32(a), s32(b)));
+    else if constexpr (same<Op, RSub>)
         return clamped_sum<Sub>(b, a);
-    else if constexpr (same<T, u8> && add)
-        return u8(a + lesser(b, u8(~a)));
-    else if constexpr (same<T, u8>)
-        return u8(greater(a, b) - b);
-    else if constexpr (same<T, s16>) {
-        // Every level has minima and maxima of 16 bits: they hold b where the sum fits.
-        const T lo = add ? T(lowest<T> - lesser(a, T(0))) : T(greater(a, T(-1)) - largest<T>);
-        const T hi = add ? T(~lo - a) : T(a - lo);
-        const T fitting = lesser(greater(b, lo), hi);
-        return add ? T(a + fitting) : T(a - fitting);
-    } else {
+    else {
+        constexpr bool add = same<Op, Add>;
         const T sum = T(add ? uint32_t(a) + uint32_t(b) : uint32_t(a) - uint32_t(b));
         const T over = add ? (a ^ sum) & (b ^ sum) : (a ^ b) & (a ^ sum); // the sign bit tells
         const T edge = (a >> (bits<T> - 1)) ^ T(largest<T>);
@@ -164,9 +155,12 @@ template <class D, bool Clamp, class X, int K> constexpr bool is_known_shift<Kno
 
 template <class D, bool Clamp, class X, int K, class Loop>
 [[gnu::always_inline]] inline bool known_shift_loop(int k, Loop loop) {
-    if constexpr (K > longest_known_shift<X>) return false;
-    else if (k != K) return known_shift_loop<D, Clamp, X, K + 1>(k, loop);
-    else loop(KnownShift<D, Clamp, X, K>{});
+    if constexpr (K > longest_known_shift<X>)
+        return false;
+    else if (k != K)
+        return known_shift_loop<D, Clamp, X, K + 1>(k, loop);
+    else
+        loop(KnownShift<D, Clamp, X, K>{});
     return true;
 }
 

@@ -1,5 +1,6 @@
 // Rows of two sources.
 #include "arith/kernels/arith_ops.hpp"
+#include "kernel/level_vectors.hpp"
 
 namespace jorm::JORM_LEVEL {
 namespace {
@@ -8,8 +9,12 @@ template <class Op, bool Clamp> struct Binary {
     template <class D, class A, class B>
     static void plain(void *dst, const void *const *src, int64_t n, const RowParams &) {
         using C = plain_type<D, Clamp, Op::growth, A, B>;
-        if constexpr (Clamp && same<D, A> && same<D, B> && Op::growth == Growth::sum && !is_real<D>)
-            row2<D, A, B>(dst, src, n, [](A a, B b) { return clamped_sum<Op, D>(a, b); });
+        constexpr bool clamps = Clamp && same<D, A> && same<D, B> && Op::growth == Growth::sum && !is_real<D>;
+        const auto clamped = [](auto a, auto b) { return clamped_sum<Op>(a, b); };
+        if constexpr (clamps && has_saturated_sums<D> && !same<Op, RSub>)
+            saturated_row<same<Op, Add>, D>(dst, src, n, clamped);
+        else if constexpr (clamps)
+            row2<D, D, D>(dst, src, n, clamped);
         else
             row2<D, A, B>(dst, src, n, [](A a, B b) { return store<D, Clamp>(Op::of(C(a), C(b))); });
     }
