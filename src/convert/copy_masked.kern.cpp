@@ -55,26 +55,6 @@ template <u8 skip, class T>
         if (bytes_other_than(skip, m + i) != 0) update<skip>(d, m, i, i + block, in);
     return i;
 }
-
-// From memory it pays to ask for what comes, and to read all of a group of lines before it is written.
-template <u8 skip, class T>
-[[gnu::always_inline]] inline int64_t update_far(T *d, const u8 *m, int64_t i, int64_t n, Source<T> in) {
-    constexpr int64_t line = 64 / int64_t(sizeof(T)), count = 4 * line, ahead = 16 * line;
-    for (; i + count <= n; i += count) {
-        T group[count];
-        for (int64_t k = i + ahead; k < i + ahead + count; k += line) {
-            __builtin_prefetch(m + k);
-            __builtin_prefetch(in.s + k);
-            __builtin_prefetch(d + k);
-        }
-        for (int64_t k = 0; k < count; ++k) {
-            const T x = in(i + k), y = d[i + k];
-            group[k] = m[i + k] != skip ? x : y;
-        }
-        for (int64_t k = 0; k < count; ++k) d[i + k] = group[k];
-    }
-    return i;
-}
 #endif
 
 template <class T, bool Inverted, bool Far, class In>
@@ -88,10 +68,11 @@ template <class T, bool Inverted, bool Far, class In>
     const int64_t before = int64_t(-reinterpret_cast<uintptr_t>(dst) & 63) / int64_t(sizeof(T));
     i = n < before ? n : before;
     update<skip>(d, m, 0, i, in);
-    if constexpr (Far)
-        i = update_far<skip>(d, m, i, n, in);
-    else
+    if constexpr (!Far)
         i = update_near<skip>(d, m, i, n, in);
+    else if constexpr (same<In, Value<T>>)
+        i = update_far<skip>(d, m, i, n, in);
+        // What comes from memory comes fastest in a loop without branches.
 #endif
     update<skip>(d, m, i, n, in);
 }

@@ -25,11 +25,12 @@ template <class Kind, class T> [[gnu::always_inline]] inline T better(T a, T b) 
 // many as keep the processor busy while a comparison takes its time. Masks are bytes whatever the samples are, so lanes
 // under a mask fill a register with bytes. In one round a lane takes `depth` samples.
 #ifdef JORM_LEVEL_avx512
-constexpr int lane_bytes = 192, depth_of_reals = 2;
+constexpr int lane_bytes = 192, real_lane_bytes = 256, depth_of_reals = 2;
 #else
-constexpr int lane_bytes = 96, depth_of_reals = 4;
+constexpr int lane_bytes = 96, real_lane_bytes = 96, depth_of_reals = 4;
 #endif
-template <class T, bool Masked> constexpr int lanes = Masked ? 64 : lane_bytes / int(sizeof(T));
+template <class T, int C, bool Masked>
+constexpr int lanes = Masked ? 64 : (C == 1 && is_real<T> ? real_lane_bytes : lane_bytes) / int(sizeof(T));
 template <class T> constexpr int depth = is_real<T> ? depth_of_reals : 1;
 
 // Single precision as whole numbers in the same order.
@@ -152,7 +153,7 @@ template <class Kind, class T, int C, int Lanes> struct Best {
 
 // A row goes by blocks. Their lanes tell whether one holds anything better; where, is looked up at the end.
 template <class T, int C, bool Masked> void extrema(void *dst, const void *const *src, int64_t n, const RowParams &) {
-    constexpr int width = lanes<T, Masked>, round = depth<T> * width;
+    constexpr int width = lanes<T, C, Masked>, round = depth<T> * width;
     constexpr int64_t block = (C == 1 ? 8192 : 4096) / int(sizeof(T)) / round * round;
     ExtremaState &state = *elements<ExtremaState>(dst);
     const Samples<T, Masked> x = {elements<T>(src[0]), Masked ? elements<u8>(src[1]) : nullptr, state.unselected};
