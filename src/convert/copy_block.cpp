@@ -3,6 +3,7 @@
 #include "xe/scratch.hpp"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <utility>
 
@@ -236,6 +237,12 @@ int64_t copy_elements(jorm_xe *xe, uint64_t options, uint32_t word, const int32_
     if (int64_t status = read_shape(shape, word, size); status != JORM_OK) return status;
     if (dst.type != src.type || !well_formed(dst.type)) return JORM_EINVAL;
     if (element_size(dst.type) == 0) return JORM_ENOTSUP;
+    const Operand operands[] = {dst, src};
+    if (const int64_t bytes = one_run(shape, operands, 2) * element_size(dst.type);
+        bytes > 0 && std::llabs(dst.start - src.start) >= bytes) {
+        memory_rows_at(level(options)).copy(dst.start, src.start, bytes, 0);
+        return JORM_OK;
+    }
     return copy_block(xe, options, block_of(shape.axes, size, shape.channels, dst, src));
 }
 
