@@ -1,7 +1,6 @@
 #include "kernel/walk.hpp"
 
 #include <algorithm>
-#include <cstring>
 
 namespace jorm {
 namespace {
