@@ -61,6 +61,12 @@ struct Scene {
         return JormVConvert(xe, 0, &dst, &src, nullptr, nullptr, &to, &from);
     }
 
+    // A square window.
+    int64_t filter(const jorm_array &dst, const jorm_array &src, uint32_t kind, int32_t n) {
+        jorm_seshape window;
+        return JormFilter(xe, 0, &dst, &src, nullptr, nullptr, kind, __jorm_seshape__$g2(&window, n, n));
+    }
+
     // Minimum and maximum, then the row and the column of each.
     int64_t extrema(const jorm_array &a) {
         jorm_minmax mm;
@@ -128,6 +134,16 @@ const Case cases[] = {
     {"minmax_f32", nullptr, 2, [](Scene &s) { return s.extrema(s.f32a); }},
     {"mkborder_u8_r101_2", &Planes::framed2, 0, [](Scene &s) { return JormCopyMkb(s.xe, 0, &s.framed2, &s.u8a, no, margin2, &reflect101); }, true},
     {"mkborder_u8_r101_16", &Planes::framed16, 0, [](Scene &s) { return JormCopyMkb(s.xe, 0, &s.framed16, &s.u8a, no, margin16, &reflect101); }, true},
+    {"box_u8_3x3", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_BOX, 3); }, true},
+    {"box_u8_5x5", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_BOX, 5); }, true},
+    {"box_u8_31x31", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_BOX, 31); }, true},
+    {"box_f32_5x5", out32f, 0, [](Scene &s) { return s.filter(s.out32f, s.f32a, JORM_FILTER_BOX, 5); }, true},
+    {"erode_u8_3x3", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_MIN, 3); }, true},
+    {"erode_u8_5x5", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_MIN, 5); }, true},
+    {"erode_u8_31x31", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_MIN, 31); }, true},
+    {"dilate_f32_5x5", out32f, 0, [](Scene &s) { return s.filter(s.out32f, s.f32a, JORM_FILTER_MAX, 5); }, true},
+    {"close_u8_5x5", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_CLOSE, 5); }, true},
+    {"tophat_u8_5x5", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_TOPHAT, 5); }, true},
 };
 // clang-format on
 

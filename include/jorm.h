@@ -12,6 +12,7 @@
 #include "jorm/arith.h"
 #include "jorm/convert.h"
 #include "jorm/copy.h"
+#include "jorm/filter.h"
 #include "jorm/geometry.h"
 #include "jorm/shapes.h"
 #include "jorm/sort.h"

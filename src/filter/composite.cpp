@@ -1,0 +1,70 @@
+#include "filter/composite.hpp"
+
+#include <cstring>
+#include <limits>
+
+namespace jorm {
+namespace {
+
+template <class T> void put(NeutralPixel &pixel, Extreme against) {
+    using limits = std::numeric_limits<T>;
+    const T value = against == Extreme::least ? limits::max() : limits::lowest();
+    for (size_t i = 0; i < sizeof pixel.bytes; i += sizeof value) std::memcpy(pixel.bytes + i, &value, sizeof value);
+    pixel.value = double(value);
+}
+
+} // namespace
+
+NeutralPixel::NeutralPixel(const WindowCall &c, Extreme against) {
+    c.type == JORM_U8    ? put<uint8_t>(*this, against)
+    : c.type == JORM_S16 ? put<int16_t>(*this, against)
+    : c.type == JORM_S32 ? put<int32_t>(*this, against)
+                         : put<float>(*this, against);
+}
+
+int64_t HatStage::open(WindowRows &source, RowStage &changed, Composite which) {
+    source_ = &source;
+    changed_ = &changed;
+    closing_ = is_closing(which);
+    row_.emplace(source.call().xe, scratch_bytes(source.call().row_elements(), source.call().element()), 64);
+    return *row_ ? JORM_OK : JORM_ENOMEM;
+}
+
+void HatStage::begin_plane(int64_t z) {
+    source_->begin_plane(z);
+    changed_->begin_plane(z);
+}
+
+void HatStage::produce(int64_t y, void *row) {
+    const WindowCall &c = source_->call();
+    changed_->produce(y, row_->get());
+    const void *const before = source_->centre(y), *const after = row_->get();
+    extremum_rows_of(c, Extreme::least)
+        .subtract(row, closing_ ? after : before, closing_ ? before : after, c.row_elements());
+}
+
+int64_t BetweenPasses::open(const WindowCall &c, Extreme against) {
+    const int64_t row = c.size[2] * c.pixel();
+    block_.emplace(c.xe, scratch_bytes(c.size[0], c.size[1], row), 64);
+    if (!*block_) return JORM_ENOMEM;
+    const int64_t dense[4] = {c.size[1] * row, row, c.pixel(), c.element()};
+    first = second = c;
+    first.dst = block_->as<char>();
+    second.src = block_->as<char>();
+    std::memcpy(first.dst_stride, dense, sizeof dense);
+    std::memcpy(second.src_stride, dense, sizeof dense);
+    for (int i = 0; i < 3; ++i) {
+        second.first[i] = 0;
+        second.last[i] = c.size[i];
+    }
+    second.border.mode = JORM_BORDER_CONST;
+    for (double &value : second.border.values) value = NeutralPixel(c, against).value;
+    return JORM_OK;
+}
+
+int64_t rectangular_composite(WindowCall &c, Composite which) {
+    return run_composite<ExtremumStage>(
+        c, which, [](ExtremumStage &stage, WindowRows &rows, Extreme extreme) { return stage.open(rows, extreme); });
+}
+
+} // namespace jorm

@@ -1,0 +1,82 @@
+// Openings and closings: one extremum after the other, and what they change.
+#pragma once
+#include "filter/extremum.hpp"
+
+namespace jorm {
+
+enum class Composite : int { close, open, bothat, tophat };
+
+constexpr bool is_closing(Composite which) { return which == Composite::close || which == Composite::bothat; }
+constexpr bool is_hat(Composite which) { return which == Composite::bothat || which == Composite::tophat; }
+
+// A pixel that loses against all others; the limits of single precision are the finite ones.
+struct NeutralPixel {
+    double value;
+    char bytes[16];
+    NeutralPixel(const WindowCall &c, Extreme against);
+};
+
+// What an opening takes away, or a closing adds: the difference to the source's rows.
+class HatStage : public RowStage {
+public:
+    int64_t open(WindowRows &source, RowStage &changed, Composite which);
+    void begin_plane(int64_t z) override;
+    void produce(int64_t y, void *row) override;
+
+private:
+    WindowRows *source_ = nullptr;
+    RowStage *changed_ = nullptr;
+    bool closing_ = false;
+    std::optional<Scratch> row_;
+};
+
+// The picture between two passes of a window with several planes.
+class BetweenPasses {
+public:
+    int64_t open(const WindowCall &c, Extreme second);
+    WindowCall first, second;
+
+private:
+    std::optional<Scratch> block_;
+};
+
+// Both passes in one go: the second takes the rows of the first as they come. Windows with several planes take them one
+// after the other, with the picture between them in scratch memory. open_pass(stage, rows, extreme) readies a Stage.
+template <class Stage, class OpenPass> int64_t run_composite(WindowCall &c, Composite which, OpenPass open_pass) {
+    const Extreme one = is_closing(which) ? Extreme::largest : Extreme::least;
+    const Extreme other = is_closing(which) ? Extreme::least : Extreme::largest;
+    const NeutralPixel neutral(c, other);
+    const bool deep = c.extent[0] > 1;
+    // In the order in which they take scratch memory.
+    PreparedCall prepared;
+    BetweenPasses between;
+    PreparedCall prepared_between;
+    WindowRows source;
+    Stage first;
+    WindowRows rows;
+    Stage second;
+    HatStage hat;
+    int64_t status = prepared.prepare(c);
+    if (status == JORM_OK && deep) {
+        status = between.open(c, other);
+        if (status == JORM_OK) {
+            WindowRows deep_source;
+            Stage deep_first;
+            status = deep_source.open(between.first);
+            if (status == JORM_OK) status = open_pass(deep_first, deep_source, one);
+            if (status == JORM_OK) status = run_stage(between.first, deep_first);
+        }
+        if (status == JORM_OK) status = prepared_between.prepare(between.second);
+    }
+    if (status == JORM_OK) status = source.open(c, is_hat(which) ? c.extent[1] : 0);
+    if (status == JORM_OK && !deep) status = open_pass(first, source, one);
+    if (status == JORM_OK) status = deep ? rows.open(between.second) : rows.open(c, first, neutral.bytes);
+    if (status == JORM_OK) status = open_pass(second, rows, other);
+    if (status != JORM_OK || !is_hat(which)) return status == JORM_OK ? run_stage(c, second) : status;
+    status = hat.open(source, second, which);
+    return status == JORM_OK ? run_stage(c, hat) : status;
+}
+
+int64_t rectangular_composite(WindowCall &c, Composite which);
+
+} // namespace jorm

@@ -1,0 +1,127 @@
+// Windows over pictures: the one mechanism of all neighbourhood operations.
+//
+// An operation is a chain of stages. A stage makes rows of results, in ascending order, from the rows of a window
+// around each of them, which WindowRows brings before it. No picture is copied for the sake of its border: rows beyond
+// the edge are other rows of the picture, columns beyond it are completed in the one row that a stage works on. Rows
+// that the destination would overwrite too early, or whose elements do not lie side by side, pass through a ring of as
+// many rows as the window has.
+#pragma once
+#include "kernel/call.hpp"
+#include "xe/level.hpp"
+#include "xe/scratch.hpp"
+
+#include "jorm/shapes.h"
+
+#include <optional>
+
+namespace jorm {
+
+// One call of a neighbourhood operation, in slots: planes, rows, pixels, and for strides the channels.
+struct WindowCall {
+    jorm_xe *xe;
+    uint64_t flags;
+    Level which;
+    uint32_t type, code; // of the elements, of the channels
+    int axes;            // slots in use, the channels included
+    int32_t channels;    // that take part, from the first on
+    int64_t size[3];     // of the region
+    char *dst;
+    const char *src;
+    int64_t dst_stride[4], src_stride[4];
+    int64_t before[3], extent[3]; // of the window: its anchor, its size
+    int64_t first[3], last[3];    // where the picture begins and ends, seen from the source's start
+    jorm_border border;
+    bool in_place; // source and destination are the same elements
+
+    int32_t element() const { return element_size(type); }
+    int64_t pixel() const { return int64_t(channels) * element(); }
+    int64_t after(int i) const { return extent[i] - 1 - before[i]; }
+    int64_t row_elements() const { return size[2] * channels; }
+};
+
+// A chain's stages see the planes one after the other, and the rows of each in ascending order, every one once.
+class RowStage {
+public:
+    virtual void begin_plane(int64_t z) = 0;
+    virtual void produce(int64_t y, void *row) = 0; // dense
+};
+
+// The rows around a row of results. Of the elements that a window reads in a row, `left` are to be completed, `bare`
+// exist and `right` are to be completed; rows that come whole have neither left nor right.
+class WindowRows {
+public:
+    // The source of the call. `history` rows above the window stay readable.
+    int64_t open(const WindowCall &call, int64_t history = 0);
+    // What another stage makes of the region, with a constant (a pixel of elements) around it.
+    int64_t open(const WindowCall &call, RowStage &stage, const void *constant, int64_t history = 0);
+    void begin_plane(int64_t z);
+
+    // The bare part of row v of the region, which may lie beyond the picture. Rows are asked for in ascending order but
+    // for those of the window and the history.
+    const char *row(int64_t v) {
+        if (!ring_ && v >= call_->first[1] && v < call_->last[1]) return plane_ + v * call_->src_stride[1];
+        return distant_row(v);
+    }
+    // The same in plane d of a window with several.
+    const char *row(int64_t d, int64_t v);
+
+    // Pixel 0 of row y of the region.
+    const char *centre(int64_t y) {
+        const char *const at = call_->extent[0] == 1 ? row(y) : row(call_->before[0], y);
+        return at + call_->before[2] * call_->pixel() - left * call_->element();
+    }
+    // Completes a row that was made from bare parts, of elements of another size perhaps.
+    void complete(void *row, int32_t element) const;
+
+    int64_t left = 0, bare = 0, right = 0; // elements
+    int64_t whole() const { return left + bare + right; }
+    const WindowCall &call() const { return *call_; }
+
+private:
+    friend class PreparedCall;
+    int64_t find_columns();
+    int64_t open_ring(int64_t history, const void *constant);
+    const char *distant_row(int64_t v);
+    void load(int64_t r);
+    void make_row(char *to, const char *from) const;
+    char *slot(int64_t r) const { return ring_start_ + (r - ring_first_) % capacity_ * pitch_; }
+
+    const WindowCall *call_ = nullptr;
+    RowStage *stage_ = nullptr;
+    const char *plane_ = nullptr; // the bare part of row 0
+    int64_t z_ = 0;
+    int64_t columns_[2] = {};             // how many to complete on either side
+    const int64_t *stands_for_ = nullptr; // the column of the picture for each of them, `none` for a constant
+    bool ring_ = false;
+    int64_t capacity_ = 0, pitch_ = 0, ring_first_ = 0, loaded_ = 0;
+    char *ring_start_ = nullptr, *constant_row_ = nullptr;
+    char constant_[16] = {};
+    std::optional<Scratch> column_block_, ring_block_;
+};
+
+// Where rows of results go: into the destination where that is dense, else by way of a row of their own.
+class OutputRows {
+public:
+    int64_t open(const WindowCall &call);
+    void *begin(int64_t z, int64_t y) const;
+    void finish(int64_t z, int64_t y) const;
+
+private:
+    const WindowCall *call_ = nullptr;
+    std::optional<Scratch> bounce_;
+};
+
+// Makes the source of a call fit for windows: a source that overlaps the destination, other than by being the same, or
+// that a window with several planes cannot read as it stands, is copied with its border.
+class PreparedCall {
+public:
+    int64_t prepare(WindowCall &call);
+
+private:
+    std::optional<Scratch> copy_;
+};
+
+// Runs the last stage of a chain over the region.
+int64_t run_stage(const WindowCall &call, RowStage &stage);
+
+} // namespace jorm
