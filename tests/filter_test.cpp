@@ -34,6 +34,21 @@ double difference(uint32_t type, double a, double b) {
     return type == JORM_F32 ? float(a - b) : std::clamp(a - b, lowest(type), highest(type));
 }
 
+// The exact mean, rounded to nearest even.
+double mean(const WindowCase &c, const Index &p) {
+    if (c.src.eltype == JORM_F32) {
+        long double sum = 0;
+        c.each_in_window(p, [&](double v, const Index &) { sum += v; });
+        return float(sum / (c.shape.extent[0] * c.shape.extent[1] * c.shape.extent[2]));
+    }
+    const int64_t area = int64_t(c.shape.extent[0]) * c.shape.extent[1] * c.shape.extent[2];
+    int64_t sum = 0;
+    c.each_in_window(p, [&](double v, const Index &) { sum += int64_t(v); });
+    int64_t q = sum / area - (sum % area < 0), rest = sum - q * area;
+    if (2 * rest > area || (2 * rest == area && q % 2 != 0)) ++q;
+    return double(q);
+}
+
 double wanted(const WindowCase &c, uint32_t kind, const Index &p) {
     const auto source = [&](const Index &i) { return c.at(i); };
     switch (kind) {
@@ -43,6 +58,8 @@ double wanted(const WindowCase &c, uint32_t kind, const Index &p) {
         return extremum(c, p, false, source);
     case JORM_FILTER_MAX:
         return extremum(c, p, true, source);
+    case JORM_FILTER_BOX:
+        return mean(c, p);
     case JORM_FILTER_CLOSE:
         return twice(c, p, true);
     case JORM_FILTER_OPEN:
@@ -89,6 +106,8 @@ TEST_F(Filter, ExtremaOfEveryWindow) {
     run(JORM_FILTER_MAX, 1500, 40, true);
     run(JORM_FILTER_NUL, 100, 3, false);
 }
+
+TEST_F(Filter, MeansOfEveryWindow) { run(JORM_FILTER_BOX, 3000, 40, true); }
 
 TEST_F(Filter, OpeningsAndClosings) {
     for (const uint32_t kind : {JORM_FILTER_CLOSE, JORM_FILTER_OPEN, JORM_FILTER_BOTHAT, JORM_FILTER_TOPHAT})

@@ -1,4 +1,172 @@
 #include "filter/box.hpp"
+
+#include "filter/box_rows.hpp"
+#include "filter/columns.hpp"
+
+#include <algorithm>
+#include <cstring>
+
 namespace jorm {
-int64_t box(WindowCall &) { return JORM_ENOTIMP; }
+namespace {
+
+constexpr int64_t line = 64;
+
+// Calls f(row that comes in, row that goes) for every plane of the window of row y. At row 0 all rows come in; from then
+// on one comes in and one goes.
+template <class Enter, class Slide> void slide_columns(WindowRows &in, int64_t y, Enter enter, Slide slide) {
+    const WindowCall &c = in.call();
+    const int64_t top = y - c.before[1], height = c.extent[1];
+    for (int64_t d = 0; d < c.extent[0]; ++d) {
+        if (y > 0) {
+            const void *const row = in.row(d, top + height - 1);
+            slide(row, in.row(d, top - 1));
+            continue;
+        }
+        for (int64_t k = 0; k < height; ++k) enter(in.row(d, top + k));
+    }
+}
+
+// ---- Small windows of bytes ----
+
+bool divides(const ByteMean &m, int64_t q) {
+    const int64_t area = m.area, half = area / 2;
+    const auto mean = [&](int64_t t) { return ((t * m.factor >> 16) * m.shift) >> 16; };
+    return mean(q * area) == q && mean(q * area + area - 1) == q && (q + 1) * area - 1 <= 255 * area + half + area;
+}
+
+// Finds factor and shift; false when there are none that divide all sums.
+bool find_factors(ByteMean &m, int64_t area) {
+    if (area < 3 || area > 256) return false;
+    int shift = 1;
+    while (((int64_t(1) << (17 + shift)) + area - 1) / area < 65536) ++shift;
+    m.area = uint16_t(area);
+    m.factor = uint16_t(((int64_t(1) << (16 + shift)) + area - 1) / area);
+    m.shift = uint16_t(1 << (16 - shift));
+    for (int64_t q = 0; q < 256; ++q)
+        if (!divides(m, q)) return false;
+    return true;
+}
+
+class ByteBoxStage : public RowStage {
+public:
+    int64_t open(WindowRows &in, const ByteMean &mean) {
+        in_ = &in;
+        mean_ = mean;
+        rows_ = JORM_OF_LEVEL(byte_box_rows, in.call().which);
+        // Pairs of columns are pairs of bytes of the bare part, wherever that begins.
+        mean_.phase = int32_t(in.left & 1);
+        half_ = ring_pitch((in.whole() + 4) / 2 * int64_t(sizeof(uint16_t)));
+        sums_.emplace(in.call().xe, scratch_bytes(2, half_), line);
+        return *sums_ ? JORM_OK : JORM_ENOMEM;
+    }
+    void begin_plane(int64_t z) override {
+        in_->begin_plane(z);
+        std::memset(sums_->get(), 0, size_t(2 * half_));
+    }
+    void produce(int64_t y, void *row) override {
+        uint16_t *const sums[] = {plane(0), plane(1)};
+        const int64_t n = in_->bare, skip = (in_->left + mean_.phase) / 2;
+        slide_columns(
+            *in_, y, [&](auto *in) { rows_->enter(sums[0] + skip, sums[1] + skip, bytes(in), n); },
+            [&](auto *in, auto *out) { rows_->slide(sums[0] + skip, sums[1] + skip, bytes(in), bytes(out), n); });
+        in_->each_to_complete([&](int64_t column, int64_t from) {
+            column += mean_.phase;
+            from += mean_.phase;
+            sums[column & 1][column / 2] = sums[from & 1][from / 2];
+        });
+        rows_->mean(static_cast<uint8_t *>(row), sums[0], sums[1], in_->call().size[2], mean_);
+    }
+
+private:
+    static const uint8_t *bytes(const void *p) { return static_cast<const uint8_t *>(p); }
+    uint16_t *plane(int k) const { return reinterpret_cast<uint16_t *>(sums_->as<char>() + k * half_); }
+
+    WindowRows *in_ = nullptr;
+    const ByteBoxRows *rows_ = nullptr;
+    ByteMean mean_ = {};
+    int64_t half_ = 0; // bytes of the sums of every other column
+    std::optional<Scratch> sums_;
+};
+
+// ---- All other windows ----
+
+BoxLine box_line(const WindowCall &c, int64_t area) {
+    switch (c.type) {
+    case JORM_U8:
+        return area < (int64_t(1) << 23) ? box_u8_narrow : box_u8;
+    case JORM_S16:
+        return area < (int64_t(1) << 15) ? box_s16_narrow : box_s16;
+    case JORM_S32:
+        return box_s32;
+    default:
+        return box_f32;
+    }
+}
+
+class BoxStage : public RowStage {
+public:
+    int64_t open(WindowRows &in, int64_t area) {
+        in_ = &in;
+        area_ = area;
+        const WindowCall &c = in.call();
+        rows_ = JORM_OF_LEVEL(box_rows, c.which) + box_line(c, area);
+        pitch_ = ring_pitch(in.whole() * rows_->sum_bytes);
+        sums_.emplace(c.xe, scratch_bytes(3, pitch_), line);
+        if (!*sums_) return JORM_ENOMEM;
+        if (c.type != JORM_F32) return JORM_OK;
+        return columns_.open(in, JORM_OF_LEVEL(real_sum_columns, c.which)[0]);
+    }
+    void begin_plane(int64_t z) override {
+        in_->begin_plane(z);
+        std::memset(sums_->get(), 0, size_t(pitch_));
+    }
+    void produce(int64_t y, void *row) override {
+        const WindowCall &c = in_->call();
+        char *const columns = sums_->as<char>(), *const along = columns + pitch_, *const spare = along + pitch_;
+        char *const bare = columns + in_->left * rows_->sum_bytes;
+        const int64_t n = in_->bare;
+        if (c.type == JORM_F32)
+            columns_.gather(y, bare);
+        else
+            slide_columns(
+                *in_, y, [&](auto *in) { rows_->enter(bare, in, n); },
+                [&](auto *in, auto *out) { rows_->slide(bare, in, out, n); });
+        in_->complete(columns, rows_->sum_bytes);
+        const bool narrow = c.extent[2] == 1;
+        if (!narrow) rows_->along(along, spare, columns, c.size[2], c.extent[2]);
+        rows_->mean(row, narrow ? columns : along, c.size[2], area_);
+    }
+
+private:
+    WindowRows *in_ = nullptr;
+    const BoxRows *rows_ = nullptr;
+    int64_t area_ = 0, pitch_ = 0;
+    std::optional<Scratch> sums_;
+    Columns columns_; // in single precision
+};
+
+// Beyond that the sums of 32-bit elements would not fit 64 bits.
+constexpr int64_t most_pixels = int64_t(1) << 31;
+
+} // namespace
+
+int64_t box(WindowCall &c) {
+    const size_t area = scratch_bytes(c.extent[0], c.extent[1], c.extent[2]);
+    if (area > size_t(most_pixels)) return JORM_ENOMEM;
+    PreparedCall prepared;
+    if (const int64_t status = prepared.prepare(c); status != JORM_OK) return status;
+    WindowRows rows;
+    if (const int64_t status = rows.open(c, 1); status != JORM_OK) return status;
+    ByteMean mean = {int32_t(c.extent[2]), 0, 0, 0, 0};
+    if (c.type == JORM_U8 && mean.width >= 2 && mean.width <= 2 * ByteMean::max_half + 1 &&
+        find_factors(mean, int64_t(area))) {
+        ByteBoxStage stage;
+        const int64_t status = stage.open(rows, mean);
+        return status == JORM_OK ? run_stage(c, stage) : status;
+    }
+    BoxStage stage;
+    const int64_t status = stage.open(rows, int64_t(area));
+    return status == JORM_OK ? run_stage(c, stage) : status;
+}
+
 } // namespace jorm

@@ -1,6 +1,6 @@
 // Rows of minima and maxima.
+#include "filter/column_rows.kern.hpp"
 #include "filter/extremum_rows.hpp"
-#include "kernel/level_ops.hpp"
 
 namespace jorm::JORM_LEVEL {
 namespace {
@@ -21,59 +21,6 @@ struct Largest {
             return a > b ? a : b;
     }
 };
-
-template <class Kind, class T, int N> void across_n(void *to, const void *const *rows, int64_t n) {
-    T *__restrict t = elements<T>(to);
-    const T *r[N];
-    for (int k = 0; k < N; ++k) r[k] = elements<T>(rows[k]);
-    for (int64_t i = 0; i < n; ++i) {
-        T best = r[0][i];
-        for (int k = 1; k < N; ++k) best = Kind::of(best, r[k][i]);
-        t[i] = best;
-    }
-}
-
-template <class Kind, class T> void into(void *a, const void *b, int64_t n) {
-    T *__restrict x = elements<T>(a);
-    const T *__restrict y = elements<T>(b);
-    for (int64_t i = 0; i < n; ++i) x[i] = Kind::of(x[i], y[i]);
-}
-
-template <class Kind, class T> void across(void *to, const void *const *rows, int64_t count, int64_t n) {
-    switch (count) {
-    case 1:
-        return across_n<Kind, T, 1>(to, rows, n);
-    case 2:
-        return across_n<Kind, T, 2>(to, rows, n);
-    case 3:
-        return across_n<Kind, T, 3>(to, rows, n);
-    case 4:
-        return across_n<Kind, T, 4>(to, rows, n);
-    case 5:
-        return across_n<Kind, T, 5>(to, rows, n);
-    case 6:
-        return across_n<Kind, T, 6>(to, rows, n);
-    case 7:
-        return across_n<Kind, T, 7>(to, rows, n);
-    default:
-        across_n<Kind, T, 8>(to, rows, n);
-        for (int64_t k = 8; k < count; ++k) into<Kind, T>(to, rows[k], n);
-    }
-}
-
-template <class Kind, class T> void two(void *to, const void *a, const void *b, int64_t n) {
-    const void *const rows[] = {a, b};
-    across_n<Kind, T, 2>(to, rows, n);
-}
-
-template <class Kind, class T> void extend(void *to, void *prefix, const void *row, const void *suffix, int64_t n) {
-    T *__restrict t = elements<T>(to), *__restrict p = elements<T>(prefix);
-    const T *__restrict r = elements<T>(row), *__restrict s = elements<T>(suffix);
-    for (int64_t i = 0; i < n; ++i) {
-        p[i] = Kind::of(p[i], r[i]);
-        t[i] = Kind::of(p[i], s[i]);
-    }
-}
 
 // Windows of N elements.
 template <class Kind, class T, int N> void along_n(void *to, const void *row, int64_t n, int64_t step) {
@@ -124,17 +71,24 @@ template <class Kind, class T> void along(void *to, void *row, void *spare, int6
     for (int64_t i = 0; i < n; ++i) t[i] = Kind::of(Kind::of(r[i], r[i + second]), Kind::of(r[i + third], r[i + last]));
 }
 
+template <class T> [[gnu::always_inline]] inline T difference(T a, T b) {
+    if constexpr (is_real<T>)
+        return a - b;
+    else if constexpr (same<T, u8>)
+        return T((a > b ? a : b) - b);
+    else
+        return clamp<T>(select<sizeof(T) == 4, s64, s32>(a) - b);
+}
 template <class T> void subtract(void *to, const void *a, const void *b, int64_t n) {
     T *__restrict t = elements<T>(to);
     const T *__restrict x = elements<T>(a), *__restrict y = elements<T>(b);
-    using Wide = select<is_real<T>, T, select<sizeof(T) == 4, s64, s32>>;
-    for (int64_t i = 0; i < n; ++i) t[i] = clamp<T>(Wide(Wide(x[i]) - Wide(y[i])));
+    for (int64_t i = 0; i < n; ++i) t[i] = difference(x[i], y[i]);
 }
 
 } // namespace
 
 #define LINE(Kind, T)                                                                                                  \
-    { across<Kind, T>, two<Kind, T>, extend<Kind, T>, subtract<T>, along<Kind, T> }
+    { column_rows<Kind, T, T>, subtract<T>, along<Kind, T> }
 extern const ExtremumRows extremum_rows[];
 const ExtremumRows extremum_rows[] = {LINE(Least, u8),   LINE(Least, s16),   LINE(Least, s32),   LINE(Least, f32),
                                       LINE(Largest, u8), LINE(Largest, s16), LINE(Largest, s32), LINE(Largest, f32)};

@@ -51,10 +51,10 @@ bool dense_destination(const WindowCall &c) {
 bool inside(const WindowCall &c, int axis) { return c.first[axis] <= 0 && c.last[axis] >= c.size[axis]; }
 
 // The columns that windows read: [begin, end), of which [from, to) exist.
-struct Columns {
+struct ColumnSpan {
     int64_t begin, end, from, to;
 
-    explicit Columns(const WindowCall &c) : begin(-c.before[2]), end(c.size[2] + c.after(2)) {
+    explicit ColumnSpan(const WindowCall &c) : begin(-c.before[2]), end(c.size[2] + c.after(2)) {
         from = std::clamp(c.first[2], begin, end);
         to = std::clamp(c.last[2], from, end);
     }
@@ -70,7 +70,7 @@ struct Columns {
 // Can windows not read the rows as they stand?
 bool needs_ring(const WindowCall &c) {
     const bool beyond = c.first[1] > -c.before[1] || c.last[1] < c.size[1] + c.after(1);
-    return c.in_place || !dense_source(c) || !Columns(c).complete_each_other(c) ||
+    return c.in_place || !dense_source(c) || !ColumnSpan(c).complete_each_other(c) ||
            (beyond && (c.border.mode & 15) == JORM_BORDER_CONST);
 }
 
@@ -93,19 +93,18 @@ template <class U> void complete_side(char *row, int64_t at, int64_t n, const in
 }
 template <int N> struct Unit { char bytes[N]; };
 
-// Rows of a ring do not begin at the same place of a page.
+} // namespace
+
 int64_t ring_pitch(int64_t bytes) {
     const int64_t pitch = (bytes + line - 1) / line * line;
     return pitch % 4096 == 0 ? pitch + line : pitch;
 }
 
-} // namespace
-
 // ---- Rows of a window ----
 
 int64_t WindowRows::find_columns() {
     const WindowCall &c = *call_;
-    const Columns k(c);
+    const ColumnSpan k(c);
     columns_[0] = k.from - k.begin;
     columns_[1] = k.end - k.to;
     left = columns_[0] * c.channels;

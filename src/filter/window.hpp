@@ -73,6 +73,14 @@ public:
     // Completes a row that was made from bare parts, of elements of another size perhaps.
     void complete(void *row, int32_t element) const;
 
+    // The same for a stage that keeps its columns in a way of its own: f(column, the one that stands for it), counted
+    // from the first one that the window reads.
+    template <class F> void each_to_complete(F f) const {
+        if (left == 0 && right == 0) return;
+        for (int64_t i = 0; i < columns_[0] + columns_[1]; ++i)
+            f(i < columns_[0] ? i : i + bare / call_->channels, stands_for_[i] + call_->before[2]);
+    }
+
     int64_t left = 0, bare = 0, right = 0; // elements
     int64_t whole() const { return left + bare + right; }
     const WindowCall &call() const { return *call_; }
@@ -120,6 +128,9 @@ public:
 private:
     std::optional<Scratch> copy_;
 };
+
+// Bytes from row to row of a buffer: whole cache lines that do not all begin at the same place of a page.
+int64_t ring_pitch(int64_t bytes);
 
 // Runs the last stage of a chain over the region.
 int64_t run_stage(const WindowCall &call, RowStage &stage);

@@ -1,0 +1,231 @@
+// Rows of means.
+#include "filter/box_rows.hpp"
+#include "filter/column_rows.kern.hpp"
+
+namespace jorm::JORM_LEVEL {
+namespace {
+
+using u16 = uint16_t;
+
+// ---- Small windows of bytes: two columns in a word, no element ever changes its place ----
+
+[[gnu::always_inline]] inline u16 word_at(const u8 *row, int64_t i) {
+    u16 w;
+    __builtin_memcpy(&w, row + 2 * i, sizeof w);
+    return w;
+}
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+[[gnu::always_inline]] inline u16 even_of(u16 w) { return u16(w >> 8); }
+[[gnu::always_inline]] inline u16 odd_of(u16 w) { return u16(w & 255); }
+[[gnu::always_inline]] inline u16 pair_of(u16 even, u16 odd) { return u16(even << 8 | odd); }
+#else
+[[gnu::always_inline]] inline u16 even_of(u16 w) { return u16(w & 255); }
+[[gnu::always_inline]] inline u16 odd_of(u16 w) { return u16(w >> 8); }
+[[gnu::always_inline]] inline u16 pair_of(u16 even, u16 odd) { return u16(even | odd << 8); }
+#endif
+
+void enter_bytes(u16 *even, u16 *odd, const u8 *row, int64_t n) {
+    u16 *__restrict e = even, *__restrict o = odd;
+    for (int64_t i = 0; i < n / 2; ++i) {
+        const u16 w = word_at(row, i);
+        e[i] = u16(e[i] + even_of(w));
+        o[i] = u16(o[i] + odd_of(w));
+    }
+    if (n & 1) e[n / 2] = u16(e[n / 2] + row[n - 1]);
+}
+
+void slide_bytes(u16 *even, u16 *odd, const u8 *in, const u8 *out, int64_t n) {
+    u16 *__restrict e = even, *__restrict o = odd;
+    for (int64_t i = 0; i < n / 2; ++i) {
+        const u16 a = word_at(in, i), b = word_at(out, i);
+        e[i] = u16(e[i] + even_of(a) - even_of(b));
+        o[i] = u16(o[i] + odd_of(a) - odd_of(b));
+    }
+    if (n & 1) e[n / 2] = u16(e[n / 2] + in[n - 1] - out[n - 1]);
+}
+
+[[gnu::always_inline]] inline u16 high(u16 a, u16 b) { return u16(uint32_t(a) * b >> 16); }
+
+template <bool Even> [[gnu::always_inline]] inline u16 mean_of(u16 sum, u16 half, u16 area, u16 factor, u16 shift) {
+    const u16 t = u16(sum + half), q = high(high(t, factor), shift);
+    if constexpr (Even)
+        return u16(q - (u16(q * area) == t ? q & 1 : 0)); // a tie
+    else
+        return q;
+}
+
+// Windows of 2M + 1 columns, or of 2M.
+template <int M, bool OddWidth, bool EvenArea>
+void mean_bytes_of(u8 *to, const u16 *even, const u16 *odd, int64_t n, const ByteMean &m) {
+    const u16 *__restrict e = even, *__restrict o = odd;
+    u8 *__restrict t = to;
+    const u16 half = m.area / 2, area = m.area, factor = m.factor, shift = m.shift;
+    // Of the windows that begin at columns 2i and 2i + 1.
+    const auto both = [&](int64_t i, u16 &first, u16 &second) __attribute__((always_inline)) {
+        u16 shared = o[i];
+        for (int k = 1; k < M; ++k) shared = u16(shared + e[i + k] + o[i + k]);
+        if (OddWidth) shared = u16(shared + e[i + M]);
+        first = mean_of<EvenArea>(u16(shared + e[i]), half, area, factor, shift);
+        second = mean_of<EvenArea>(u16(shared + (OddWidth ? o[i + M] : e[i + M])), half, area, factor, shift);
+    };
+    u16 a, b;
+    if (m.phase == 1 && n > 0) {
+        both(0, a, b);
+        *t++ = u8(b);
+        --n;
+        ++e;
+        ++o;
+    }
+    for (int64_t i = 0; i < n / 2; ++i) {
+        both(i, a, b);
+        const u16 w = pair_of(a, b);
+        __builtin_memcpy(t + 2 * i, &w, sizeof w);
+    }
+    if (n & 1) {
+        both(n / 2, a, b); // the row of sums has room for the second one
+        t[n - 1] = u8(a);
+    }
+}
+
+template <int M> void mean_bytes_half(u8 *to, const u16 *even, const u16 *odd, int64_t n, const ByteMean &m) {
+    if (m.width & 1)
+        return m.area & 1 ? mean_bytes_of<M, true, false>(to, even, odd, n, m)
+                          : mean_bytes_of<M, true, true>(to, even, odd, n, m);
+    return m.area & 1 ? mean_bytes_of<M, false, false>(to, even, odd, n, m)
+                      : mean_bytes_of<M, false, true>(to, even, odd, n, m);
+}
+
+void mean_bytes(u8 *to, const u16 *even, const u16 *odd, int64_t n, const ByteMean &m) {
+    switch (m.width / 2) {
+    case 1:
+        return mean_bytes_half<1>(to, even, odd, n, m);
+    case 2:
+        return mean_bytes_half<2>(to, even, odd, n, m);
+    case 3:
+        return mean_bytes_half<3>(to, even, odd, n, m);
+    case 4:
+        return mean_bytes_half<4>(to, even, odd, n, m);
+    case 5:
+        return mean_bytes_half<5>(to, even, odd, n, m);
+    case 6:
+        return mean_bytes_half<6>(to, even, odd, n, m);
+    case 7:
+        return mean_bytes_half<7>(to, even, odd, n, m);
+    default:
+        return mean_bytes_half<8>(to, even, odd, n, m);
+    }
+}
+
+// ---- All other windows ----
+
+template <class T, class Sum> void enter(void *columns, const void *row, int64_t n) {
+    Sum *__restrict s = elements<Sum>(columns);
+    const T *__restrict r = elements<T>(row);
+    for (int64_t i = 0; i < n; ++i) s[i] += r[i];
+}
+
+template <class T, class Sum> void slide(void *columns, const void *in, const void *out, int64_t n) {
+    Sum *__restrict s = elements<Sum>(columns);
+    const T *__restrict a = elements<T>(in), *__restrict b = elements<T>(out);
+    for (int64_t i = 0; i < n; ++i) s[i] += Sum(a[i]) - Sum(b[i]);
+}
+
+template <class Sum, int N> void sum_windows(Sum *__restrict to, const Sum *__restrict row, int64_t n) {
+    for (int64_t i = 0; i < n; ++i) {
+        Sum sum = row[i];
+        for (int k = 1; k < N; ++k) sum += row[i + k];
+        to[i] = sum;
+    }
+}
+template <class Sum> void sum_few(Sum *to, const Sum *row, int64_t n, int64_t k) {
+    switch (k) {
+    case 1:
+        return sum_windows<Sum, 1>(to, row, n);
+    case 2:
+        return sum_windows<Sum, 2>(to, row, n);
+    case 3:
+        return sum_windows<Sum, 3>(to, row, n);
+    case 4:
+        return sum_windows<Sum, 4>(to, row, n);
+    case 5:
+        return sum_windows<Sum, 5>(to, row, n);
+    case 6:
+        return sum_windows<Sum, 6>(to, row, n);
+    default:
+        return sum_windows<Sum, 7>(to, row, n);
+    }
+}
+
+// The binary digits of the width, from the highest down: sums of `size` columns become sums of twice as many, or of one
+// more than that.
+template <class Sum> void along(void *to, void *spare, const void *columns, int64_t n, int64_t k) {
+    const Sum *const x = elements<Sum>(columns);
+    int digits = 0;
+    while (k >> digits > 7) ++digits;
+    Sum *made = elements<Sum>(digits % 2 == 0 ? to : spare), *next = elements<Sum>(digits % 2 == 0 ? spare : to);
+    sum_few(made, x, n + k - (k >> digits), k >> digits);
+    while (digits-- > 0) {
+        const int64_t size = k >> digits, half = size / 2, length = n + k - size;
+        const Sum *__restrict m = made;
+        Sum *__restrict t = next;
+        if (size & 1)
+            for (int64_t i = 0; i < length; ++i) t[i] = m[i] + m[i + half] + x[i + 2 * half];
+        else
+            for (int64_t i = 0; i < length; ++i) t[i] = m[i] + m[i + half];
+        next = made;
+        made = t;
+    }
+}
+
+// An estimate and the exact rest tell the nearest integer, the even one where two are as near.
+template <class T, class Sum> void mean(void *to, const void *sums, int64_t n, int64_t area) {
+    using Real = select<sizeof(Sum) == 4, f32, f64>;
+    T *__restrict t = elements<T>(to);
+    const Sum *__restrict s = elements<Sum>(sums);
+    const Real inverse = Real(1) / Real(area);
+    const Sum a = Sum(area);
+    for (int64_t i = 0; i < n; ++i) {
+        const s32 q = round_s32(Real(s[i]) * inverse);
+        const Sum rest = s[i] - q * a, twice = 2 * rest, odd = q & 1;
+        t[i] = T(q + (twice + odd > a ? 1 : 0) - (twice - odd < -a ? 1 : 0));
+    }
+}
+
+// Bytes in single precision: the product misses the quotient by less than 2^-15, which no odd area comes near a tie by.
+// Of even ones the first addition rounds to 2^-14, so that ties become exact.
+constexpr int64_t most_exact_area = 16400;
+void mean_narrow_bytes(void *to, const void *sums, int64_t n, int64_t area) {
+    if (area >= most_exact_area) return mean<u8, s32>(to, sums, n, area);
+    u8 *__restrict t = elements<u8>(to);
+    const s32 *__restrict s = elements<s32>(sums);
+    const f32 inverse = 1.f / f32(area), first = area & 1 ? 0.f : 512.f, second = 12582912.f - first;
+    for (int64_t i = 0; i < n; ++i)
+        t[i] = u8(__builtin_bit_cast(s32, f32(s[i]) * inverse + first + second));
+}
+
+void mean_real(void *to, const void *sums, int64_t n, int64_t area) {
+    f32 *__restrict t = elements<f32>(to);
+    const f64 *__restrict s = elements<f64>(sums);
+    const f64 inverse = 1.0 / f64(area);
+    for (int64_t i = 0; i < n; ++i) t[i] = f32(s[i] * inverse);
+}
+
+struct Add {
+    template <class R> [[gnu::always_inline]] static f64 of(f64 a, R b) { return a + f64(b); }
+};
+
+} // namespace
+
+extern const ByteBoxRows byte_box_rows[];
+const ByteBoxRows byte_box_rows[] = {{enter_bytes, slide_bytes, mean_bytes}};
+
+#define LINE(T, Sum, mean_row) {sizeof(Sum), enter<T, Sum>, slide<T, Sum>, along<Sum>, mean_row}
+extern const BoxRows box_rows[];
+const BoxRows box_rows[] = {LINE(u8, s32, mean_narrow_bytes), LINE(s16, s32, (mean<s16, s32>)),
+                            LINE(u8, s64, (mean<u8, s64>)),   LINE(s16, s64, (mean<s16, s64>)),
+                            LINE(s32, s64, (mean<s32, s64>)), {sizeof(f64), nullptr, nullptr, along<f64>, mean_real}};
+
+extern const ColumnRows real_sum_columns[];
+const ColumnRows real_sum_columns[] = {column_rows<Add, f32, f64>};
+
+} // namespace jorm::JORM_LEVEL

@@ -1,0 +1,40 @@
+// Rows of means: what a level offers.
+#pragma once
+#include "filter/column_rows.hpp"
+#include "kernel/level_table.hpp"
+
+#include <cstdint>
+
+namespace jorm {
+
+// Windows of bytes of at most 256 pixels: sums fit 16 bits, and a division is a multiplication.
+struct ByteMean {
+    int32_t width; // of the window, at most 2 * max_half + 1
+    int32_t phase; // 1: the row of sums begins one column before the first window
+    uint16_t area, factor, shift; // (sum + area / 2) * factor / 2^16 * shift / 2^16 is the mean, but for ties
+    static constexpr int max_half = 8;
+};
+struct ByteBoxRows {
+    // Column sums, those of even and of odd columns apart, of n columns: a row comes in, another one goes.
+    void (*enter)(uint16_t *even, uint16_t *odd, const uint8_t *row, int64_t n);
+    void (*slide)(uint16_t *even, uint16_t *odd, const uint8_t *in, const uint8_t *out, int64_t n);
+    void (*mean)(uint8_t *to, const uint16_t *even, const uint16_t *odd, int64_t n, const ByteMean &m);
+};
+
+// All other windows: sums down the columns, then along them.
+struct BoxRows {
+    int32_t sum_bytes;
+    void (*enter)(void *columns, const void *row, int64_t n); // integers only: single precision never takes away
+    void (*slide)(void *columns, const void *in, const void *out, int64_t n);
+    // Sums of windows of k columns along a row of n + k - 1 of them; `to` and `spare` are as long as that.
+    void (*along)(void *to, void *spare, const void *columns, int64_t n, int64_t k);
+    void (*mean)(void *to, const void *sums, int64_t n, int64_t area);
+};
+// Narrow sums have 32 bits.
+enum BoxLine : int { box_u8_narrow, box_s16_narrow, box_u8, box_s16, box_s32, box_f32 };
+
+JORM_LEVEL_TABLE(const ByteBoxRows, byte_box_rows);
+JORM_LEVEL_TABLE(const BoxRows, box_rows);
+JORM_LEVEL_TABLE(const ColumnRows, real_sum_columns);
+
+} // namespace jorm
