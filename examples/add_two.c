@@ -3,11 +3,10 @@
 
 int main(void) {
     uint8_t x[6] = {0, 50, 100, 150, 200, 250}, y[6] = {10, 10, 10, 10, 100, 100}, sum[6];
-    const int32_t extent[3] = {2, 3, 1}; /* rows, pixels, channels */
-    jorm_array a, b, dst;                /* descriptors: the memory stays yours */
-    _jorm_array__$xtrn(&a, JORM_U8, 3, extent, NULL, x);
-    _jorm_array__$xtrn(&b, JORM_U8, 3, extent, NULL, y);
-    _jorm_array__$xtrn(&dst, JORM_U8, 3, extent, NULL, sum);
+    jorm_array a, b, dst;                        /* descriptors: the memory stays yours */
+    jorm_array_make(&a, JORM_U8, 2, 3, 1, 0, x); /* 2 rows of 3 pixels of 1 channel, no gaps */
+    jorm_array_make(&b, JORM_U8, 2, 3, 1, 0, y);
+    jorm_array_make(&dst, JORM_U8, 2, 3, 1, 0, sum);
 
     _G_jorm_use_simd = 1;                    /* the best kernels that this processor runs */
     jorm_xe *xe = JormXEopen(NULL, NULL, 0); /* scratch memory for all calls */

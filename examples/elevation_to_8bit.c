@@ -5,10 +5,9 @@
 int main(void) {
     const float metres[3][4] = {{312, 330.5f, 355, 341}, {305, 348, 402.5f, 377}, {298.5f, 321, 365, 358}};
     uint8_t grey[3][4];
-    const int32_t extent[3] = {3, 4, 1};
     jorm_array src, dst;
-    _jorm_array__$xtrn(&src, JORM_F32, 3, extent, NULL, (void *)metres);
-    _jorm_array__$xtrn(&dst, JORM_U8, 3, extent, NULL, grey);
+    jorm_array_make(&src, JORM_F32, 3, 4, 1, 0, metres);
+    jorm_array_make(&dst, JORM_U8, 3, 4, 1, 0, grey);
 
     jorm_minmax mm = {JORM_WANT_MIN | JORM_WANT_MAX, {{0}}, {{0}}};
     vrng black_to_white = {0, 255};

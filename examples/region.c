@@ -1,14 +1,15 @@
-/* One channel of an interleaved picture, inside a region: strides and a site say which samples take part. */
+/* One channel of an interleaved picture, inside a region: a view and a site say which samples take part. */
 #include <jorm.h>
 #include <stdio.h>
 
 int main(void) {
     uint8_t rgb[2 * 3 * 3] = {0};
-    const int32_t extent[3] = {2, 3, 1}, stride[3] = {9, 3, 1};
-    jorm_array green;
-    _jorm_array__$xtrn(&green, JORM_U8, 3, extent, stride, rgb + 1);
+    jorm_array picture, green;
+    jorm_array_make(&picture, JORM_U8, 2, 3, 3, 0, rgb);
+    jorm_array_channel(&green, &picture, 1);
 
-    const jorm_site right = {{0, 0, 1, 0}, {1, 2, 2, 1}}; /* origin and size: planes, rows, pixels, channels */
+    jorm_site right;
+    jorm_site_make(&right, 0, 1, 2, 2); /* from row 0, pixel 1 on: 2 rows of 2 pixels */
     const double amount = 200;
     jorm_xe *xe = JormXEopen(NULL, NULL, 0);
     int64_t status = JormAddqC(xe, 0, &green, NULL, &amount, &right, NULL, 0, 0); /* no source: in place */

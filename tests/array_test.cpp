@@ -283,6 +283,116 @@ TEST(SubArray, ViewsOfViews) {
     EXPECT_EQ(_jorm_array__$sar(&w, &big, &end), nullptr);
 }
 
+// ---- Constructors ----
+
+TEST(Make, DescribesMemory) {
+    int16_t memory[64] = {};
+    jorm_array a, b;
+    const int32_t extent[4] = {2, 3, 5, 2}, upward[3] = {-40, 4, 2};
+    ASSERT_EQ(jorm_array_make(&a, JORM_S16, 3, 5, 2, 0, memory), JORM_OK);
+    _jorm_array__$xtrn(&b, JORM_S16, 3, extent + 1, nullptr, memory);
+    EXPECT_EQ(std::memcmp(&a, &b, sizeof a), 0);
+    ASSERT_EQ(jorm_array_make(&a, JORM_S16, 3, 5, 2, -40, memory), JORM_OK);
+    _jorm_array__$xtrn(&b, JORM_S16, 3, extent + 1, upward, memory);
+    EXPECT_EQ(std::memcmp(&a, &b, sizeof a), 0);
+    ASSERT_EQ(jorm_array_make4(&a, JORM_S16, 2, 3, 5, 2, 0, 0, memory), JORM_OK);
+    _jorm_array__$xtrn(&b, JORM_S16, 4, extent, nullptr, memory);
+    EXPECT_EQ(std::memcmp(&a, &b, sizeof a), 0);
+    ASSERT_EQ(jorm_array_make4(&a, JORM_S16, 2, 3, 5, 2, 0, -24, memory), JORM_OK);
+    EXPECT_EQ(slots(a.stride), (Index{72, -24, 4, 2}));
+
+    const jorm_array before = a;
+    const int64_t wide = int64_t(1) << 31;
+    expect_each(JORM_EINVAL,
+                {jorm_array_make(nullptr, JORM_U8, 1, 1, 1, 0, memory),
+                 jorm_array_make(&a, JORM_U8, 1, 1, 1, 0, nullptr), jorm_array_make(&a, 15, 1, 1, 1, 0, memory),
+                 jorm_array_make(&a, 5, 1, 1, 1, 0, memory), jorm_array_make(&a, 257, 1, 1, 1, 0, memory),
+                 jorm_array_make(&a, 0, 1, 1, 1, 0, memory), jorm_array_make(&a, JORM_U8, 0, 1, 1, 0, memory),
+                 jorm_array_make(&a, JORM_U8, 1, -1, 1, 0, memory), jorm_array_make(&a, JORM_U8, 1, 1, 0, 0, memory),
+                 jorm_array_make(&a, JORM_U8, 1, 1, 5, 0, memory), jorm_array_make(&a, JORM_S16, 1, 1, 1, 3, memory),
+                 jorm_array_make(&a, JORM_U8, 1, 1, 1, wide, memory),
+                 jorm_array_make(&a, JORM_U8, 1, 1, 1, INT64_MIN, memory),
+                 jorm_array_make(&a, JORM_S32, 2, INT32_MAX, 4, 0, memory),
+                 jorm_array_make4(&a, JORM_U8, 0, 1, 1, 1, 0, 0, memory),
+                 jorm_array_make4(&a, JORM_U8, 2, 65536, 32768, 1, 0, 0, memory),
+                 jorm_array_make4(&a, JORM_S16, 1, 1, 1, 1, 1, 0, memory)});
+    EXPECT_EQ(std::memcmp(&a, &before, sizeof a), 0);
+    EXPECT_EQ(jorm_array_make(&a, JORM_U8, 2, 9, 1, -wide, memory), JORM_OK);
+}
+
+// Chains of views, followed by hand: each element's place, and that the parent, where there is one, is what it was.
+TEST(Make, ViewsOfViewsOfAnyLayout) {
+    Random r(10);
+    for (int round = 0; round < 2000; ++round) {
+        const int ndims = r.in(3, 4);
+        const Index extent = {ndims == 4 ? r.in(1, 3) : 1, r.in(1, 6), r.in(1, 6), r.in(1, 4)};
+        const Picture picture(r, JORM_S16, extent, false, ndims);
+        jorm_array a = picture.a;
+        a.base = picture.at({}), a.loff = 0;
+        Index size = extent_of(a), start = {}, step = {1, 1, 1, 1};
+        for (int k = 0; k < 4; ++k) {
+            const int y = r.in(-2, 6), x = r.in(-2, 6), h = r.in(-1, 7), w = r.in(0, 7), kind = r.in(0, 2);
+            const jorm_array before = a;
+            if (kind == 0) {
+                const int rows = overlap(size[1], y, h), pixels = overlap(size[2], x, w);
+                const int64_t status = jorm_array_sub(&a, &before, y, x, h, w);
+                ASSERT_EQ(status, rows > 0 && pixels > 0 ? JORM_OK : JORM_EEMPTY);
+                if (status != JORM_OK) continue;
+                start[1] += step[1] * std::max(y, 0), start[2] += step[2] * std::max(x, 0);
+                size[1] = rows, size[2] = pixels;
+            } else if (kind == 1) {
+                const int c = r.in(-1, 4);
+                const int64_t status = jorm_array_channel(&a, &a, c);
+                ASSERT_EQ(status, c >= 0 && c < size[3] ? JORM_OK : JORM_EINVAL);
+                if (status == JORM_OK) start[3] += c, size[3] = 1;
+            } else {
+                const bool vertical = r.one_in(2), horizontal = r.one_in(2);
+                ASSERT_EQ(jorm_array_flip(&a, &before, vertical, horizontal), JORM_OK);
+                for (const size_t s : {1, 2})
+                    if (s == 1 ? vertical : horizontal) start[s] += step[s] * (size[s] - 1), step[s] = -step[s];
+            }
+        }
+        ASSERT_EQ(extent_of(a), size);
+        each(size, [&](const Index &i) {
+            Index at = start;
+            for (size_t s = 0; s < 4; ++s) at[s] += step[s] * i[s];
+            ASSERT_EQ(element(a, i), picture.at(at));
+        });
+        // Everything of the parent lies in the memory.
+        jorm_site parent;
+        jorm_arr_parsiteof(&a, &parent);
+        each({1, 2, 2, 2}, [&](const Index &corner) {
+            Index at;
+            for (size_t s = 0; s < 4; ++s) at[s] = parent.origin[s] + (corner[s] ? parent.size[s] - 1 : 0);
+            if (parent.size[3] == 11) at[3] -= corner[3] * 7;
+            const uint8_t *const p = element(a, at);
+            ASSERT_TRUE(p >= picture.memory.data() && p < picture.memory.data() + picture.memory.size());
+        });
+    }
+}
+
+TEST(Make, OffsetsBeyond32BitsMoveTheBase) {
+    jorm_array a, v;
+    uint8_t *const base = reinterpret_cast<uint8_t *>(uintptr_t(1) << 40);
+    ASSERT_EQ(jorm_array_make(&a, JORM_U8, 70000, 65536, 1, 0, base), JORM_OK);
+    ASSERT_EQ(jorm_array_sub(&v, &a, 69999, 5, 9, 9), JORM_OK);
+    EXPECT_TRUE(v.base == base + 69999 * int64_t(65536) + 5 && v.loff == 0);
+    EXPECT_EQ(slots(v.extent), slots(v.parent_extent));
+    ASSERT_EQ(jorm_array_flip(&v, &a, 1, 0), JORM_OK);
+    EXPECT_TRUE(v.base == base + 69999 * int64_t(65536) && v.loff == 0 && v.stride[1] == -65536);
+    jorm_array nowhere = a;
+    nowhere.base = nullptr;
+    expect_each(JORM_EINVAL, {jorm_array_sub(nullptr, &a, 0, 0, 1, 1), jorm_array_sub(&v, nullptr, 0, 0, 1, 1),
+                              jorm_array_channel(&v, nullptr, 0), jorm_array_flip(&v, nullptr, 1, 1),
+                              jorm_array_flip(&v, &nowhere, 1, 1)});
+    jorm_site site;
+    EXPECT_EQ(jorm_site_make(&site, 1, 2, 3, 4), &site);
+    jorm_arr_adjorgetRoi(&a, &site, &site);
+    EXPECT_EQ(slots(site.origin), (Index{0, 1, 2, 0}));
+    EXPECT_EQ(slots(site.size), (Index{1, 3, 4, 1}));
+    EXPECT_EQ(jorm_site_make(nullptr, 1, 2, 3, 4), nullptr);
+}
+
 // The reduced axes visit the same elements in the same order, and nothing that could be merged is left.
 TEST(Reduce, KeepsTheWalk) {
     Random r(9);

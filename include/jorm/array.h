@@ -5,8 +5,8 @@
  *   first element lies, base + loff. Slot 0 holds planes, 1 rows, 2 pixels, 3 channels; an array of three axes uses
  *   slots 1 to 3 and has extent[0] = 1. Extents are handled as signed numbers: one above INT32_MAX counts as negative,
  *   thus empty. Strides may be negative (bottom-up pictures) and padded (one channel of an interleaved picture). A u8
- *   picture of 640 x 480 with three channels has extent {1, 480, 640, 3}, stride {921600, 1920, 3, 1}, ndims 3, eltype
- *   JORM_U8, and parent_extent equal to extent; _jorm_array__$xtrn fills such a record.
+ *   picture of 640 x 480 with three channels has extent {1, 480, 640, 3}, stride {0, 1920, 3, 1}, ndims 3, eltype
+ *   JORM_U8, and parent_extent equal to extent; jorm_array_make fills such a record.
  *
  * The channel code
  *   extent[3] is a code: (c & 7) + ((c >> 3) & 1) channels are stored per pixel, so 1 to 4 mean themselves, 11 means
@@ -37,6 +37,8 @@
 #define JORM_ARRAY_H
 
 #include "jorm/types.h"
+
+JORM_BEGIN_DOLLARS
 
 /* Index vectors.
  *
@@ -246,6 +248,40 @@ JORM_API int32_t jorm_overlappedLS(uint32_t word, const int32_t *size, const voi
 JORM_API void *jorm_arr_topcs(const jorm_array *a, uint32_t n, int32_t *dst, const int32_t *index);
 JORM_API void *jorm_arr_pt2pcs(const jorm_array *a, int32_t *dst, const int32_t *point);
 
+/* Making arrays, views and regions: what most callers need. Each returns a status (JORM_EINVAL for null pointers; `out`
+ * is then untouched) and allocates nothing.
+ *
+ * make: memory of the caller of `rows` rows of `pixels` pixels of `channels` elements, three axes; make4: the same in
+ * planes, four axes. `base` is the first element of the first row (of the first plane). Strides are bytes from one row
+ * or plane to the next; 0 means dense, a negative row stride that the rows go upward in memory (then dense planes still
+ * follow each other downward). JORM_EINVAL for a type without a size, an extent below 1, channels outside 1 to 4, and a
+ * stride that does not fit 32 bits or is no multiple of the element's size. Memory that the library only reads may be
+ * constant.
+ *
+ *     jorm_array picture, part, green;
+ *     jorm_array_make(&picture, JORM_U8, 480, 640, 3, 0, pixels);
+ *     jorm_array_sub(&part, &picture, 100, 200, 50, 60);      rows 100 to 149, pixels 200 to 259
+ *     jorm_array_channel(&green, &part, 1);                   of them the second channel
+ */
+JORM_API int64_t jorm_array_make(jorm_array *out, uint32_t eltype, int32_t rows, int32_t pixels, int32_t channels,
+                                 int64_t row_stride, const void *base);
+JORM_API int64_t jorm_array_make4(jorm_array *out, uint32_t eltype, int32_t planes, int32_t rows, int32_t pixels,
+                                  int32_t channels, int64_t plane_stride, int64_t row_stride, const void *base);
+
+/* Views of an array; `out` may be `a`. They know their parent as long as 32 bits of loff can tell where in it they lie;
+ * otherwise `base` is their first element and they count as whole arrays.
+ *
+ * sub: the rectangle of h rows and w pixels from row y, pixel x on, cut to the array, of all planes and channels;
+ * JORM_EEMPTY when nothing is left. channel: one channel as an array of one channel; JORM_EINVAL outside the stored
+ * ones. flip: the same pixels with the rows (vertical not 0), the pixels of each row (horizontal not 0), or both in
+ * reversed order, by negative strides; JORM_EINVAL for an empty array. */
+JORM_API int64_t jorm_array_sub(jorm_array *out, const jorm_array *a, int32_t y, int32_t x, int32_t h, int32_t w);
+JORM_API int64_t jorm_array_channel(jorm_array *out, const jorm_array *a, int32_t channel);
+JORM_API int64_t jorm_array_flip(jorm_array *out, const jorm_array *a, int32_t vertical, int32_t horizontal);
+
+/* A region: that rectangle of all planes and channels. Returns `out`. */
+JORM_API jorm_site *jorm_site_make(jorm_site *out, int32_t y, int32_t x, int32_t h, int32_t w);
+
 /* Sub-arrays and descriptors.
  *
  * A view of the part `site` of an array: base, strides, type and parent_extent are kept, loff moves to the first
@@ -344,6 +380,8 @@ JORM_API size_t jorm_vmemsizeL(uint32_t word, const int32_t *extent, int32_t *st
  * slots and are rewritten; null entries of `strides` are skipped. Returns the number of axes left, or JORM_EINVAL when
  * slots < 1, a size is below 1, count < 0 or a needed pointer is null. */
 JORM_API int64_t jorm_dims_xreduce(int32_t slots, int32_t *size, int32_t count, int32_t *const *strides, int32_t hint);
+
+JORM_END_DOLLARS
 
 #include "jorm/vrng.h"
 

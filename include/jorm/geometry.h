@@ -20,6 +20,8 @@
 
 #include "jorm/geometry_types.h"
 
+JORM_BEGIN_DOLLARS
+
 /* ---- Points ---- */
 
 /* (0, 0); (x, y); a point of another family. */
@@ -389,6 +391,8 @@ JORM_API double *jorm_f64_quadequ_solve_$mm(double *out, double m, double q);
  * eigenvector of the smaller eigenvalue and (sin, cos) that of the larger. */
 JORM_API double *jorm_f64_symmat2x2_eigvals(double *out, const double *matrix);
 JORM_API double jorm_f64_symmat2x2_xeigvals(double *out, const double *matrix);
+
+JORM_END_DOLLARS
 
 #include "jorm/pointset.h"
 

@@ -14,6 +14,8 @@
 
 #include "jorm/geometry_types.h"
 
+JORM_BEGIN_DOLLARS
+
 /* The point with the smallest x, among those the smallest y, of equal ones the first. n < 2 returns points. */
 JORM_API const jorm_2d_pt *jorm_2d_ptv_lowest(const jorm_2d_pt *points, int32_t n);
 JORM_API const jorm_f2d_pt *jorm_f2d_ptv_lowest(const jorm_f2d_pt *points, int32_t n);
@@ -113,5 +115,7 @@ JORM_API jorm_f2d_pt *jorm_f2d_ptv_cast_$i(jorm_f2d_pt *out, const jorm_2d_pt *p
 JORM_API jorm_f2d_pt *jorm_f2d_ptv_cast_$r(jorm_f2d_pt *out, const jorm_r2d_pt *points, int32_t n);
 JORM_API jorm_r2d_pt *jorm_r2d_ptv_cast_$i(jorm_r2d_pt *out, const jorm_2d_pt *points, int32_t n);
 JORM_API jorm_r2d_pt *jorm_r2d_ptv_cast_$f(jorm_r2d_pt *out, const jorm_f2d_pt *points, int32_t n);
+
+JORM_END_DOLLARS
 
 #endif

@@ -12,6 +12,8 @@
 
 #include "jorm/types.h"
 
+JORM_BEGIN_DOLLARS
+
 /* A window: where its anchor, the output pixel, lies in it and how far it extends. An operation adjusts the shape to
  * the array it runs on first: until then a negative extent means the array's size plus it, 0 means 1, and a negative
  * anchor means the extent plus it. */
@@ -249,5 +251,7 @@ JORM_API int32_t jorm_testfiltop_$se(jorm_site *out, jorm_site *work, uint64_t o
 JORM_API int32_t jorm__testfiltop_$se(uint64_t options, int32_t k, int32_t *out_origin, int32_t *out_size,
                                       int32_t *work_origin, int32_t *work_size, const int32_t *roi_origin,
                                       const int32_t *roi_size, const jorm_seshape *s, const jorm_array *array);
+
+JORM_END_DOLLARS
 
 #endif

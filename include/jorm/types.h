@@ -35,6 +35,16 @@
 #define JORM_END_DECLS
 #endif
 
+/* Around declarations of names with a dollar sign, an extension that clang speaks about under -pedantic. */
+#if defined(__clang__)
+#define JORM_BEGIN_DOLLARS                                                                                             \
+    _Pragma("clang diagnostic push") _Pragma("clang diagnostic ignored \"-Wdollar-in-identifier-extension\"")
+#define JORM_END_DOLLARS _Pragma("clang diagnostic pop")
+#else
+#define JORM_BEGIN_DOLLARS
+#define JORM_END_DOLLARS
+#endif
+
 /* Statuses. */
 enum {
     JORM_OK = 0,
@@ -61,9 +71,10 @@ enum {
 };
 
 /* Bits of the options word. Bits 4-7 select channels (bit 4 + k for channel k) in statistics and thresholds. */
-#define JORM_OPT_NO_SIMD UINT64_C(2)          /* this call runs the kernels of the base level */
-#define JORM_OPT_CHANNELS UINT64_C(0xF0)      /* the channel selection */
-#define JORM_OPT_MASK_INVERT UINT64_C(0x20000) /* masks select where they are not 255 instead of where they are not 0 */
+#define JORM_OPT_NO_SIMD UINT64_C(2)           /* this call runs the kernels of the base level */
+#define JORM_OPT_CHANNELS UINT64_C(0xF0)       /* the channel selection */
+#define JORM_OPT_MASK_INVERT UINT64_C(0x20000) /* masks select where they are not 255 instead of where they are not 0  \
+                                                */
 
 /* Packed count word for n used slots, 1 <= n <= 4. */
 #define JORM_WORD(n) (UINT32_C(1024) | (uint32_t)(4 - (n)) << 4 | (uint32_t)(n))
@@ -79,10 +90,10 @@ typedef struct jorm_array {
     int32_t stride[4];         /* byte strides */
     uint16_t ndims;            /* number of axes, 3 or 4 */
     uint16_t reserved0;
-    uint32_t eltype;           /* element type code */
+    uint32_t eltype; /* element type code */
     uint64_t reserved1;
-    int32_t loff;              /* byte offset of the first element from base */
-    void *base;                /* address of the whole buffer */
+    int32_t loff; /* byte offset of the first element from base */
+    void *base;   /* address of the whole buffer */
 } jorm_array;
 
 /* A region: where it starts and how far it reaches, in four slots. */

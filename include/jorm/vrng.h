@@ -18,6 +18,8 @@
 
 #include "jorm/types.h"
 
+JORM_BEGIN_DOLLARS
+
 typedef struct vrng {
     double lo, hi;
 } vrng;
@@ -121,5 +123,7 @@ JORM_API int32_t jorm_vrng_m2chk_$cn(const vrng *ranges, uint32_t code);
  * nothing; either output may be null. The second form works per channel. */
 JORM_API int32_t jorm_vrng_solve(double *scale, double *offset, const vrng *dst, const vrng *src);
 JORM_API void jorm_vrng_solve_$cn(double *scales, double *offsets, const vrng *dsts, const vrng *srcs, uint32_t code);
+
+JORM_END_DOLLARS
 
 #endif
