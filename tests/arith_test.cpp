@@ -69,9 +69,9 @@ TEST_P(Arithmetic, MatchesTheOracle) {
     const Op &op = GetParam();
     Random r(1);
     for (char d : {'b', 'c', 'h', 'i', 'f'})
-        for (int n = 0; n < 1 << 2 * op.sources; ++n) {
-            std::string types(1, d);
-            for (int k = 0; k < op.sources; ++k) types += "bhif"[n >> 2 * k & 3];
+        for (int n = 0; n < (op.sources == 3 ? 125 : op.sources == 2 ? 25 : 5); ++n) {
+            std::string types = {d, "bhifc"[n % 5], "bhifc"[n / 5 % 5], "bhifc"[n / 25]};
+            types.resize(size_t(op.sources) + 1);
             const int runs = stage_of(op, types) == 0 ? 1 : op.sources == 3 ? 12 : 24;
             for (int i = 0; i < runs; ++i)
                 ASSERT_TRUE(i == 7 ? random_case(op, types, r, 1, r.in(700, 2300))
@@ -124,6 +124,8 @@ TEST(Kernels, CalledDirectly) {
         {"MulAdd", "bhbb", 1, Fn(jorma__mla_c1_u8s16u8u8)},  {"MulAddC", "bbh", 1, Fn(jorma__mlaC_c1_u8u8s16s32)},
         {"MulSubCC", "bb", 1, Fn(jorma__mlsCC_c1_u8u8u8u8)}, {"Negate", "hf", 1, Fn(jorma__neg_c1_s16f32)},
         {"Sqr", "bh", 1, Fn(jorma__sqr_c1_u8s16)},           {"Xor", "iii", 1, Fn(jorma__xor_c1_s32s32s32)},
+        {"Mulq", "bih", 1, Fn(jorma__mulq_c1_u8s32s16)},     {"AbsDiff", "ccc", 1, Fn(jorma__absdiff_c1_s8s8s8)},
+        {"MaxC", "ff", 1, Fn(jorma__maxC_c1_f32f32)},        {"MulqC", "bf", 1, Fn(jorma__mulqC_c1_u8f32)},
         {"AndC", "bb", 4, Fn(jorma__andC_c4_u8u8)},          {"Not", "hh", 1, Fn(jorma__not_c1_s16s16)},
     };
     Random r(3);
@@ -147,6 +149,27 @@ TEST(Kernels, AddLookup) {
                 ASSERT_TRUE(exists || f == (valid ? jorma_proc_enotsup : jorma_proc_einval));
             }
     EXPECT_EQ(Fn(jorma__aaddfun_imp(1, 10, 1, nullptr)), Fn(jorma__add_c1_u8s16u8));
+}
+
+// Factors whose product with 2^p leaves double precision.
+TEST(Kernels, ProductsByExtremeFactors) {
+    Random r(10);
+    const std::tuple<const char *, double, double, int, double> cases[] = {
+        {"if", 1e-30, 1e-300, INT32_MAX, 2147483647},
+        {"if", inf, -1e-300, INT32_MIN, -2147483648.0},
+        {"if", 0, 1e300, INT32_MAX, 0},
+        {"ii", 3, 1e300, -996, 4},
+        {"bi", 3, 1e-310, 1034, 55},
+        {"if", nan, 1, 0, 0},
+        {"bf", -inf, 1, 0, 0},
+        {"hf", inf, 0, 0, 0}};
+    for (const auto &[types, x, factor, p, y] : cases) {
+        Uniform c("MulqC", types, {1, 1, 1, 1}, r);
+        c.c[0][0] = factor, c.p = p;
+        store(c.x[1]->a.eltype, c.x[1]->at({}), x);
+        EXPECT_EQ(call(c, nullptr), JORM_OK);
+        EXPECT_EQ(c.x[0]->get({}), y) << types << " " << x << " " << factor << " " << p;
+    }
 }
 
 // ---- Functions of real numbers ----

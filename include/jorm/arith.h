@@ -78,6 +78,9 @@ JORM_API int64_t JormSubsq(jorm_xe *xe, uint64_t options, const jorm_array *dst,
 JORM_API int64_t JormRSubsq(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
                             const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
                             int32_t p, int32_t q);
+JORM_API int64_t JormMulq(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                          const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
+                          int32_t p, int32_t q);
 JORM_API int64_t JormDiv(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
                          const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
                          int32_t p, int32_t q);
@@ -117,6 +120,8 @@ JORM_API int64_t JormSubsqC(jorm_xe *xe, uint64_t options, const jorm_array *dst
                             const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
 JORM_API int64_t JormRSubsqC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
                              const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
+JORM_API int64_t JormMulqC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                           const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
 JORM_API int64_t JormDivC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
                           const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);
 JORM_API int64_t JormDivrC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
@@ -188,6 +193,28 @@ JORM_API int64_t JormMulRSubCC(jorm_xe *xe, uint64_t options, const jorm_array *
                                const double *constant1, const double *constant2, const jorm_site *roi,
                                const int32_t *at, int32_t p, int32_t q);
 
+/* ---- Differences and extremes: u8, s8, s16, s32, f32, equal types ----
+ *
+ *   JormAbsDiff, C   |src1 - src2|, |src - constant|; integers clamped to the largest value of the type
+ *   JormMin, C       the smaller one
+ *   JormMax, C       the larger one
+ *
+ * Of f32, the extremes pass over NaN: with one NaN they give the other operand, with two NaN; -0 counts as smaller than
+ * 0. A difference with NaN is NaN. The C forms turn their constants into elements first, like fill values: rounded to
+ * nearest even and clamped to the type (f32: rounded to single precision). */
+JORM_API int64_t JormAbsDiff(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                             const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2);
+JORM_API int64_t JormAbsDiffC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                              const double *constant, const jorm_site *roi, const int32_t *at);
+JORM_API int64_t JormMin(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                         const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2);
+JORM_API int64_t JormMinC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                          const double *constant, const jorm_site *roi, const int32_t *at);
+JORM_API int64_t JormMax(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
+                         const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2);
+JORM_API int64_t JormMaxC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                          const double *constant, const jorm_site *roi, const int32_t *at);
+
 /* ---- Logic: u8, s16, s32, equal types ----
  *
  * The C forms round their constants to nearest even and take the low bits: 255 and -1 are both all ones of an u8;
@@ -254,17 +281,17 @@ typedef int64_t jorm_logic_constant_adapter(jorm_xe *xe, uint64_t options, uint3
                                             const double *constant);
 
 JORM_API jorm_binary_adapter jorma_add, jorma_addq, jorma_addsq, jorma_sub, jorma_subq, jorma_subsq, jorma_rsub,
-    jorma_rsubq, jorma_rsubsq, jorma_mul, jorma_div, jorma_divr, jorma_rdiv, jorma_rdivr;
+    jorma_rsubq, jorma_rsubsq, jorma_mul, jorma_mulq, jorma_div, jorma_divr, jorma_rdiv, jorma_rdivr;
 JORM_API jorm_constant_adapter jorma_addC, jorma_addqC, jorma_addsqC, jorma_subC, jorma_subqC, jorma_subsqC,
-    jorma_rsubC, jorma_rsubqC, jorma_rsubsqC, jorma_mulC, jorma_divC, jorma_divrC, jorma_rdivC, jorma_rdivrC,
-    jorma_sigmoidalpha;
+    jorma_rsubC, jorma_rsubqC, jorma_rsubsqC, jorma_mulC, jorma_mulqC, jorma_divC, jorma_divrC, jorma_rdivC,
+    jorma_rdivrC, jorma_sigmoidalpha;
 JORM_API jorm_unary_adapter jorma_exp, jorma_ln, jorma_neg, jorma_negq;
 JORM_API jorm_not_adapter jorma_not;
 JORM_API jorm_ternary_adapter jorma_mla, jorma_mls, jorma_mlrs;
 JORM_API jorm_ternary_constant_adapter jorma_mlaC, jorma_mlsC, jorma_mlrsC;
 JORM_API jorm_ternary_constants_adapter jorma_mlaCC, jorma_mlsCC, jorma_mlrsCC;
-JORM_API jorm_logic_adapter jorma_and, jorma_orr, jorma_xor;
-JORM_API jorm_logic_constant_adapter jorma_andC, jorma_orrC, jorma_xorC;
+JORM_API jorm_logic_adapter jorma_and, jorma_orr, jorma_xor, jorma_absdiff, jorma_min, jorma_max;
+JORM_API jorm_logic_constant_adapter jorma_andC, jorma_orrC, jorma_xorC, jorma_absdiffC, jorma_minC, jorma_maxC;
 
 /* ---- Dispatchers: start pointers with element types. ---- */
 
@@ -307,17 +334,19 @@ typedef int64_t jorm_logic_constant_dispatcher(jorm_xe *xe, uint64_t options, ui
                                                const double *constant);
 
 JORM_API jorm_binary_dispatcher jorma__add, jorma__addq, jorma__addsq, jorma__sub, jorma__subq, jorma__subsq,
-    jorma__rsub, jorma__rsubq, jorma__rsubsq, jorma__mul, jorma__div, jorma__divr, jorma__rdiv, jorma__rdivr;
+    jorma__rsub, jorma__rsubq, jorma__rsubsq, jorma__mul, jorma__mulq, jorma__div, jorma__divr, jorma__rdiv,
+    jorma__rdivr;
 JORM_API jorm_constant_dispatcher jorma__addC, jorma__addqC, jorma__addsqC, jorma__subC, jorma__subqC, jorma__subsqC,
-    jorma__rsubC, jorma__rsubqC, jorma__rsubsqC, jorma__mulC, jorma__divC, jorma__divrC, jorma__rdivC, jorma__rdivrC,
-    jorma__sigmoidalpha;
+    jorma__rsubC, jorma__rsubqC, jorma__rsubsqC, jorma__mulC, jorma__mulqC, jorma__divC, jorma__divrC, jorma__rdivC,
+    jorma__rdivrC, jorma__sigmoidalpha;
 JORM_API jorm_unary_dispatcher jorma__exp, jorma__ln, jorma__neg, jorma__negq, jorma__sqr;
 JORM_API jorm_not_dispatcher jorma__not;
 JORM_API jorm_ternary_dispatcher jorma__mla, jorma__mls, jorma__mlrs;
 JORM_API jorm_ternary_constant_dispatcher jorma__mlaC, jorma__mlsC, jorma__mlrsC;
 JORM_API jorm_ternary_constants_dispatcher jorma__mlaCC, jorma__mlsCC, jorma__mlrsCC;
-JORM_API jorm_logic_dispatcher jorma__and, jorma__orr, jorma__xor;
-JORM_API jorm_logic_constant_dispatcher jorma__andC, jorma__orrC, jorma__xorC;
+JORM_API jorm_logic_dispatcher jorma__and, jorma__orr, jorma__xor, jorma__absdiff, jorma__min, jorma__max;
+JORM_API jorm_logic_constant_dispatcher jorma__andC, jorma__orrC, jorma__xorC, jorma__absdiffC, jorma__minC,
+    jorma__maxC;
 
 /* ---- Typed kernels: start pointers, the types in the name. ----
  * They walk size[N - 3] rows (one when N is 2) of size[N - 2] elements, c3 and c4 kernels of as many pixels of 3 or 4
@@ -367,14 +396,31 @@ JORM_API jorm_constant_kernel jorma__addC_c1_f32f32f32, jorma__addC_c1_f32f32f64
     jorma__addC_c1_s32f32f32, jorma__addC_c1_s32f32f64, jorma__addC_c1_s32s16s16, jorma__addC_c1_s32s16s32,
     jorma__addC_c1_s32s32s32, jorma__addC_c1_s32u8s32, jorma__addC_c1_s32u8u8, jorma__addC_c1_u8s16s16,
     jorma__addC_c1_u8u8s32, jorma__addC_c1_u8u8u8;
-JORM_API jorm_binary_kernel jorma__addq_c1_f32s32s16, jorma__addq_c1_f32s32s32, jorma__addq_c1_f32s32u8,
-    jorma__addq_c1_s16s16s16, jorma__addq_c1_s16s16u8, jorma__addq_c1_s32s32s16, jorma__addq_c1_s32s32s32,
-    jorma__addq_c1_s32s32u8, jorma__addq_c1_s8u8u8, jorma__addq_c1_u8s16s16, jorma__addq_c1_u8s16u8,
-    jorma__addq_c1_u8u8u8;
+JORM_API jorm_binary_kernel jorma__addq_c1_f32s16s16, jorma__addq_c1_f32s16u8, jorma__addq_c1_f32s32s16,
+    jorma__addq_c1_f32s32s32, jorma__addq_c1_f32s32u8, jorma__addq_c1_f32u8u8, jorma__addq_c1_s16s16s16,
+    jorma__addq_c1_s16s16u8, jorma__addq_c1_s16u8u8, jorma__addq_c1_s32s16s16, jorma__addq_c1_s32s16u8,
+    jorma__addq_c1_s32s32s16, jorma__addq_c1_s32s32s32, jorma__addq_c1_s32s32u8, jorma__addq_c1_s32u8u8,
+    jorma__addq_c1_s8u8u8, jorma__addq_c1_u8s16s16, jorma__addq_c1_u8s16u8, jorma__addq_c1_u8u8u8;
 JORM_API jorm_constant_kernel jorma__addqC_c1_f32s16s32, jorma__addqC_c1_f32s32s32, jorma__addqC_c1_f32u8s32,
     jorma__addqC_c1_s16s16s16, jorma__addqC_c1_s16u8s32, jorma__addqC_c1_s32s16s32, jorma__addqC_c1_s32s32s32,
     jorma__addqC_c1_s32u8s32, jorma__addqC_c1_s8u8u8, jorma__addqC_c1_u8s16s16, jorma__addqC_c1_u8u8s32,
     jorma__addqC_c1_u8u8u8;
+JORM_API jorm_binary_kernel jorma__mulq_c1_s16s16s16, jorma__mulq_c1_s16s16u8, jorma__mulq_c1_s16s32s16,
+    jorma__mulq_c1_s16s32s32, jorma__mulq_c1_s16s32u8, jorma__mulq_c1_s16u8u8, jorma__mulq_c1_s32s16s16,
+    jorma__mulq_c1_s32s16u8, jorma__mulq_c1_s32s32s16, jorma__mulq_c1_s32s32s32, jorma__mulq_c1_s32s32u8,
+    jorma__mulq_c1_s32u8u8, jorma__mulq_c1_u8s16s16, jorma__mulq_c1_u8s16u8, jorma__mulq_c1_u8s32s16,
+    jorma__mulq_c1_u8s32s32, jorma__mulq_c1_u8s32u8, jorma__mulq_c1_u8u8u8;
+JORM_API jorm_constant_kernel jorma__mulqC_c1_s16f32, jorma__mulqC_c1_s16s16, jorma__mulqC_c1_s16s32,
+    jorma__mulqC_c1_s16u8, jorma__mulqC_c1_s32f32, jorma__mulqC_c1_s32s16, jorma__mulqC_c1_s32s32,
+    jorma__mulqC_c1_s32u8, jorma__mulqC_c1_u8f32, jorma__mulqC_c1_u8s16, jorma__mulqC_c1_u8s32, jorma__mulqC_c1_u8u8;
+JORM_API jorm_logic_kernel jorma__absdiff_c1_f32f32f32, jorma__absdiff_c1_s16s16s16, jorma__absdiff_c1_s32s32s32,
+    jorma__absdiff_c1_s8s8s8, jorma__absdiff_c1_u8u8u8, jorma__min_c1_f32f32f32, jorma__min_c1_s16s16s16,
+    jorma__min_c1_s32s32s32, jorma__min_c1_s8s8s8, jorma__min_c1_u8u8u8, jorma__max_c1_f32f32f32,
+    jorma__max_c1_s16s16s16, jorma__max_c1_s32s32s32, jorma__max_c1_s8s8s8, jorma__max_c1_u8u8u8;
+JORM_API jorm_logic_constant_kernel jorma__absdiffC_c1_f32f32, jorma__absdiffC_c1_s16s16, jorma__absdiffC_c1_s32s32,
+    jorma__absdiffC_c1_s8s8, jorma__absdiffC_c1_u8u8, jorma__minC_c1_f32f32, jorma__minC_c1_s16s16,
+    jorma__minC_c1_s32s32, jorma__minC_c1_s8s8, jorma__minC_c1_u8u8, jorma__maxC_c1_f32f32, jorma__maxC_c1_s16s16,
+    jorma__maxC_c1_s32s32, jorma__maxC_c1_s8s8, jorma__maxC_c1_u8u8;
 JORM_API jorm_logic_kernel jorma__and_c1_s16s16s16, jorma__and_c1_s32s32s32, jorma__and_c1_u8u8u8;
 JORM_API jorm_logic_constant_kernel jorma__andC_c1_s16s16, jorma__andC_c1_s32s32, jorma__andC_c1_u8u8,
     jorma__andC_c3_s16s16, jorma__andC_c3_s32s32, jorma__andC_c3_u8u8, jorma__andC_c4_s16s16, jorma__andC_c4_s32s32,
@@ -444,10 +490,11 @@ JORM_API jorm_constant_kernel jorma__rsubC_c1_f32f32f32, jorma__rsubC_c1_f32f32f
     jorma__rsubC_c1_s32f32f32, jorma__rsubC_c1_s32f32f64, jorma__rsubC_c1_s32s16s16, jorma__rsubC_c1_s32s16s32,
     jorma__rsubC_c1_s32s32s32, jorma__rsubC_c1_s32u8s32, jorma__rsubC_c1_s32u8u8, jorma__rsubC_c1_u8s16s16,
     jorma__rsubC_c1_u8u8s32, jorma__rsubC_c1_u8u8u8;
-JORM_API jorm_binary_kernel jorma__rsubq_c1_f32s32s16, jorma__rsubq_c1_f32s32s32, jorma__rsubq_c1_f32s32u8,
-    jorma__rsubq_c1_s16s16s16, jorma__rsubq_c1_s16s16u8, jorma__rsubq_c1_s32s32s16, jorma__rsubq_c1_s32s32s32,
-    jorma__rsubq_c1_s32s32u8, jorma__rsubq_c1_s8u8u8, jorma__rsubq_c1_u8s16s16, jorma__rsubq_c1_u8s16u8,
-    jorma__rsubq_c1_u8u8u8;
+JORM_API jorm_binary_kernel jorma__rsubq_c1_f32s16s16, jorma__rsubq_c1_f32s16u8, jorma__rsubq_c1_f32s32s16,
+    jorma__rsubq_c1_f32s32s32, jorma__rsubq_c1_f32s32u8, jorma__rsubq_c1_f32u8u8, jorma__rsubq_c1_s16s16s16,
+    jorma__rsubq_c1_s16s16u8, jorma__rsubq_c1_s16u8u8, jorma__rsubq_c1_s32s16s16, jorma__rsubq_c1_s32s16u8,
+    jorma__rsubq_c1_s32s32s16, jorma__rsubq_c1_s32s32s32, jorma__rsubq_c1_s32s32u8, jorma__rsubq_c1_s32u8u8,
+    jorma__rsubq_c1_s8u8u8, jorma__rsubq_c1_u8s16s16, jorma__rsubq_c1_u8s16u8, jorma__rsubq_c1_u8u8u8;
 JORM_API jorm_constant_kernel jorma__rsubqC_c1_f32s16s32, jorma__rsubqC_c1_f32s32s32, jorma__rsubqC_c1_f32u8s32,
     jorma__rsubqC_c1_s16s16s16, jorma__rsubqC_c1_s16u8s32, jorma__rsubqC_c1_s32s16s32, jorma__rsubqC_c1_s32s32s32,
     jorma__rsubqC_c1_s32u8s32, jorma__rsubqC_c1_s8u8u8, jorma__rsubqC_c1_u8s16s16, jorma__rsubqC_c1_u8u8s32,
@@ -468,10 +515,11 @@ JORM_API jorm_constant_kernel jorma__subC_c1_f32f32f32, jorma__subC_c1_f32f32f64
     jorma__subC_c1_s32f32f32, jorma__subC_c1_s32f32f64, jorma__subC_c1_s32s16s16, jorma__subC_c1_s32s16s32,
     jorma__subC_c1_s32s32s32, jorma__subC_c1_s32u8s32, jorma__subC_c1_s32u8u8, jorma__subC_c1_u8s16s16,
     jorma__subC_c1_u8u8s32, jorma__subC_c1_u8u8u8;
-JORM_API jorm_binary_kernel jorma__subq_c1_f32s32s16, jorma__subq_c1_f32s32s32, jorma__subq_c1_f32s32u8,
-    jorma__subq_c1_s16s16s16, jorma__subq_c1_s16s16u8, jorma__subq_c1_s32s32s16, jorma__subq_c1_s32s32s32,
-    jorma__subq_c1_s32s32u8, jorma__subq_c1_s8u8u8, jorma__subq_c1_u8s16s16, jorma__subq_c1_u8s16u8,
-    jorma__subq_c1_u8u8u8;
+JORM_API jorm_binary_kernel jorma__subq_c1_f32s16s16, jorma__subq_c1_f32s16u8, jorma__subq_c1_f32s32s16,
+    jorma__subq_c1_f32s32s32, jorma__subq_c1_f32s32u8, jorma__subq_c1_f32u8u8, jorma__subq_c1_s16s16s16,
+    jorma__subq_c1_s16s16u8, jorma__subq_c1_s16u8u8, jorma__subq_c1_s32s16s16, jorma__subq_c1_s32s16u8,
+    jorma__subq_c1_s32s32s16, jorma__subq_c1_s32s32s32, jorma__subq_c1_s32s32u8, jorma__subq_c1_s32u8u8,
+    jorma__subq_c1_s8u8u8, jorma__subq_c1_u8s16s16, jorma__subq_c1_u8s16u8, jorma__subq_c1_u8u8u8;
 JORM_API jorm_constant_kernel jorma__subqC_c1_f32s16s32, jorma__subqC_c1_f32s32s32, jorma__subqC_c1_f32u8s32,
     jorma__subqC_c1_s16s16s16, jorma__subqC_c1_s16u8s32, jorma__subqC_c1_s32s16s32, jorma__subqC_c1_s32s32s32,
     jorma__subqC_c1_s32u8s32, jorma__subqC_c1_s8u8u8, jorma__subqC_c1_u8s16s16, jorma__subqC_c1_u8u8s32,

@@ -1,4 +1,24 @@
-/* libJorm: conversion of element types, between u8, s16, s32 and f32.
+/* libJorm: conversion of element types.
+ *
+ *   JormGain       src * gain + offset; u8, s8, u16, s16, s32, f32 to any of them: the usual choice for contrast and
+ * depth JormVConvert   plain, or from one range of values onto another; u8, s16, s32, f32 to any of them JormConvert by
+ * scales and offsets relative to the range of the data; the same types
+ *
+ * xe is the environment (see below), `options` the options word (jorm/types.h). `roi` is a site in coordinates of the
+ * destination, null for all of it; `at` the point (four slots) where the source's region starts, null for its first
+ * element; see jorm/arith.h for what negative ones do. The region may narrow the channels; gains, offsets, scales and
+ * ranges belong to the channels of the region, from its first one on.
+ *
+ * Arrays have 1 to 4 channels, three or four axes and any strides. A null `src` converts the destination in place (a
+ * null `at` is then the origin of `roi`). Otherwise `src` may lie in the destination's memory where it begins at the
+ * destination's start and its elements are at least as wide. Where the layouts (padded pixels, reversed or steeper
+ * strides) or constants by channel would let results overwrite what is still to be read, the source first moves into
+ * scratch memory of its size: a null environment then gives JORM_EINVAL, no memory JORM_ENOMEM. Other calls take none.
+ * The results of other overlaps are as if the source were read first, or the call is refused in the same way.
+ *
+ * Statuses, in this order: JORM_EINVAL (null or bad descriptor; axes, planes or channels that disagree), JORM_EEMPTY,
+ * those of the measuring and the fitting of ranges, JORM_EINVAL for an ill-formed type, JORM_ENOTSUP for a type without
+ * kernels, those of scratch memory. Nothing is written, ranges included, unless the status is JORM_OK.
  *
  * A plain conversion keeps the value where the destination's type holds it. Integers are clamped; f32 is rounded to
  * nearest even into 32 bits first, where NaN and what does not fit become -2147483648, and then clamped (so u8 from NaN
@@ -14,23 +34,26 @@
 
 #include "jorm/vrng.h"
 
-/* Converts `src` into `dst` over the region, by scales and offsets (one for each channel) relative to the source's
- * range: the range [lo, hi] of a channel becomes [offset, offset + (hi - lo) * scale], fitted into the destination's
- * type by jorm_vrng_scale_$cn$Q. So null scales and offsets (1 and 0) shift the data so that their minimum becomes 0.
- * With every scale 1 (or NaN) and every offset NaN or infinite the conversion is plain. `src_range` is null (the ranges
- * are measured over the region, once for all planes) or a range for each channel, which is repaired against the data
- * like jorma__adjust_vrange; the caller's record stays as it is. All channels get the common source range; where the
- * destination ranges of the channels differ, jorma__mlaCC converts with constants per channel.
+/* dst = src * gain + offset, for each channel its own (null: 1 and 0). Product and sum are each rounded to double, the
+ * result is rounded to nearest even and clamped (f32: rounded to single); infinities go by their sign, NaN becomes 0 in
+ * integers. A source of three axes may stand beside a destination of four. */
+JORM_API int64_t JormGain(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
+                          const double *gain, const double *offset, const jorm_site *roi, const int32_t *at);
+
+/* JormConvert: scales and offsets (one for each channel) relative to the source's range: the range [lo, hi] of a
+ * channel becomes [offset, offset + (hi - lo) * scale], fitted into the destination's type by jorm_vrng_scale_$cn$Q. So
+ * null scales and offsets (1 and 0) shift the data so that their minimum becomes 0. With every scale 1 (or NaN) and
+ * every offset NaN or infinite the conversion is plain. `src_range` is null (the ranges are measured over the region,
+ * once for all planes) or a range for each channel, which is repaired against the data like jorma__adjust_vrange; the
+ * caller's record stays as it is. All channels get the common source range; where the destination ranges of the
+ * channels differ, jorma__mlaCC converts with constants per channel.
  *
- * JormVConvert takes the ranges themselves. Both null: plain. Null `src_range`: measured. Null `dst_range`: plain. A
- * given destination range is repaired in place (jorm_vrng_normalize_$cn$IQ with the source ranges as defaults, then
- * equalized): the caller sees the result.
+ * JormVConvert takes the ranges themselves, a record for each channel. Both null: plain. Null `src_range`: measured.
+ * Null `dst_range`: plain. A given destination range is refitted by value: NaN bounds and invalid ranges are replaced
+ * (jorm_vrng_normalize_$cn$IQ with the source ranges as defaults), then all channels get the common range
+ * (jorm_vrng_equalize_$I); the ranges used are written back, one record for each channel of the region.
  *
- * 1 to 4 channels, three or four axes, any strides. A null `src` converts the destination in place (a null `at` is then
- * the origin of `roi`). `src` may lie in the same memory where it begins at the destination's start and its elements
- * are at least as wide. Statuses, in this order: JORM_EINVAL (null or bad descriptor; axes, extent[0] or channels that
- * disagree), JORM_EEMPTY, those of the measuring and the fitting of ranges, JORM_EINVAL for an ill-formed type,
- * JORM_ENOTSUP for a type without kernels. Nothing is written unless the status is JORM_OK. */
+ * Source and destination have the same number of axes and the same extent[0]. */
 JORM_API int64_t JormConvert(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
                              const jorm_site *roi, const int32_t *at, const double *scales, const double *offsets,
                              const vrng *src_range);
@@ -46,10 +69,13 @@ typedef struct jorm_vconvert_params {
     vrng *dst_range;
     const vrng *src_range;
 } jorm_vconvert_params;
+typedef struct jorm_gain_params {
+    const double *gain, *offset;
+} jorm_gain_params;
 typedef int64_t jorm_convert_slice(jorm_xe *xe, uint64_t options, const void *params, uint32_t word,
                                    const int32_t *size, uint32_t dst_type, void *dst, const int32_t *dst_stride,
                                    uint32_t src_type, const void *src, const int32_t *src_stride);
-JORM_API jorm_convert_slice JormTGAconvert, JormTGAvconvert;
+JORM_API jorm_convert_slice JormTGAconvert, JormTGAvconvert, JormTGAgain;
 
 /* Adapters (bases with origins) and dispatchers (start pointers). The scale forms take the destination's type for both.
  */
@@ -63,6 +89,13 @@ typedef int64_t jorm_vconvert_adapter(jorm_xe *xe, uint64_t options, uint32_t wo
                                       const int32_t *dst_stride, uint32_t src_type, const void *src,
                                       const int32_t *src_origin, const int32_t *src_stride, vrng *dst_range,
                                       const vrng *src_range);
+JORM_API int64_t jorma_gain(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t dst_type,
+                            void *dst, const int32_t *dst_origin, const int32_t *dst_stride, uint32_t src_type,
+                            const void *src, const int32_t *src_origin, const int32_t *src_stride, const double *gain,
+                            const double *offset);
+JORM_API int64_t jorma__gain(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t dst_type,
+                             void *dst, const int32_t *dst_stride, uint32_t src_type, const void *src,
+                             const int32_t *src_stride, const double *gain, const double *offset);
 JORM_API jorm_econvert_adapter jorma_econvert, jorma_escale;
 JORM_API jorm_vconvert_adapter jorma_vconvert, jorma_vscale;
 JORM_API int64_t jorma__econvert(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t dst_type,

@@ -2,11 +2,13 @@
 
 #include "jorm/arith.h"
 #include "jorm/convert.h"
+#include "jorm/shapes.h"
 #include "kernel/level_table.hpp"
 #include "xe/scratch.hpp"
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <utility>
 
 namespace jorm {
@@ -49,6 +51,8 @@ bool obeys(ConstantRule rule, double c) {
         return std::isnan(c) || double(float(c)) == c;
     case ConstantRule::any:
     case ConstantRule::rounded:
+    case ConstantRule::element:
+    case ConstantRule::factor:
         return true;
     }
     return false;
@@ -90,6 +94,50 @@ struct Constants {
                 pattern->real[j] = pattern->real[j - channels];
                 pattern->whole[j] = pattern->whole[j - channels];
             }
+        }
+    }
+};
+
+// The constants of a call as its rows take them.
+struct Prepared {
+    double constant[4];
+
+    void prepare(ConstantRule rule, int32_t channels, ArithCall &call) {
+        if (rule == ConstantRule::element) {
+            char pixel[16];
+            const uint32_t type = call.operand[0].type;
+            jorm_mkifillvalv16(type, pixel, call.constant[0], channels);
+            for (int32_t c = 0; c < channels; ++c) constant[c] = read(type, pixel, c);
+        } else if (rule == ConstantRule::factor) {
+            // Below all numbers is not nothing: its product with infinity is infinite.
+            for (int32_t c = 0; c < channels; ++c) {
+                const double k = call.constant[0][c], scaled = std::ldexp(k, std::clamp(call.p, -5000, 5000));
+                constant[c] = scaled == 0 && k != 0 ? std::copysign(0x1p-1074, k) : scaled;
+            }
+            call.p = 0;
+        } else
+            return;
+        call.constant[0] = constant;
+    }
+
+private:
+    template <class T> static double element(const char *pixel, int32_t i) {
+        T v;
+        std::memcpy(&v, pixel + i * sizeof v, sizeof v);
+        return double(v);
+    }
+    static double read(uint32_t type, const char *pixel, int32_t i) {
+        switch (type) {
+        case JORM_U8:
+            return element<uint8_t>(pixel, i);
+        case JORM_S8:
+            return element<int8_t>(pixel, i);
+        case JORM_S16:
+            return element<int16_t>(pixel, i);
+        case JORM_S32:
+            return element<int32_t>(pixel, i);
+        default:
+            return element<float>(pixel, i);
         }
     }
 };
@@ -162,9 +210,11 @@ void run_with_constants(Family family, const Rows &rows, const Rows &base, const
 }
 
 // Runs the kernel on operands that have been checked and know their types.
-int64_t run(Family family, int line, const Shape &shape, const ArithCall &call) {
+int64_t run(Family family, int line, const Shape &shape, ArithCall &call) {
     const Level which = level(call.options);
     const Rows &rows = find_rows(which, family, line), &base = find_rows(level_base, family, line);
+    Prepared constants;
+    if (family_keys[family].constants > 0) constants.prepare(rows.rule, shape.channels, call);
     RowParams params;
     if (call.p != 0) {
         params.shift = std::clamp(call.p, -200, 200); // from there on nothing changes
@@ -183,8 +233,23 @@ int64_t run(Family family, int line, const Shape &shape, const ArithCall &call) 
 
 constexpr int64_t strip_bytes = 32768;
 
-// Transcendental functions serve f32 alone.
-bool converts(Family f) { return f != family_exp && f != family_ln && f != family_sigmoid; }
+// Transcendental functions serve f32 alone; some operations want one type for all operands.
+bool converts(Family f) {
+    switch (f) {
+    case family_exp:
+    case family_ln:
+    case family_sigmoid:
+    case family_absdiff:
+    case family_min:
+    case family_max:
+    case family_absdiffC:
+    case family_minC:
+    case family_maxC:
+        return false;
+    default:
+        return true;
+    }
+}
 
 bool is_float(uint32_t type) { return type == JORM_F32; }
 
@@ -256,6 +321,7 @@ Family exchanged(Family f) {
         return family_subq;
     case family_add:
     case family_mul:
+    case family_mulq:
     case family_addq:
     case family_addsq:
     case family_subsq:

@@ -59,7 +59,7 @@ int64_t binary_front(uint32_t code, jorm_xe *xe, uint64_t options, const jorm_ar
         {fourcc("asub"), family_sub},  {fourcc("subq"), family_subq},  {fourcc("sbsq"), family_subsq},
         {fourcc("rsub"), family_rsub}, {fourcc("rsbq"), family_rsubq}, {fourcc("rssq"), family_subsq},
         {fourcc("amul"), family_mul},  {fourcc("adiv"), family_div},   {fourcc("divr"), family_divr},
-        {fourcc("rdiv"), family_rdiv}, {fourcc("rdvr"), family_rdivr},
+        {fourcc("rdiv"), family_rdiv}, {fourcc("rdvr"), family_rdivr}, {fourcc("mulq"), family_mulq},
     };
     return run_front(rows, code, {xe, options, dst, roi, p}, {{src1, at1}, {src2, at2}});
 }
@@ -72,6 +72,7 @@ int64_t constant_front(uint32_t code, jorm_xe *xe, uint64_t options, const jorm_
         {fourcc("rsub"), family_rsubC}, {fourcc("rsbq"), family_rsubqC}, {fourcc("rssq"), family_subsqC},
         {fourcc("amul"), family_mulC},  {fourcc("adiv"), family_divC},   {fourcc("divr"), family_divrC},
         {fourcc("rdiv"), family_rdivC}, {fourcc("rdvr"), family_rdivrC}, {fourcc("sigm"), family_sigmoid},
+        {fourcc("mulq"), family_mulqC},
     };
     return run_front(rows, code, {xe, options, dst, roi, p, constant}, {{src, at}});
 }
@@ -102,15 +103,17 @@ int64_t ternary_constants_front(uint32_t code, jorm_xe *xe, uint64_t options, co
 
 int64_t logic_front(uint32_t code, jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
                     const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2) {
-    static constexpr FrontRow rows[] = {
-        {fourcc("aand"), family_and_}, {fourcc("aorr"), family_orr}, {fourcc("axor"), family_xor_}};
+    static constexpr FrontRow rows[] = {{fourcc("aand"), family_and_}, {fourcc("aorr"), family_orr},
+                                        {fourcc("axor"), family_xor_}, {fourcc("abdf"), family_absdiff},
+                                        {fourcc("amin"), family_min},  {fourcc("amax"), family_max}};
     return run_front(rows, code, {xe, options, dst, roi}, {{src1, at1}, {src2, at2}});
 }
 
 int64_t logic_constant_front(uint32_t code, jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
                              const double *constant, const jorm_site *roi, const int32_t *at) {
-    static constexpr FrontRow rows[] = {
-        {fourcc("aand"), family_andC}, {fourcc("aorr"), family_orrC}, {fourcc("axor"), family_xorC}};
+    static constexpr FrontRow rows[] = {{fourcc("aand"), family_andC}, {fourcc("aorr"), family_orrC},
+                                        {fourcc("axor"), family_xorC}, {fourcc("abdf"), family_absdiffC},
+                                        {fourcc("amin"), family_minC}, {fourcc("amax"), family_maxC}};
     return run_front(rows, code, {xe, options, dst, roi, 0, constant}, {{src, at}});
 }
 

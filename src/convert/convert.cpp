@@ -53,21 +53,22 @@ int64_t read_operands(Shape &shape, uint32_t word, const int32_t *size, const Op
     return read_shape(shape, word, size);
 }
 
-int64_t run_conversion(int line, uint64_t options, uint32_t word, const int32_t *size, void *dst,
+int64_t run_conversion(int line, jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void *dst,
                        const int32_t *dst_stride, const void *src, const int32_t *src_stride) {
     Shape shape;
-    const Operand operands[1 + max_sources] = {operand(conversions[line].dst, dst, dst_stride),
-                                               operand(conversions[line].src, src, src_stride)};
+    Detached kept;
+    Operand operands[1 + max_sources] = {operand(conversions[line].dst, dst, dst_stride),
+                                         operand(conversions[line].src, src, src_stride)};
     if (const int64_t status = read_operands(shape, word, size, operands[0], operands[1]); status != JORM_OK)
+        return status;
+    if (const int64_t status = keep_source(kept, xe, options, shape.axes, size, shape.channels, operands[0],
+                                           operands[1], channels_fold(shape, operands, 2));
+        status != JORM_OK)
         return status;
     const Level which = level(options);
     walk_channels(shape, operands, 2, JORM_OF_LEVEL(convert_rows, which)[line], RowParams{}, which);
     return JORM_OK;
 }
-
-struct Line {
-    double scale, offset;
-};
 
 // The line that carries a range onto another; a source range without extent goes to the start of the destination's.
 Line line_between(const vrng &src, const vrng &dst) {
@@ -75,12 +76,6 @@ Line line_between(const vrng &src, const vrng &dst) {
     const double scale = (dst.hi - dst.lo) / (src.hi - src.lo);
     return {scale, dst.lo - src.lo * scale};
 }
-
-// The lines of a row: one for every element, or one for each channel.
-struct Lines {
-    Line line[4];
-    int count;
-};
 
 template <class F> void by_element(const Lines &lines, F f) {
     for (int j = 0; j < (lines.count > 1 ? pattern_length : 1); ++j) f(j, lines.line[j % lines.count]);
@@ -124,7 +119,9 @@ bool to_pieces(RangeParams &params, const Lines &lines, uint32_t dst) {
         const double reach = std::max({std::fabs(255 * line.scale), std::fabs(line.offset), std::fabs(last), 1e-30});
         const double power = std::bit_cast<double>(std::bit_cast<uint64_t>(reach) & uint64_t(0x7ff) << 52);
         const double unit = std::max(power * 0x1p-23, dst == f32 ? 0.0 : 2.0);
-        const auto first = [&](double x) { return float(dst == u8 ? x : double(std::lrint(x / unit)) * unit); };
+        const auto first = [&](double x) {
+            return float(element_size(dst) == 1 ? x : double(std::lrint(x / unit)) * unit);
+        };
         params.fast[0][j] = first(line.scale);
         params.fast[1][j] = first(line.offset);
         params.fast[2][j] = float(line.scale - params.fast[0][j]);
@@ -134,16 +131,27 @@ bool to_pieces(RangeParams &params, const Lines &lines, uint32_t dst) {
     return whole_offset;
 }
 
+// Do all results for integers of this type stay within 32 bits?
+bool stays_within(const Lines &lines, uint32_t src) {
+    const double most = std::ldexp(1, 8 * element_size(src) - (src > 8));
+    bool all = true;
+    for (int c = 0; c < lines.count; ++c)
+        all = all && std::fabs(lines.line[c].scale) * most + std::fabs(lines.line[c].offset) < 2147483647.0;
+    return all;
+}
+
 // The quickest row that gives the results of the exact one; its constants go to `params`.
 Row choose_row(const RangeRows &rows, RangeParams &params, const Lines &lines, double elements, uint32_t dst,
                uint32_t src) {
     constexpr double worthwhile = 2048;
     const bool by_channel = lines.count > 1;
     const Row exact = rows.exact[by_channel], fast = rows.fast[by_channel], brief = rows.brief[by_channel];
-    if (!fast || elements < (src == u8 ? worthwhile : pattern_length)) return exact;
+    const bool bytes = element_size(src) == 1;
+    if (rows.beyond[0] && !stays_within(lines, src)) return rows.beyond[by_channel];
+    if (!fast || elements < (bytes ? worthwhile : pattern_length)) return exact;
     for (int c = 0; c < lines.count; ++c)
         if (!(std::fabs(lines.line[c].scale) < 1e30 && std::fabs(lines.line[c].offset) < 1e30)) return exact;
-    if (src != u8) return to_fixed_point(params, lines, rows.fused, src == s32) ? fast : exact;
+    if (!bytes) return to_fixed_point(params, lines, rows.fused, src == s32) ? fast : exact;
     const bool quick = to_pieces(params, lines, dst) && brief;
     for (int c = 0; c < lines.count; ++c)
         if (!rows.holds[quick](params, c)) return exact;
@@ -155,25 +163,54 @@ int64_t run_range_conversion(int line, jorm_xe *xe, uint64_t options, uint32_t w
                              const vrng *dst_ranges, const vrng *src_ranges) {
     Shape shape;
     const RangeConversion &types = range_conversions[line];
-    const Operand operands[1 + max_sources] = {operand(types.dst, dst, dst_stride),
-                                               operand(types.src, src, src_stride)};
+    Operand operands[1 + max_sources] = {operand(types.dst, dst, dst_stride), operand(types.src, src, src_stride)};
     if (!dst_ranges || !src_ranges) return JORM_EINVAL;
     if (const int64_t status = read_operands(shape, word, size, operands[0], operands[1]); status != JORM_OK)
         return status;
 
     Lines all = {{}, shape.channels};
     double lo[4];
-    bool all_degenerate = true, uniform = true;
+    bool all_degenerate = true;
     for (int c = 0; c < shape.channels; ++c) {
         all.line[c] = line_between(src_ranges[c], dst_ranges[c]);
         lo[c] = dst_ranges[c].lo;
         all_degenerate = all_degenerate && is_degenerate(src_ranges[c]);
-        uniform = uniform && all.line[c].scale == all.line[0].scale && all.line[c].offset == all.line[0].offset;
     }
     if (all_degenerate) return jorma__fill(xe, options, word, size, types.dst, dst, dst_stride, lo);
 
+    Detached kept;
+    if (const int64_t status = keep_source(kept, xe, options, shape.axes, size, shape.channels, operands[0],
+                                           operands[1], channels_fold(shape, operands, 2));
+        status != JORM_OK)
+        return status;
     const Level which = level(options);
+    run_lines(JORM_OF_LEVEL(range_rows, which)[line], shape, operands, all, which);
+    return JORM_OK;
+}
+
+// The elements of both lie in ascending order, as they are visited, and none is written beyond the place from which it
+// was read.
+bool ascends(int axes, const int32_t *size, int32_t channels, const Operand &dst, const Operand &src) {
+    int64_t inside = element_size(src.type), ahead = dst.start - src.start + element_size(dst.type) - inside;
+    for (int i = axes - 1; i >= 0; --i) {
+        const int64_t n = i + 1 < axes ? size[i] : channels, drift = (n - 1) * (int64_t(dst.stride[i]) - src.stride[i]);
+        if (n == 1) continue;
+        if (src.stride[i] < inside) return false;
+        inside += (n - 1) * src.stride[i];
+        if (drift > 0) ahead += drift;
+    }
+    return ahead <= 0;
+}
+
+} // namespace
+
+bool is_degenerate(const vrng &r) { return std::fabs(r.hi - r.lo) <= 0x1p-23; }
+
+void run_lines(const RangeRows &rows, const Shape &shape, const Operand *operands, const Lines &all, Level which) {
     const bool fold = channels_fold(shape, operands, 2);
+    bool uniform = true;
+    for (int c = 1; c < shape.channels; ++c)
+        uniform = uniform && all.line[c].scale == all.line[0].scale && all.line[c].offset == all.line[0].offset;
     ConstantPattern pattern[2];
     RangeParams params;
     params.constants[0] = &pattern[0];
@@ -182,25 +219,30 @@ int64_t run_range_conversion(int line, jorm_xe *xe, uint64_t options, uint32_t w
         const Lines lines = fold && !uniform ? all : Lines{{all.line[c]}, 1};
         by_element(lines, [&](int j, const Line &l) { pattern[0].real[j] = l.scale, pattern[1].real[j] = l.offset; });
         Walk w = make_walk(shape, operands, 2, fold ? -1 : c, which);
-        const Row row = choose_row(JORM_OF_LEVEL(range_rows, which)[line], params, lines,
-                                   double(w.rows) * double(w.length), types.dst, types.src);
+        const Row row =
+            choose_row(rows, params, lines, double(w.rows) * double(w.length), operands[0].type, operands[1].type);
         walk(w, row, params);
     }
-    return JORM_OK;
 }
 
-} // namespace
-
-bool is_degenerate(const vrng &r) { return std::fabs(r.hi - r.lo) <= 0x1p-23; }
+int64_t keep_source(Detached &kept, jorm_xe *xe, uint64_t options, int axes, const int32_t *size, int32_t channels,
+                    const Operand &dst, Operand &src, bool one_pass) {
+    for (int i = 0; i + 1 < axes; ++i)
+        if (size[i] < 1) return JORM_OK;
+    if (!may_meet(axes, channels, size, dst, size, src) || coincide(axes, size, channels, dst, src) ||
+        (one_pass && ascends(axes, size, channels, dst, src)))
+        return JORM_OK;
+    return kept.move(xe, options, axes, size, channels, src);
+}
 
 } // namespace jorm
 
 using namespace jorm;
 
 #define KERNEL(name, D, S)                                                                                             \
-    JORM_API int64_t name(jorm_xe *, uint64_t options, uint32_t word, const int32_t *size, void *dst,                  \
+    JORM_API int64_t name(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, void *dst,                \
                           const int32_t *dst_stride, const void *src, const int32_t *src_stride) {                     \
-        return run_conversion(find(conversions, D, S), options, word, size, dst, dst_stride, src, src_stride);         \
+        return run_conversion(find(conversions, D, S), xe, options, word, size, dst, dst_stride, src, src_stride);     \
     }
 JORM_CONVERSIONS(KERNEL)
 

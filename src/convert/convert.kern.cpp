@@ -30,14 +30,21 @@ template <class D, class S> void plain(void *dst, const void *const *src, int64_
 
 // ------------------------------------------------------------- range to range
 
-template <class D, class S> [[gnu::always_inline]] inline D exact_element(S x, f64 scale, f64 offset) {
-    return convert_element<D>(f64(x) * scale + offset);
+// What becomes of results beyond 32 bits: -2^31, as in conversions, or the nearest value of the type.
+enum class Beyond { lowest, nearest };
+
+template <class D, class S, Beyond B> [[gnu::always_inline]] inline D exact_element(S x, f64 scale, f64 offset) {
+    const f64 y = f64(x) * scale + offset;
+    if constexpr (B == Beyond::nearest)
+        return nearest<D>(y);
+    else
+        return convert_element<D>(y);
 }
 
 // In double precision.
-template <bool Uniform, class D, class S>
+template <bool Uniform, class D, class S, Beyond B>
 void exact_range(void *dst, const void *const *src, int64_t n, const RowParams &p) {
-    constant_row<Uniform, 2, f64, D, S, void *>(dst, src, n, p, exact_element<D, S>);
+    constant_row<Uniform, 2, f64, D, S, void *>(dst, src, n, p, exact_element<D, S, B>);
 }
 
 // Where it makes no difference whether the product is rounded.
@@ -69,8 +76,8 @@ constexpr int upper = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? 1 : 0;
 [[gnu::always_inline]] inline int next_chunk(int j) { return j + chunk < pattern_length ? j + chunk : 0; }
 
 // To bytes, in fixed point with 16 bits of fraction; the lanes of `least` gather the least fractions.
-template <bool Uniform, class S>
-[[gnu::always_inline]] inline void round_chunk(u8 *d, const S *s, int n, const RangeParams &p, Pieces first, int j,
+template <bool Uniform, class D, class S>
+[[gnu::always_inline]] inline void round_chunk(D *d, const S *s, int n, const RangeParams &p, Pieces first, int j,
                                                uint16_t *least) {
     Words y;
     for (int l = 0; l < n; ++l) {
@@ -80,13 +87,13 @@ template <bool Uniform, class S>
     for (int l = 0; l < n; ++l) {
         const uint16_t fraction = y.half[2 * l + 1 - upper];
         least[l] = fraction < least[l] ? fraction : least[l];
-        d[l] = clamped<u8>(s16(y.half[2 * l + upper]));
+        d[l] = clamped<D>(s16(y.half[2 * l + upper]));
     }
 }
 
 // A block of them. Is no result in doubt?
-template <bool Uniform, class S>
-[[gnu::always_inline]] inline bool round_block(u8 *d, const S *s, int n, const RangeParams &p) {
+template <bool Uniform, class D, class S>
+[[gnu::always_inline]] inline bool round_block(D *d, const S *s, int n, const RangeParams &p) {
     uint16_t least[chunk], least_of_all = 0xffff;
     for (int l = 0; l < chunk; ++l) least[l] = 0xffff;
     const Pieces k = pieces_at(p, 0);
@@ -99,18 +106,19 @@ template <bool Uniform, class S>
 
 // Blocks with a result in doubt are computed again in double precision. After some of them in succession the next ones
 // go there at once.
-template <bool Uniform, class S> void to_bytes(void *dst, const void *const *src, int64_t n, const RowParams &params) {
+template <bool Uniform, class D, class S, Beyond B>
+void to_bytes(void *dst, const void *const *src, int64_t n, const RowParams &params) {
     constexpr int block = 2 * pattern_length, patience = 4, respite = 60;
     const RangeParams &p = static_cast<const RangeParams &>(params);
-    u8 aside[block]; // in place, the source has to survive the attempt
-    u8 *d = elements<u8>(dst);
+    D aside[block]; // in place, the source has to survive the attempt
+    D *d = elements<D>(dst);
     const S *s = elements<S>(src[0]);
     for (int m; n > 0; n -= m, d += m, s += m) {
         m = n < block ? int(n) : block;
         if (p.doubtful >= 0) {
             const uintptr_t from = reinterpret_cast<uintptr_t>(s), to = reinterpret_cast<uintptr_t>(d);
             const bool apart = to + block <= from || from + sizeof(S) * block <= to;
-            u8 *target = apart ? d : aside;
+            D *target = apart ? d : aside;
             if (m == block ? round_block<Uniform>(target, s, block, p) : round_block<Uniform>(target, s, m, p)) {
                 for (int l = 0; !apart && l < m; ++l) d[l] = aside[l];
                 p.doubtful = 0;
@@ -120,7 +128,7 @@ template <bool Uniform, class S> void to_bytes(void *dst, const void *const *src
         } else
             ++p.doubtful;
         const void *again = s;
-        exact_range<Uniform, u8, S>(d, &again, m, p);
+        exact_range<Uniform, D, S, B>(d, &again, m, p);
     }
 }
 
@@ -133,24 +141,27 @@ template <bool Brief, class D> [[gnu::always_inline]] inline D of_byte(f32 x, Pi
         const f32 rest = multiply_add(x, k.scale_rest, k.offset_rest);
         if constexpr (is_real<D>)
             return main + rest;
-        else if constexpr (same<D, u8>)
+        else if constexpr (sizeof(D) == 1)
             return convert_element<D>(main);
         else
             return convert_element<D>(s32(uint32_t(round_s32(main)) + uint32_t(round_s32(rest))));
     }
 }
 
-template <bool Brief, bool Uniform, class D>
+template <bool Brief, bool Uniform, class D, class S>
 void from_bytes(void *dst, const void *const *src, int64_t n, const RowParams &params) {
     const RangeParams &p = static_cast<const RangeParams &>(params);
     D *d = elements<D>(dst);
-    const u8 *s = elements<u8>(src[0]);
+    const S *s = elements<S>(src[0]);
     const Pieces k = pieces_at(p, 0);
     int64_t i = 0;
     int j = 0;
     for (; i + chunk <= n; i += chunk, j = next_chunk(j)) {
         Words x;
-        widen<chunk>(x.whole, s + i);
+        if constexpr (same<S, u8>)
+            widen<chunk>(x.whole, s + i);
+        else
+            for (int l = 0; l < chunk; ++l) x.whole[l] = s[i + l];
         for (int l = 0; l < chunk; ++l)
             d[i + l] = of_byte<Brief, D>(f32(x.whole[l]), Uniform ? k : pieces_at(p, j + l));
     }
@@ -162,34 +173,42 @@ template <> struct Bits<2> { using type = uint16_t; };
 template <> struct Bits<1> { using type = u8; };
 
 // Are the results with entry j of the constants the exact ones, for every byte?
-template <bool Brief, class D> bool holds(const RangeParams &p, int j) {
+template <bool Brief, class D, class S> bool holds(const RangeParams &p, int j) {
     using B = typename Bits<sizeof(D)>::type;
     const Pieces k = pieces_at(p, j);
     const f64 scale = p.constants[0]->real[j], offset = p.constants[1]->real[j];
     B difference = 0;
-    for (s32 x = 0; x < 256; ++x)
+    for (s32 x = lowest<S>; x <= largest<S>; ++x)
         difference |= B(__builtin_bit_cast(B, of_byte<Brief, D>(f32(x), k)) ^
-                        __builtin_bit_cast(B, exact_element<D>(x, scale, offset)));
+                        __builtin_bit_cast(B, exact_element<D, s32, Beyond::lowest>(x, scale, offset)));
     return difference == 0;
 }
 
-template <class D, class S> constexpr RangeRows rows_of() {
-    RangeRows rows = {{exact_range<true, D, S>, exact_range<false, D, S>}, {}, {}, {}, fused};
-    if constexpr (same<S, u8>) {
-        rows.fast[0] = from_bytes<false, true, D>;
-        rows.fast[1] = from_bytes<false, false, D>;
-        rows.holds[0] = holds<false, D>;
+// Where results beyond 32 bits make a difference, integers have rows of their own for them.
+template <class D, class S, Beyond B> constexpr RangeRows rows_of() {
+    constexpr Beyond usual = is_real<S> || (sizeof(D) == 1 && sizeof(S) > 1) ? B : Beyond::lowest;
+    RangeRows rows = {{exact_range<true, D, S, usual>, exact_range<false, D, S, usual>}, {}, {}, {}, {}, fused};
+    if constexpr (B != usual) {
+        rows.beyond[0] = exact_range<true, D, S, B>;
+        rows.beyond[1] = exact_range<false, D, S, B>;
+    }
+    if constexpr (sizeof(S) == 1) {
+        rows.fast[0] = from_bytes<false, true, D, S>;
+        rows.fast[1] = from_bytes<false, false, D, S>;
+        rows.holds[0] = holds<false, D, S>;
         if constexpr (is_real<D>) {
-            rows.brief[0] = from_bytes<true, true, D>;
-            rows.brief[1] = from_bytes<true, false, D>;
-            rows.holds[1] = holds<true, D>;
+            rows.brief[0] = from_bytes<true, true, D, S>;
+            rows.brief[1] = from_bytes<true, false, D, S>;
+            rows.holds[1] = holds<true, D, S>;
         }
-    } else if constexpr (same<D, u8>) {
-        rows.fast[0] = to_bytes<true, S>;
-        rows.fast[1] = to_bytes<false, S>;
+    } else if constexpr (sizeof(D) == 1) {
+        rows.fast[0] = to_bytes<true, D, S, usual>;
+        rows.fast[1] = to_bytes<false, D, S, usual>;
     }
     return rows;
 }
+
+using u16 = uint16_t;
 
 } // namespace
 
@@ -197,8 +216,12 @@ template <class D, class S> constexpr RangeRows rows_of() {
 extern const Row convert_rows[];
 const Row convert_rows[] = {JORM_CONVERSIONS(ROW)};
 
-#define RANGE(name, D, S) rows_of<D, S>(),
+#define RANGE(name, D, S) rows_of<D, S, Beyond::lowest>(),
 extern const RangeRows range_rows[];
 constexpr RangeRows range_rows[] = {JORM_RANGE_CONVERSIONS(RANGE)};
+
+#define GAIN(D, S) rows_of<D, S, Beyond::nearest>(),
+extern const RangeRows gain_rows[];
+constexpr RangeRows gain_rows[] = {JORM_GAINS(GAIN)};
 
 } // namespace jorm::JORM_LEVEL

@@ -1,5 +1,5 @@
 // Conversion: how the map between values follows from scales, offsets and ranges, and the front ends.
-#include "convert/copy_front.hpp"
+#include "convert/convert.hpp"
 #include "jorm/arith.h"
 #include "jorm/convert.h"
 #include "jorm/stats.h"
@@ -17,6 +17,13 @@ struct Mapping {
     enum Kind { plain, ranges, constants } kind;
     vrng dst[4], src[4];
     double scale[4], offset[4];
+    vrng *caller = nullptr; // who wants to know the destination ranges
+
+    // Tells them, unless the call was refused.
+    int64_t done(int64_t status, uint32_t code) const {
+        if (status == JORM_OK && caller) std::memcpy(caller, dst, sizeof(vrng) * size_t(stored_channels(code)));
+        return status;
+    }
 };
 
 struct Slice {
@@ -85,15 +92,18 @@ int64_t map_by_ranges(Mapping &m, const Slice &s, vrng *dst_range, const vrng *s
     if (!dst_range && !src_range) return JORM_OK;
     if (const int64_t status = source_ranges(m, s, src_range); status != JORM_OK) return status;
     if (!dst_range) return JORM_OK;
-    jorm_vrng_normalize_$cn$IQ(s.dst.type, dst_range, m.src, code);
-    jorm_vrng_equalize_$I(dst_range, code);
+    m.caller = dst_range;
     std::memcpy(m.dst, dst_range, sizeof(vrng) * size_t(stored_channels(code)));
+    jorm_vrng_normalize_$cn$IQ(s.dst.type, m.dst, m.src, code);
+    jorm_vrng_equalize_$I(m.dst, code);
     settle(m, code);
     return JORM_OK;
 }
 
 int64_t run(const Mapping &m, const Slice &s) {
-    const Operand &d = s.dst, &a = s.src;
+    const Operand &d = s.dst;
+    Operand a = s.src;
+    Detached kept;
     switch (m.kind) {
     case Mapping::plain:
         return _jorma__swtconvert(s.xe, s.options, s.word, s.size, d.type, d.start, d.stride, a.type, a.start,
@@ -102,6 +112,10 @@ int64_t run(const Mapping &m, const Slice &s) {
         return _jorma__swvconvert(s.xe, s.options, s.word, s.size, d.type, d.start, d.stride, a.type, a.start, a.stride,
                                   m.dst, m.src);
     default:
+        if (const int64_t status = keep_source(kept, s.xe, s.options, int(s.word & 15), s.size,
+                                               stored_channels(s.channel_code()), d, a, false);
+            status != JORM_OK)
+            return status;
         return jorma__mlaCC(s.xe, s.options, s.word, s.size, d.type, d.start, d.stride, a.type, a.start, a.stride,
                             m.scale, m.offset, 0, 0);
     }
@@ -120,13 +134,21 @@ int64_t front(uint32_t opcode, jorm_xe *xe, uint64_t options, const jorm_array *
     if (dst && src && (dst->ndims != src->ndims || dst->extent[0] != src->extent[0])) return JORM_EINVAL;
     Front f;
     if (const int64_t status = negotiate(f, dst, roi, {{src, at}}); status != JORM_OK) return status;
-    const Slice whole = {xe, options, f.word, f.sizes(), f.operand[0], f.operand[1]};
+    Slice whole = {xe, options, f.word, f.sizes(), f.operand[0], f.operand[1]};
     Mapping m;
     if (const int64_t status = settle(m, whole); status != JORM_OK) return status;
-    if (dst->ndims < 4) return run(m, whole);
+    const uint32_t code = whole.channel_code();
+    if (dst->ndims < 4) return m.done(run(m, whole), code);
+    int32_t types;
+    if (jorma__tcvtfun_imp(whole.dst.type, whole.src.type, &types); types != JORM_OK) return types;
+    Detached kept; // planes may get in each other's way too
+    if (const int64_t status = keep_source(kept, xe, options, 4, f.size, f.size[3], whole.dst, whole.src, true);
+        status != JORM_OK)
+        return status;
     jorm_pack pack;
-    return jorma_call(jorma_mappackL(&pack, opcode, to_proc(piece), xe, options, &m, f.word, 3, f.sizes(),
-                                     PACKED_SLICE(whole.dst), PACKED_SLICE(whole.src)));
+    return m.done(jorma_call(jorma_mappackL(&pack, opcode, to_proc(piece), xe, options, &m, f.word, 3, f.sizes(),
+                                            PACKED_SLICE(whole.dst), PACKED_SLICE(whole.src))),
+                  code);
 }
 
 } // namespace
@@ -157,7 +179,7 @@ static int64_t convert_scaled(const Slice &s, SCALES) {
 static int64_t convert_ranged(const Slice &s, RANGES) {
     Mapping m;
     const int64_t status = map_by_ranges(m, s, dst_range, src_range);
-    return status != JORM_OK ? status : run(m, s);
+    return status != JORM_OK ? status : m.done(run(m, s), s.channel_code());
 }
 
 JORM_API int64_t jorma__econvert(CONVERT_PARAMS(D), SCALES) {

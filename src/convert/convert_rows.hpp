@@ -16,6 +16,7 @@ struct RangeParams : RowParams {
 struct RangeRows {
     Row exact[2], fast[2];
     Row brief[2]; // fast, for offsets in one piece
+    Row beyond[2]; // exact, for results that may leave 32 bits
     // Are the fast rows [0], the brief ones [1] exact with entry j of the constants?
     bool (*holds[2])(const RangeParams &params, int j);
     bool fused; // the fast rows do not round products that go into a sum
@@ -56,3 +57,13 @@ struct RangeRows {
     K(_jorma__vconvert_f32s16, f32, s16) \
     K(_jorma__vconvert_f32s32, f32, s32) \
     K(_jorma__vscale_f32, f32, f32)
+
+// The conversions by a gain and an offset: every pair of these types, those of one destination together.
+#define JORM_GAINS_INTO(K, D) K(D, u8) K(D, s8) K(D, u16) K(D, s16) K(D, s32) K(D, f32)
+#define JORM_GAINS(K) \
+    JORM_GAINS_INTO(K, u8) \
+    JORM_GAINS_INTO(K, s8) \
+    JORM_GAINS_INTO(K, u16) \
+    JORM_GAINS_INTO(K, s16) \
+    JORM_GAINS_INTO(K, s32) \
+    JORM_GAINS_INTO(K, f32)

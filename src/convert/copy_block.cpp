@@ -126,46 +126,76 @@ Order order_of_slices(const CopyBlock &b) {
     return Order::none;
 }
 
-int64_t run_through_scratch(jorm_xe *xe, uint64_t options, const CopyBlock &b) {
-    if (!xe) return JORM_EINVAL;
+// How many bytes of scratch memory a block takes, -1 for more than there can be. Copies it when `memory` is given (any
+// pointer will do where none is needed).
+int64_t through_scratch(uint64_t options, const CopyBlock &b, char *memory) {
     CopyBlock in = b, out = b;
     int64_t bytes = b.unit;
     for (int i = b.axes - 1; i >= 0; --i) {
         in.axis[i].dst = out.axis[i].src = bytes;
-        if (__builtin_mul_overflow(bytes, b.axis[i].size, &bytes)) return JORM_ENOMEM;
+        if (__builtin_mul_overflow(bytes, b.axis[i].size, &bytes)) return -1;
     }
-    const Scratch scratch(xe, size_t(bytes), 64);
-    if (!scratch) return JORM_ENOMEM;
-    in.dst = scratch.as<char>();
+    if (!memory) return bytes;
+    in.dst = memory;
     out.src = in.dst;
     run_apart(options, in);
     run_apart(options, out);
-    return JORM_OK;
+    return bytes;
 }
 
-int64_t copy_overlapping(jorm_xe *xe, uint64_t options, CopyBlock &b) {
+int64_t copy_any(uint64_t options, CopyBlock b, char *memory);
+
+// The same for blocks whose source and destination overlap.
+int64_t copy_overlapping(uint64_t options, CopyBlock &b, char *memory) {
     for (int i = 0; i < b.axes; ++i)
         if (b.axis[i].src < 0) reverse_axis(b, b.axis[i]);
     for (int i = 1; i < b.axes; ++i)
         for (int j = i; j > 0 && b.axis[j - 1].src < b.axis[j].src; --j) std::swap(b.axis[j - 1], b.axis[j]);
     if (const Order order = order_of_units(b); order != Order::none) {
+        if (!memory) return 0;
         if (order == Order::descending)
             for (int i = 0; i < b.axes; ++i) reverse_axis(b, b.axis[i]);
         run_axes(move_bytes, b);
-        return JORM_OK;
+        return 0;
     }
     const Order order = order_of_slices(b);
-    if (order == Order::none) return run_through_scratch(xe, options, b);
+    if (order == Order::none) return through_scratch(options, b, memory);
     if (order == Order::descending) reverse_axis(b, b.axis[0]);
+    int64_t most = 0;
     for (int64_t i = 0; i < b.axis[0].size; ++i) {
         CopyBlock slice = b;
         slice.dst += i * b.axis[0].dst;
         slice.src += i * b.axis[0].src;
         std::copy(b.axis + 1, b.axis + b.axes, slice.axis);
         --slice.axes;
-        if (const int64_t status = copy_block(xe, options, std::move(slice)); status != JORM_OK) return status;
+        const int64_t bytes = copy_any(options, slice, memory);
+        if (bytes < 0) return bytes;
+        most = std::max(most, bytes);
     }
-    return JORM_OK;
+    return most;
+}
+
+bool lie_apart(const CopyBlock &b) {
+    const Span dst = span_of(b, 0, &CopyBlock::Axis::dst), src = span_of(b, 0, &CopyBlock::Axis::src);
+    return b.dst + dst.high <= b.src + src.low || b.src + src.high <= b.dst + dst.low;
+}
+
+// Is there nothing to copy, because a size is empty or everything stands in its place?
+bool nothing_to_copy(const CopyBlock &b) {
+    bool same = b.dst == b.src;
+    for (int i = 0; i < b.axes; ++i) {
+        if (b.axis[i].size < 1) return true;
+        same = same && (b.axis[i].size == 1 || b.axis[i].dst == b.axis[i].src);
+    }
+    return same;
+}
+
+int64_t copy_any(uint64_t options, CopyBlock b, char *memory) {
+    if (nothing_to_copy(b)) return 0;
+    fold_axes(b);
+    if (!lie_apart(b)) return copy_overlapping(options, b, memory);
+    if (memory) run_apart(options, b);
+    return 0;
 }
 
 // What an operand's inner axes, from `from` on, span about its start.
@@ -210,17 +240,23 @@ void copy_steps(CopyBytes copy, char *dst, int64_t dst_step, const char *src, in
 }
 
 int64_t copy_block(jorm_xe *xe, uint64_t options, CopyBlock &&b) {
-    bool same = b.dst == b.src;
-    for (int i = 0; i < b.axes; ++i) {
-        if (b.axis[i].size < 1) return JORM_OK;
-        same = same && (b.axis[i].size == 1 || b.axis[i].dst == b.axis[i].src);
-    }
-    if (same) return JORM_OK;
+    if (nothing_to_copy(b)) return JORM_OK;
     fold_axes(b);
-    const Span dst = span_of(b, 0, &CopyBlock::Axis::dst), src = span_of(b, 0, &CopyBlock::Axis::src);
-    const bool apart = b.dst + dst.high <= b.src + src.low || b.src + src.high <= b.dst + dst.low;
-    if (!apart) return copy_overlapping(xe, options, b);
-    run_apart(options, b);
+    if (lie_apart(b)) {
+        run_apart(options, b);
+        return JORM_OK;
+    }
+    // What memory that takes is known before anything is written.
+    const int64_t bytes = copy_any(options, b, nullptr);
+    if (bytes == 0) {
+        copy_any(options, b, b.dst);
+        return JORM_OK;
+    }
+    if (!xe) return JORM_EINVAL;
+    if (bytes < 0) return JORM_ENOMEM;
+    const Scratch scratch(xe, size_t(bytes), 64);
+    if (!scratch) return JORM_ENOMEM;
+    copy_any(options, b, scratch.as<char>());
     return JORM_OK;
 }
 

@@ -49,24 +49,30 @@ void start(Operand &o, const jorm_array &a, const jorm_array &dst) {
 
 void advance(Operand &o, const jorm_array &a, const int32_t *origin) { o.start += vec_mkloff(4, origin, a.stride); }
 
+// Where an operand's region starts; pointers are formed when it is known not to be empty.
+struct Origin {
+    const jorm_array *array = nullptr; // null: its first element
+    int32_t slot[4];
+};
+
 // The destination from the region's origin on; every slot of the size may be empty.
-void fit_destination(Operand &o, int32_t *size, const jorm_array &a, const jorm_site *roi) {
+void fit_destination(Operand &o, Origin &origin, int32_t *size, const jorm_array &a, const jorm_site *roi) {
     start(o, a, a);
     for (int i = 0; i < 3; ++i) size[i] = int32_t(a.extent[i]);
     size[3] = channels_of(a);
     if (!roi) return;
-    int32_t origin[4];
+    origin.array = &a;
     for (int i = 0; i < 4; ++i) {
         const Interval part = intersection(0, size[i], roi->origin[i], roi->size[i]);
-        origin[i] = part.origin;
+        origin.slot[i] = part.origin;
         size[i] = part.size;
     }
-    advance(o, a, origin);
 }
 
 // Cuts the common size down to what a source has from its start point on. The last source, and every one's planes,
 // offer what the start point leaves of them; the others are asked for the common size there.
-void fit_source(Operand &o, int32_t *size, const FrontSource &source, const jorm_array &dst, bool last) {
+void fit_source(Operand &o, Origin &origin, int32_t *size, const FrontSource &source, const jorm_array &dst,
+                bool last) {
     const jorm_array &a = *source.array;
     start(o, a, dst);
     if (!source.at && same_extents(a, dst)) return;
@@ -76,16 +82,15 @@ void fit_source(Operand &o, int32_t *size, const FrontSource &source, const jorm
         for (int i = 0; i < 3; ++i) size[i] = std::min(size[i], int32_t(a.extent[i]));
         return;
     }
-    int32_t origin[4];
+    origin.array = &a;
     for (int i = 0; i < 3; ++i) {
         const auto extent = int32_t(a.extent[i]);
         const bool all = last || i == 0;
         size[i] = std::min(size[i], intersection(0, extent, source.at[i], all ? extent : size[i]).size);
-        origin[i] = std::max(source.at[i], 0);
+        origin.slot[i] = std::max(source.at[i], 0);
     }
-    origin[3] = one_channel ? 0 : std::max(source.at[3], 0);
-    if (!one_channel) size[3] = std::min(size[3], channels_of(a) - std::min(origin[3], 4));
-    advance(o, a, origin);
+    origin.slot[3] = one_channel ? 0 : std::max(source.at[3], 0);
+    if (!one_channel) size[3] = std::min(size[3], channels_of(a) - std::min(origin.slot[3], 4));
 }
 
 } // namespace
@@ -119,11 +124,14 @@ int64_t negotiate(Front &front, const jorm_array *dst, const jorm_site *roi, Fro
     if (!agree(dst, source, count)) return JORM_EINVAL;
 
     Operand *operand = front.operand;
-    fit_destination(operand[0], front.size, *dst, roi);
-    if (count > 0) fit_source(operand[count], front.size, source[count - 1], *dst, true);
-    for (int i = 1; i < count; ++i) fit_source(operand[i], front.size, source[i - 1], *dst, false);
+    Origin origin[1 + max_sources];
+    fit_destination(operand[0], origin[0], front.size, *dst, roi);
+    if (count > 0) fit_source(operand[count], origin[count], front.size, source[count - 1], *dst, true);
+    for (int i = 1; i < count; ++i) fit_source(operand[i], origin[i], front.size, source[i - 1], *dst, false);
     for (const int32_t n : front.size)
         if (n < 1) return JORM_EEMPTY;
+    for (int i = 0; i <= count; ++i)
+        if (origin[i].array) advance(operand[i], *origin[i].array, origin[i].slot);
     front.first = 4 - dst->ndims;
     front.word = JORM_WORD(dst->ndims);
     return JORM_OK;

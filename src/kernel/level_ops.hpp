@@ -38,6 +38,7 @@ template <> constexpr s64 lowest<s32> = -2147483648;
 template <class T> constexpr s64 largest = 0;
 template <> constexpr s64 largest<u8> = 255;
 template <> constexpr s64 largest<s8> = 127;
+template <> constexpr s64 largest<uint16_t> = 65535;
 template <> constexpr s64 largest<s16> = 32767;
 template <> constexpr s64 largest<s32> = 2147483647;
 
@@ -68,6 +69,7 @@ template <class T> constexpr int bits = int(sizeof(T)) * 8;
 #endif
 
 template <class C> struct Unsigned { using type = C; };
+template <> struct Unsigned<s8> { using type = u8; };
 template <> struct Unsigned<s16> { using type = uint16_t; };
 template <> struct Unsigned<s32> { using type = uint32_t; };
 template <> struct Unsigned<s64> { using type = uint64_t; };
@@ -106,6 +108,17 @@ template <class D, bool Clamp, class C> [[gnu::always_inline]] inline D store(C 
         return clamp<D>(x);
     else
         return D(x);
+}
+
+// The nearest value of the type, ties to even, infinities included; NaN becomes 0 in integers.
+template <class D> [[gnu::always_inline]] inline D nearest(f64 x) {
+    if constexpr (is_real<D>)
+        return D(x);
+    else {
+        constexpr f64 lo = f64(lowest<D>), hi = f64(largest<D>);
+        x = x > lo ? x : lo == 0 || x == x ? lo : 0;
+        return D(round_s32(x < hi ? x : hi));
+    }
 }
 
 // x * 2^p for any p, of integers: the slow road for shifts to the left and very long ones.

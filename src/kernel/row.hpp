@@ -23,7 +23,9 @@ enum class ConstantRule : uint8_t {
     small,     // whole numbers of at most 24 bits
     single,    // numbers that single precision holds
     any,       // all
-    rounded    // all, rounded to nearest even
+    rounded,   // all, rounded to nearest even
+    element,   // all, as elements of the destination's type
+    factor     // all, times 2^p
 };
 
 // What is the same for every row of a call.

@@ -5,6 +5,7 @@
 #include "support/picture.hpp"
 
 #include <bit>
+#include <cfloat>
 #include <string>
 #include <tuple>
 
@@ -19,8 +20,8 @@ using Result = testing::AssertionResult;
 
 enum Layer { entry, adapter, dispatcher, kernel };
 enum Formula { add, sub, rsub, mul, divide, rdiv, neg, sqr, mla, mls, mlrs };
-enum OtherFormula { bit_and = mlrs + 1, bit_or, bit_xor, bit_not, exp_, ln, sigmoid };
-enum Rule { wraps, clamps, squares, truncates };
+enum OtherFormula { bit_and = mlrs + 1, bit_or, bit_xor, bit_not, absdiff, smaller, larger, exp_, ln, sigmoid };
+enum Rule { wraps, clamps, squares, truncates, nearest_value };
 
 struct Case;
 using Call = int64_t(const Case &c, jorm_xe *xe, uint64_t options);
@@ -32,7 +33,8 @@ struct Op {
     Fn functions[3];   // by layer
     Call *const *calls;
 
-    bool logic() const { return kind >= bit_and && kind <= bit_not; } // without p and q
+    bool one_type() const { return kind >= absdiff && kind <= larger; }
+    bool logic() const { return kind >= bit_and && kind <= larger; } // without p and q
     bool division() const { return kind == divide || kind == rdiv; }
     bool product_sum() const { return kind >= mla && kind <= mlrs; }
     bool smooth() const { return kind >= exp_; }
@@ -108,10 +110,13 @@ int64_t call(const Case &c, jorm_xe *xe, uint64_t options = 0) { return c.op->ca
 
 const char sums[] = "fff ffh ffi ffb fhh fhb fih fii fib fbb hhh hhb hbb iff ifh ifi ifb ihh ihb iih iii iib ibb bhh "
                     "bhb bbb";
-const char clamped_sums[] = "fih fii fib hhh hhb iih iii iib cbb bhh bhb bbb";
+const char clamped_sums[] = "fhh fhb fih fii fib fbb hhh hhb hbb ihh ihb iih iii iib ibb cbb bhh bhb bbb";
+const char clamped_products[] = "hhh hhb hih hii hib hbb ihh ihb iih iii iib ibb bhh bhb bih bii bib bbb",
+           nearest_products[] = "hf hh hi hb if ih ii ib bf bh bi bb";
 const char sums_c[] = "ff fh fi fb hh hb if ih ii ib bh bb", products_c[] = "ff fh fi fb hh hb if ih ii ib bh bb cb";
 const char clamped_sums_c[] = "fh fi fb hh hb ih ii ib cb bh bb", negations[] = "hh hi ii bh bi", real[] = "ff";
-const char same3[] = "hhh iii bbb", same3_f[] = "fff hhh iii bbb", same2[] = "hh ii bb", same2_f[] = "ff hh ii bb";
+const char same3[] = "hhh iii bbb", same3_f[] = "fff hhh iii bbb", same2[] = "hh ii bb",
+           same3_all[] = "ccc hhh iii bbb fff", same2_all[] = "cc hh ii bb ff", same2_f[] = "ff hh ii bb";
 const char any2[] = "ff fh fi fb hf hh hi hb if ih ii ib bf bh bi bb";
 const char mixed3[] = "bbbb bbbh bhbb bhbh bhhb bhhh hbbb hbbh hhbb hhbh hhhb hhhh ibbb ibbh ibbi ihbb ihbh ihbi ihhb "
                       "ihhh ihhi iibi iihi iiii ffff fffi fffh fffb ffif ffhf ffbf fiif fhhf fhhh fbbf fbbb";
@@ -137,6 +142,7 @@ const Op ops[] = {
     row<2, 0>("Addsq", add, squares, sums, JormAddsq, jorma_addsq, jorma__addsq),
     row<2, 0>("Subsq", sub, squares, sums, JormSubsq, jorma_subsq, jorma__subsq),
     row<2, 0>("RSubsq", rsub, squares, sums, JormRSubsq, jorma_rsubsq, jorma__rsubsq),
+    row<2, 0>("Mulq", mul, clamps, clamped_products, JormMulq, jorma_mulq, jorma__mulq),
     row<2, 0>("Div", divide, truncates, same3_f, JormDiv, jorma_div, jorma__div),
     row<2, 0>("Divr", divide, wraps, same3, JormDivr, jorma_divr, jorma__divr),
     row<2, 0>("RDiv", rdiv, truncates, same3_f, JormRDiv, jorma_rdiv, jorma__rdiv),
@@ -151,6 +157,7 @@ const Op ops[] = {
     row<1, 1>("AddsqC", add, squares, sums_c, JormAddsqC, jorma_addsqC, jorma__addsqC),
     row<1, 1>("SubsqC", sub, squares, sums_c, JormSubsqC, jorma_subsqC, jorma__subsqC),
     row<1, 1>("RSubsqC", rsub, squares, sums_c, JormRSubsqC, jorma_rsubsqC, jorma__rsubsqC),
+    row<1, 1>("MulqC", mul, nearest_value, nearest_products, JormMulqC, jorma_mulqC, jorma__mulqC),
     row<1, 1>("DivC", divide, truncates, same2_f, JormDivC, jorma_divC, jorma__divC),
     row<1, 1>("DivrC", divide, wraps, same2, JormDivrC, jorma_divrC, jorma__divrC),
     row<1, 1>("RDivC", rdiv, truncates, same2_f, JormRDivC, jorma_rdivC, jorma__rdivC),
@@ -176,6 +183,12 @@ const Op ops[] = {
     row<1, 1, false>("AndC", bit_and, wraps, same2, JormAndC, jorma_andC, jorma__andC),
     row<1, 1, false>("OrrC", bit_or, wraps, same2, JormOrrC, jorma_orrC, jorma__orrC),
     row<1, 1, false>("XorC", bit_xor, wraps, same2, JormXorC, jorma_xorC, jorma__xorC),
+    row<2, 0, false>("AbsDiff", absdiff, clamps, same3_all, JormAbsDiff, jorma_absdiff, jorma__absdiff),
+    row<2, 0, false>("Min", smaller, clamps, same3_all, JormMin, jorma_min, jorma__min),
+    row<2, 0, false>("Max", larger, clamps, same3_all, JormMax, jorma_max, jorma__max),
+    row<1, 1, false>("AbsDiffC", absdiff, clamps, same2_all, JormAbsDiffC, jorma_absdiffC, jorma__absdiffC),
+    row<1, 1, false>("MinC", smaller, clamps, same2_all, JormMinC, jorma_minC, jorma__minC),
+    row<1, 1, false>("MaxC", larger, clamps, same2_all, JormMaxC, jorma_maxC, jorma__maxC),
     row<1, 0, false>("Not", bit_not, wraps, same2, JormNot, jorma_not, jorma__not),
 };
 
@@ -199,7 +212,7 @@ uint32_t stage_of(const Op &op, std::string types) {
     const char widest =
         *std::max_element(types.begin() + 1, types.end(), [&](char a, char b) { return rank(a) < rank(b); });
     if (!served(types)) {
-        if (types[0] == 'c' || bytes(widest) <= bytes(types[0]) || op.smooth()) return 0;
+        if (types[0] == 'c' || bytes(widest) <= bytes(types[0]) || op.smooth() || op.one_type()) return 0;
         types[0] = widest;
     }
     return served(types) ? code_of(types[0]) : 0;
@@ -272,6 +285,25 @@ Wide quotient(const Value &a, const Value &b, int p, bool truncate) {
     return q + (!away ? 0 : (n < 0) == (m < 0) ? 1 : -1);
 }
 
+// An f32 or an integer: the distance, or the one of the two that comes first or last in order, -0 before 0.
+template <class T> T of_one_type(const Op &op, T a, T b) {
+    if (op.kind == absdiff) return a < b ? b - a : a - b + 0;
+    const bool a_first = a < b || (a == b && std::signbit(double(a)));
+    return a != a || (b == b && a_first != (op.kind == smaller)) ? b : a;
+}
+
+#if LDBL_MANT_DIG >= 113
+using Exact = long double;
+#else
+using Exact = __float128;
+#endif
+
+// The product with a constant, rounded once to double precision, as the nearest value of the type.
+Wide nearest_product(uint32_t type, const Value *v, int p) {
+    const double d = double(Exact(v[0].d) * Exact(v[1].d) * Exact(std::scalbn(1., p)));
+    return Wide(std::isnan(d) ? 0 : std::clamp(std::nearbyint(d), lowest(type), highest(type)));
+}
+
 // The result as an integer, of which the type keeps the low bits.
 Wide integer(const Op &op, uint32_t type, const Value *v, int p) {
     const Wide a = Wide(v[0].i), bits = std::isfinite(v[1].d) ? Wide(constant(std::nearbyint(v[1].d)).i) : INT32_MIN;
@@ -279,6 +311,8 @@ Wide integer(const Op &op, uint32_t type, const Value *v, int p) {
     if (op.kind == bit_or) return a | bits;
     if (op.kind == bit_xor) return a ^ bits;
     if (op.kind == bit_not) return ~a;
+    if (op.one_type()) return clamp(of_one_type(op, a, Wide(converted(type, v[1].d))), type);
+    if (op.rule == nearest_value) return nearest_product(type, v, p);
     if (op.division()) return quotient(v[op.kind == rdiv], v[op.kind == divide], p, op.rule == truncates);
     Value x = combined(op, v);
     if (op.rule == squares) x = x * x;
@@ -289,6 +323,7 @@ Wide integer(const Op &op, uint32_t type, const Value *v, int p) {
 }
 
 float single(const Op &op, const Value *v, int p) {
+    if (op.one_type()) return of_one_type(op, float(v[0].d), float(v[1].d));
     if (op.product_sum() && p == 0 && v[0].single && v[1].single && v[2].single) {
         const float product = float(v[0].d) * float(v[1].d), c = float(v[2].d);
         return op.kind == mla ? product + c : op.kind == mls ? product - c : c - product;

@@ -143,7 +143,8 @@ inline int overlap(int extent, int64_t from, int64_t length) {
 }
 
 // What the operands have in common: the region of the first, the destination, cut by what the others have from their
-// start points on; the last one comes first. A mask of one channel, which then is the last, stands for all.
+// start points on; the last one comes first. A negative start lets the last operand, and every one's planes, offer
+// less; elsewhere it shortens the region. A mask of one channel, which then is the last, stands for all.
 inline Region common_region(const std::vector<const jorm_array *> &arrays, const jorm_site *roi,
                             const std::vector<const int32_t *> &starts, bool masked = false) {
     Region region = {};
@@ -158,7 +159,7 @@ inline Region common_region(const std::vector<const jorm_array *> &arrays, const
             const int start = starts[i - 1] ? std::max(starts[i - 1][k], k == 3 ? 0 : INT32_MIN) : 0;
             if (k == 3 && masked && i == last && extent == 1) continue;
             region.origin[i][k] = std::max(0, start);
-            n = i == last ? std::min(n, overlap(extent, start, extent)) : overlap(extent, start, n);
+            n = i == last || k == 0 ? std::min(n, overlap(extent, start, extent)) : overlap(extent, start, n);
         }
         region.empty |= n <= 0;
     }

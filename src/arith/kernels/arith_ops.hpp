@@ -95,6 +95,30 @@ struct Orr {
 struct Xor {
     template <class C> [[gnu::always_inline]] static C of(C a, C b) { return C(a ^ b); }
 };
+// On operands of the destination's own type.
+struct AbsDiff {
+    template <class T> [[gnu::always_inline]] static T of(T a, T b) {
+        if constexpr (is_real<T>)
+            return __builtin_fabsf(a - b);
+        else {
+            using U = typename Unsigned<T>::type;
+            const T upper = a > b ? a : b, lower = a > b ? b : a;
+            const U difference = U(U(upper) - U(lower)), most = U(largest<T>);
+            return T(difference < most ? difference : most);
+        }
+    }
+};
+// The smaller or the larger one. NaN gives way; of zeros -0 is the smaller: equal numbers differ in no other bit.
+template <bool Larger> struct Extreme {
+    template <class T> [[gnu::always_inline]] static T of(T a, T b) {
+        if constexpr (is_real<T>) {
+            const uint32_t x = __builtin_bit_cast(uint32_t, a), y = __builtin_bit_cast(uint32_t, b);
+            const uint32_t chosen = (Larger ? a > b : a < b) || b != b ? x : y;
+            return __builtin_bit_cast(T, a == b ? (Larger ? x & y : x | y) : chosen);
+        } else
+            return (Larger ? a > b : a < b) ? a : b;
+    }
+};
 struct MulAdd {
     static constexpr Growth growth = Growth::product_sum;
     template <class C> [[gnu::always_inline]] static C of(C a, C b, C c) { return C(a * b + c); }

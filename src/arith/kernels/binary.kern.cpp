@@ -34,7 +34,8 @@ template <class Op, bool Clamp> struct Binary {
     }
 };
 
-template <class Op> struct Logic {
+// Operations on operands of one type.
+template <class Op> struct OneType {
     template <class D> static void plain(void *dst, const void *const *src, int64_t n, const RowParams &) {
         row2<D, D, D>(dst, src, n, [](D a, D b) { return Op::of(a, b); });
     }
@@ -98,9 +99,13 @@ TABLE(div, JORM_DIV_KERNELS, Divide<false, false>)
 TABLE(divr, JORM_DIVR_KERNELS, Divide<false, true>)
 TABLE(rdiv, JORM_DIV_KERNELS, Divide<true, false>)
 TABLE(rdivr, JORM_DIVR_KERNELS, Divide<true, true>)
-TABLE(and_, JORM_AND_KERNELS, Logic<And>)
-TABLE(orr, JORM_ORR_KERNELS, Logic<Orr>)
-TABLE(xor_, JORM_XOR_KERNELS, Logic<Xor>)
+TABLE(mulq, JORM_MULQ_KERNELS, Binary<Mul, true>)
+TABLE(absdiff, JORM_ABSDIFF_KERNELS, OneType<AbsDiff>)
+TABLE(min, JORM_MIN_KERNELS, OneType<Extreme<false>>)
+TABLE(max, JORM_MAX_KERNELS, OneType<Extreme<true>>)
+TABLE(and_, JORM_AND_KERNELS, OneType<And>)
+TABLE(orr, JORM_ORR_KERNELS, OneType<Orr>)
+TABLE(xor_, JORM_XOR_KERNELS, OneType<Xor>)
 
 } // namespace
 

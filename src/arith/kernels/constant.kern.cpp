@@ -51,8 +51,9 @@ template <class Op, bool Clamp> struct Constant {
     }
     template <class D, class A> static void scaled(void *dst, const void *const *src, int64_t n, const RowParams &p) {
         scaled_loop<D, Clamp, s128>(p, [=](auto finish) {
-            constant_row<false, 1, f64, D, A, void *>(dst, src, n, p,
-                                                      [=](A a, f64 k) { return finish(Op::of(s128(a), whole<Op::growth == Growth::square ? 62 : 92>(k))); });
+            constant_row<false, 1, f64, D, A, void *>(dst, src, n, p, [=](A a, f64 k) {
+                return finish(Op::of(s128(a), whole < Op::growth == Growth::square ? 62 : 92 > (k)));
+            });
         });
     }
     template <class D, class A> static void real(void *dst, const void *const *src, int64_t n, const RowParams &p) {
@@ -107,14 +108,26 @@ template <bool Reversed, bool Nearest> struct ConstantDivide {
     }
 };
 
-template <class Op> struct ConstantLogic {
+// Operations on operands of one type.
+template <class Op, ConstantRule rule> struct ConstantOneType {
     template <bool Uniform, class D>
     static void fast(void *dst, const void *const *src, int64_t n, const RowParams &p) {
-        constant_row<Uniform, 1, uint32_t, D, D, void *>(dst, src, n, p,
-                                                         [](D a, uint32_t k) { return Op::of(a, D(k)); });
+        using K = select<is_real<D>, f32, uint32_t>;
+        constant_row<Uniform, 1, K, D, D, void *>(dst, src, n, p, [](D a, K k) { return Op::of(a, D(k)); });
     }
     template <class D, class> static constexpr Rows rows() {
-        return {fast<true, D>, nullptr, fast<false, D>, nullptr, ConstantRule::rounded};
+        return {fast<true, D>, nullptr, fast<false, D>, nullptr, rule};
+    }
+};
+
+// Products in double precision, to the nearest value of the type.
+struct NearestProduct {
+    template <bool Uniform, class D, class A>
+    static void fast(void *dst, const void *const *src, int64_t n, const RowParams &p) {
+        constant_row<Uniform, 1, f64, D, A, void *>(dst, src, n, p, [](A a, f64 k) { return nearest<D>(f64(a) * k); });
+    }
+    template <class D, class A> static constexpr Rows rows() {
+        return {fast<true, D, A>, nullptr, fast<false, D, A>, nullptr, ConstantRule::factor};
     }
 };
 
@@ -149,9 +162,13 @@ TABLE(divC, JORM_DIV_C_KERNELS, CHANNELED_ROWS, ConstantDivide<false, false>)
 TABLE(rdivC, JORM_RDIV_C_KERNELS, CHANNELED_ROWS, ConstantDivide<true, false>)
 TABLE(divrC, JORM_DIVR_C_KERNELS, CHANNELED_ROWS, ConstantDivide<false, true>)
 TABLE(rdivrC, JORM_RDIVR_C_KERNELS, CHANNELED_ROWS, ConstantDivide<true, true>)
-TABLE(andC, JORM_AND_C_KERNELS, CHANNELED_ROWS, ConstantLogic<And>)
-TABLE(orrC, JORM_ORR_C_KERNELS, CHANNELED_ROWS, ConstantLogic<Orr>)
-TABLE(xorC, JORM_XOR_C_KERNELS, CHANNELED_ROWS, ConstantLogic<Xor>)
+TABLE(mulqC, JORM_MULQ_C_KERNELS, CHANNELED_ROWS, NearestProduct)
+TABLE(absdiffC, JORM_ABSDIFF_C_KERNELS, CHANNELED_ROWS, ConstantOneType<AbsDiff, ConstantRule::element>)
+TABLE(minC, JORM_MIN_C_KERNELS, CHANNELED_ROWS, ConstantOneType<Extreme<false>, ConstantRule::element>)
+TABLE(maxC, JORM_MAX_C_KERNELS, CHANNELED_ROWS, ConstantOneType<Extreme<true>, ConstantRule::element>)
+TABLE(andC, JORM_AND_C_KERNELS, CHANNELED_ROWS, ConstantOneType<And, ConstantRule::rounded>)
+TABLE(orrC, JORM_ORR_C_KERNELS, CHANNELED_ROWS, ConstantOneType<Orr, ConstantRule::rounded>)
+TABLE(xorC, JORM_XOR_C_KERNELS, CHANNELED_ROWS, ConstantOneType<Xor, ConstantRule::rounded>)
 TABLE(sigmoid, JORM_REAL_C_KERNELS, CHANNELED_ROWS, Sigmoid)
 
 } // namespace

@@ -116,42 +116,63 @@
     K(jorma__mul_c1_u8u8u8, u8, u8, u8)
 
 #define JORM_ADDQ_KERNELS(K) \
+    K(jorma__addq_c1_f32s16s16, f32, s16, s16) \
+    K(jorma__addq_c1_f32s16u8, f32, s16, u8) \
     K(jorma__addq_c1_f32s32s16, f32, s32, s16) \
     K(jorma__addq_c1_f32s32s32, f32, s32, s32) \
     K(jorma__addq_c1_f32s32u8, f32, s32, u8) \
+    K(jorma__addq_c1_f32u8u8, f32, u8, u8) \
     K(jorma__addq_c1_s16s16s16, s16, s16, s16) \
     K(jorma__addq_c1_s16s16u8, s16, s16, u8) \
+    K(jorma__addq_c1_s16u8u8, s16, u8, u8) \
+    K(jorma__addq_c1_s32s16s16, s32, s16, s16) \
+    K(jorma__addq_c1_s32s16u8, s32, s16, u8) \
     K(jorma__addq_c1_s32s32s16, s32, s32, s16) \
     K(jorma__addq_c1_s32s32s32, s32, s32, s32) \
     K(jorma__addq_c1_s32s32u8, s32, s32, u8) \
+    K(jorma__addq_c1_s32u8u8, s32, u8, u8) \
     K(jorma__addq_c1_s8u8u8, s8, u8, u8) \
     K(jorma__addq_c1_u8s16s16, u8, s16, s16) \
     K(jorma__addq_c1_u8s16u8, u8, s16, u8) \
     K(jorma__addq_c1_u8u8u8, u8, u8, u8)
 
 #define JORM_SUBQ_KERNELS(K) \
+    K(jorma__subq_c1_f32s16s16, f32, s16, s16) \
+    K(jorma__subq_c1_f32s16u8, f32, s16, u8) \
     K(jorma__subq_c1_f32s32s16, f32, s32, s16) \
     K(jorma__subq_c1_f32s32s32, f32, s32, s32) \
     K(jorma__subq_c1_f32s32u8, f32, s32, u8) \
+    K(jorma__subq_c1_f32u8u8, f32, u8, u8) \
     K(jorma__subq_c1_s16s16s16, s16, s16, s16) \
     K(jorma__subq_c1_s16s16u8, s16, s16, u8) \
+    K(jorma__subq_c1_s16u8u8, s16, u8, u8) \
+    K(jorma__subq_c1_s32s16s16, s32, s16, s16) \
+    K(jorma__subq_c1_s32s16u8, s32, s16, u8) \
     K(jorma__subq_c1_s32s32s16, s32, s32, s16) \
     K(jorma__subq_c1_s32s32s32, s32, s32, s32) \
     K(jorma__subq_c1_s32s32u8, s32, s32, u8) \
+    K(jorma__subq_c1_s32u8u8, s32, u8, u8) \
     K(jorma__subq_c1_s8u8u8, s8, u8, u8) \
     K(jorma__subq_c1_u8s16s16, u8, s16, s16) \
     K(jorma__subq_c1_u8s16u8, u8, s16, u8) \
     K(jorma__subq_c1_u8u8u8, u8, u8, u8)
 
 #define JORM_RSUBQ_KERNELS(K) \
+    K(jorma__rsubq_c1_f32s16s16, f32, s16, s16) \
+    K(jorma__rsubq_c1_f32s16u8, f32, s16, u8) \
     K(jorma__rsubq_c1_f32s32s16, f32, s32, s16) \
     K(jorma__rsubq_c1_f32s32s32, f32, s32, s32) \
     K(jorma__rsubq_c1_f32s32u8, f32, s32, u8) \
+    K(jorma__rsubq_c1_f32u8u8, f32, u8, u8) \
     K(jorma__rsubq_c1_s16s16s16, s16, s16, s16) \
     K(jorma__rsubq_c1_s16s16u8, s16, s16, u8) \
+    K(jorma__rsubq_c1_s16u8u8, s16, u8, u8) \
+    K(jorma__rsubq_c1_s32s16s16, s32, s16, s16) \
+    K(jorma__rsubq_c1_s32s16u8, s32, s16, u8) \
     K(jorma__rsubq_c1_s32s32s16, s32, s32, s16) \
     K(jorma__rsubq_c1_s32s32s32, s32, s32, s32) \
     K(jorma__rsubq_c1_s32s32u8, s32, s32, u8) \
+    K(jorma__rsubq_c1_s32u8u8, s32, u8, u8) \
     K(jorma__rsubq_c1_s8u8u8, s8, u8, u8) \
     K(jorma__rsubq_c1_u8s16s16, u8, s16, s16) \
     K(jorma__rsubq_c1_u8s16u8, u8, s16, u8) \
@@ -182,6 +203,47 @@
     K(jorma__xor_c1_s16s16s16, s16, s16, s16) \
     K(jorma__xor_c1_s32s32s32, s32, s32, s32) \
     K(jorma__xor_c1_u8u8u8, u8, u8, u8)
+
+#define JORM_MULQ_KERNELS(K) \
+    K(jorma__mulq_c1_s16s16s16, s16, s16, s16) \
+    K(jorma__mulq_c1_s16s16u8, s16, s16, u8) \
+    K(jorma__mulq_c1_s16s32s16, s16, s32, s16) \
+    K(jorma__mulq_c1_s16s32s32, s16, s32, s32) \
+    K(jorma__mulq_c1_s16s32u8, s16, s32, u8) \
+    K(jorma__mulq_c1_s16u8u8, s16, u8, u8) \
+    K(jorma__mulq_c1_s32s16s16, s32, s16, s16) \
+    K(jorma__mulq_c1_s32s16u8, s32, s16, u8) \
+    K(jorma__mulq_c1_s32s32s16, s32, s32, s16) \
+    K(jorma__mulq_c1_s32s32s32, s32, s32, s32) \
+    K(jorma__mulq_c1_s32s32u8, s32, s32, u8) \
+    K(jorma__mulq_c1_s32u8u8, s32, u8, u8) \
+    K(jorma__mulq_c1_u8s16s16, u8, s16, s16) \
+    K(jorma__mulq_c1_u8s16u8, u8, s16, u8) \
+    K(jorma__mulq_c1_u8s32s16, u8, s32, s16) \
+    K(jorma__mulq_c1_u8s32s32, u8, s32, s32) \
+    K(jorma__mulq_c1_u8s32u8, u8, s32, u8) \
+    K(jorma__mulq_c1_u8u8u8, u8, u8, u8)
+
+#define JORM_ABSDIFF_KERNELS(K) \
+    K(jorma__absdiff_c1_f32f32f32, f32, f32, f32) \
+    K(jorma__absdiff_c1_s16s16s16, s16, s16, s16) \
+    K(jorma__absdiff_c1_s32s32s32, s32, s32, s32) \
+    K(jorma__absdiff_c1_s8s8s8, s8, s8, s8) \
+    K(jorma__absdiff_c1_u8u8u8, u8, u8, u8)
+
+#define JORM_MIN_KERNELS(K) \
+    K(jorma__min_c1_f32f32f32, f32, f32, f32) \
+    K(jorma__min_c1_s16s16s16, s16, s16, s16) \
+    K(jorma__min_c1_s32s32s32, s32, s32, s32) \
+    K(jorma__min_c1_s8s8s8, s8, s8, s8) \
+    K(jorma__min_c1_u8u8u8, u8, u8, u8)
+
+#define JORM_MAX_KERNELS(K) \
+    K(jorma__max_c1_f32f32f32, f32, f32, f32) \
+    K(jorma__max_c1_s16s16s16, s16, s16, s16) \
+    K(jorma__max_c1_s32s32s32, s32, s32, s32) \
+    K(jorma__max_c1_s8s8s8, s8, s8, s8) \
+    K(jorma__max_c1_u8u8u8, u8, u8, u8)
 
 #define JORM_ADD_C_KERNELS(K) \
     K(jorma__addC_c1_f32f32f32, f32, f32, f32) \
@@ -410,6 +472,41 @@
     K(jorma__xorC_c4_s16s16, 4, s16, s16) \
     K(jorma__xorC_c4_s32s32, 4, s32, s32) \
     K(jorma__xorC_c4_u8u8, 4, u8, u8)
+
+#define JORM_MULQ_C_KERNELS(K) \
+    K(jorma__mulqC_c1_s16f32, 1, s16, f32) \
+    K(jorma__mulqC_c1_s16s16, 1, s16, s16) \
+    K(jorma__mulqC_c1_s16s32, 1, s16, s32) \
+    K(jorma__mulqC_c1_s16u8, 1, s16, u8) \
+    K(jorma__mulqC_c1_s32f32, 1, s32, f32) \
+    K(jorma__mulqC_c1_s32s16, 1, s32, s16) \
+    K(jorma__mulqC_c1_s32s32, 1, s32, s32) \
+    K(jorma__mulqC_c1_s32u8, 1, s32, u8) \
+    K(jorma__mulqC_c1_u8f32, 1, u8, f32) \
+    K(jorma__mulqC_c1_u8s16, 1, u8, s16) \
+    K(jorma__mulqC_c1_u8s32, 1, u8, s32) \
+    K(jorma__mulqC_c1_u8u8, 1, u8, u8)
+
+#define JORM_ABSDIFF_C_KERNELS(K) \
+    K(jorma__absdiffC_c1_f32f32, 1, f32, f32) \
+    K(jorma__absdiffC_c1_s16s16, 1, s16, s16) \
+    K(jorma__absdiffC_c1_s32s32, 1, s32, s32) \
+    K(jorma__absdiffC_c1_s8s8, 1, s8, s8) \
+    K(jorma__absdiffC_c1_u8u8, 1, u8, u8)
+
+#define JORM_MIN_C_KERNELS(K) \
+    K(jorma__minC_c1_f32f32, 1, f32, f32) \
+    K(jorma__minC_c1_s16s16, 1, s16, s16) \
+    K(jorma__minC_c1_s32s32, 1, s32, s32) \
+    K(jorma__minC_c1_s8s8, 1, s8, s8) \
+    K(jorma__minC_c1_u8u8, 1, u8, u8)
+
+#define JORM_MAX_C_KERNELS(K) \
+    K(jorma__maxC_c1_f32f32, 1, f32, f32) \
+    K(jorma__maxC_c1_s16s16, 1, s16, s16) \
+    K(jorma__maxC_c1_s32s32, 1, s32, s32) \
+    K(jorma__maxC_c1_s8s8, 1, s8, s8) \
+    K(jorma__maxC_c1_u8u8, 1, u8, u8)
 
 #define JORM_MLA_KERNELS(K) \
     K(jorma__mla_c1_u8u8u8u8, u8, u8, u8, u8) \
