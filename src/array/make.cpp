@@ -1,4 +1,5 @@
 // Descriptors of whole buffers and views of them, as callers usually want them.
+#include "array/parent.hpp"
 #include "array/region.hpp"
 #include "array/vec.hpp"
 #include "jorm/array.h"
@@ -45,25 +46,12 @@ void own_parent(jorm_array &a) {
     if (a.loff == 0 && vec_equal(4, parent, nullptr)) std::memcpy(a.parent_extent, a.extent, sizeof a.extent);
 }
 
-// Does the linear offset tell where in the parent the view lies?
-bool stands_in_parent(const jorm_array &view) {
-    int32_t index[4];
-    vec_fromloff(4, index, view.stride, view.loff);
-    bool inside = true;
-    for (int i = 0; i < 4; ++i) {
-        const bool channels = i == 3;
-        const int64_t n = channels ? stored_channels(view.extent[i]) : int32_t(view.extent[i]);
-        const int64_t all = channels ? stored_channels(view.parent_extent[i]) : int32_t(view.parent_extent[i]);
-        inside = inside && index[i] >= 0 && index[i] + n <= all;
-    }
-    return inside;
-}
-
 // Lets the view start `loff` bytes from its base. Where that cannot be told in its parent, it becomes a whole array.
 void place(jorm_array &view, int64_t loff) {
     if (fits(loff)) {
         view.loff = int32_t(loff);
-        if (stands_in_parent(view)) return;
+        int64_t index[4], extent[3];
+        if (ParentIndex(view).find(index, extent)) return;
     }
     view.base = static_cast<char *>(view.base) + loff;
     view.loff = 0;

@@ -1,10 +1,10 @@
 #include "filter/chain.hpp"
 
+#include "array/parent.hpp"
 #include "filter/shape.hpp"
 #include "jorm/filter.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace jorm {
 namespace {
@@ -17,60 +17,6 @@ bool valid_window(const jorm_seshape &s, int first) {
         if (s.extent[i] < 1 || s.anchor[i] < 0 || s.anchor[i] >= s.extent[i]) return false;
     return true;
 }
-
-// The index of a view's first element in the buffer that it is a view of. `base` is the buffer's first element in the
-// order of the strides, or its lowest byte (a bottom-up picture that is described from its memory's start on). An
-// offset is taken apart from the widest stride to the narrowest so that what remains lies within the inner axes.
-class ParentIndex {
-public:
-    explicit ParentIndex(const jorm_array &a) : a_(a) {
-        for (int i = 0; i < 4; ++i) {
-            extent_[i] = i < 3 ? int32_t(a.parent_extent[i]) : stored_channels(a.parent_extent[3] & 15);
-            view_[i] = i < 3 ? int32_t(a.extent[i]) : stored_channels(a.extent[3] & 15);
-        }
-    }
-    bool find(int64_t *index, int64_t *extent) const {
-        for (const bool from_lowest : {false, true}) {
-            if (!take_apart(index, from_lowest)) continue;
-            for (int i = 0; i < 3; ++i) extent[i] = extent_[i];
-            return true;
-        }
-        return false;
-    }
-
-private:
-    bool take_apart(int64_t *index, bool from_lowest) const {
-        const int first = 4 - a_.ndims;
-        int order[4], n = 0;
-        for (int i = first; i < 4; ++i) order[n++] = i;
-        std::stable_sort(order, order + n, [&](int i, int j) { return width(i) > width(j); });
-        int64_t rest = a_.loff;
-        for (int k = 0; k < n; ++k) {
-            const int i = order[k];
-            index[i] = 0;
-            if (extent_[i] == 1 && view_[i] == 1) continue;
-            const int64_t step = from_lowest ? width(i) : a_.stride[i];
-            int64_t low = 0, high = 0; // what the inner axes span
-            for (int m = k + 1; m < n; ++m) {
-                const int64_t inner = from_lowest ? width(order[m]) : a_.stride[order[m]];
-                ((inner < 0) ? low : high) += (extent_[order[m]] - 1) * inner;
-            }
-            int64_t q = 0;
-            if (step > 0) q = floor_div(rest - low, step);
-            if (step < 0) q = floor_div(high - rest, -step);
-            rest -= q * step;
-            index[i] = from_lowest && a_.stride[i] < 0 ? extent_[i] - 1 - q : q;
-            if (index[i] < 0 || index[i] + view_[i] > extent_[i]) return false;
-        }
-        for (int i = 0; i < first; ++i) index[i] = 0;
-        return rest == 0;
-    }
-    int64_t width(int i) const { return std::llabs(a_.stride[i]); }
-    static int64_t floor_div(int64_t a, int64_t b) { return a >= 0 ? a / b : -((-a + b - 1) / b); }
-
-    const jorm_array &a_;
-    int64_t extent_[4], view_[4];
-};
 
 } // namespace
 
@@ -165,7 +111,7 @@ int64_t WindowFront::make(WindowCall &c, const jorm_seshape &shape) const {
     if (status != JORM_OK) return status;
     if (front_.size[3] == stored_channels(src_->extent[3] & 15)) c.code = src_->extent[3];
     jorm_site sites[2] = {};
-    int64_t index[3] = {}, extent[3] = {};
+    int64_t index[4] = {}, extent[3] = {};
     const bool view = ParentIndex(*src_).find(index, extent);
     for (int i = front_.first; i < spatial_axes; ++i) {
         sites[0].origin[i] = -origin_[i];
