@@ -173,6 +173,172 @@ TEST_F(Convert, NarrowsInPlace) {
     }
 }
 
+// ---- By a gain and an offset ----
+
+const uint32_t gain_types[] = {JORM_U8, JORM_S8, JORM_U16, JORM_S16, JORM_S32, JORM_F32};
+
+double load_any(uint32_t type, const void *p) {
+    uint16_t v;
+    return type == JORM_U16 ? (std::memcpy(&v, p, sizeof v), v) : load(type, p);
+}
+
+// src * gain + offset as promised.
+double gained(uint32_t type, double x, double gain, double offset) {
+    const double product = x * gain, y = product + offset;
+    if (type == JORM_F32) return float(y);
+    return std::isnan(y) ? 0 : std::clamp(std::nearbyint(y), lowest(type), highest(type));
+}
+
+TEST_F(Convert, GainsInEveryLayout) {
+    static const double odd[] = {0, -1, 1e9, -1e300, inf, -inf, nan, 0.5, 1};
+    for (uint32_t d : gain_types)
+        for (uint32_t s : gain_types)
+            for (int round = 0; round < 20; ++round) {
+                const int ndims = round % 5 == 4 ? 4 : 3;
+                const Index extent = {ndims == 4 ? 3 : 1, r.in(1, 4), round % 3 ? r.in(1, 70) : r.in(300, 2300),
+                                      r.in(1, 4)};
+                Picture src = picture(s, extent, ndims), dst = picture(d, extent, ndims);
+                double gain[4], offset[4];
+                for (int c = 0; c < 4; ++c) {
+                    const double spread = highest(d) / (highest(s) + 1), tie = double(r.in(-9, 9)) / 2;
+                    gain[c] = c && round % 2 ? gain[0] : d == JORM_F32 || s == JORM_F32 ? tie / 7 : tie * spread;
+                    offset[c] = c && round % 2 ? offset[0] : tie;
+                    if (round % 7 == 6) (r.one_in(2) ? gain : offset)[c] = r.of(odd);
+                }
+                const bool no_gain = round % 11 == 5, no_offset = round % 4 == 1;
+                Bytes reference;
+                const Bytes before = dst.memory;
+                for (int level = 0; level < jorm::level_count; ++level) {
+                    use_level(level);
+                    std::copy(before.begin(), before.end(), dst.memory.begin());
+                    ASSERT_EQ(JormGain(nullptr, 0, &dst.a, &src.a, no_gain ? nullptr : gain,
+                                       no_offset ? nullptr : offset, nullptr, nullptr),
+                              0);
+                    each(extent, [&](const Index &i) {
+                        const double x = load_any(s, src.at(i)), got = load_any(d, dst.at(i));
+                        const double wish = gained(d, x, no_gain ? 1 : gain[i[3]], no_offset ? 0 : offset[i[3]]);
+                        ASSERT_TRUE(d == JORM_F32 ? same(got, wish) : got == wish)
+                            << d << " <- " << s << " level " << level << " of " << x << " * " << gain[i[3]] << " + "
+                            << offset[i[3]] << ": " << got << ", not " << wish;
+                    });
+                }
+            }
+}
+
+TEST_F(Convert, GainRegionsAndStatuses) {
+    Picture src = picture(JORM_S16, {1, 4, 6, 3}), dst = picture(JORM_U8, {1, 4, 6, 3});
+    const Picture before = picture(JORM_U8, {1, 4, 6, 3});
+    const jorm_site roi = {{0, 1, 2, 1}, {1, 9, 3, 2}};
+    const double gain[] = {0.25, -3};
+    const int32_t at[4] = {0, 2, 0, 1}, past[4] = {0, 4, 0, 0};
+    ASSERT_EQ(JormGain(xe, 0, &dst.a, &src.a, gain, nullptr, &roi, at), 0);
+    each({1, 2, 3, 2}, [&](const Index &i) {
+        EXPECT_EQ(dst.get(sum(i, {0, 1, 2, 1})), gained(JORM_U8, src.get(sum(i, {0, 2, 0, 1})), gain[i[3]], 0));
+    });
+    Picture twin = picture(JORM_F32, {2, 2, 5, 1}, 4), flat = picture(JORM_F32, {1, 2, 5, 1});
+    const jorm_site plane = {{1, 0, 0, 0}, {1, 2, 5, 1}};
+    ASSERT_EQ(JormGain(nullptr, 0, &twin.a, &flat.a, gain, nullptr, &plane, nullptr), 0);
+    EXPECT_TRUE(same(twin.get({1, 1, 4, 0}), gained(JORM_F32, flat.get({0, 1, 4, 0}), 0.25, 0)));
+    const Bytes memory = dst.memory;
+    const auto typed = [&](uint32_t d, uint32_t s, uint16_t ndims = 3) {
+        jorm_array a = dst.a, b = src.a;
+        a.eltype = d, b.eltype = s, a.ndims = b.ndims = ndims;
+        for (jorm_array *x : {&a, &b}) x->base = dst.memory.data(), x->loff = 0, x->stride[1] = x->stride[2] = 0;
+        a.stride[3] = b.stride[3] = a.stride[0] = b.stride[0] = 8;
+        return JormGain(xe, 0, &a, &b, gain, nullptr, nullptr, nullptr);
+    };
+    expect_each(JORM_EINVAL, {typed(0, JORM_U8), typed(JORM_U8, 5), typed(300, JORM_F64), typed(0, JORM_F64, 4),
+                              JormGain(xe, 0, nullptr, &src.a, gain, nullptr, nullptr, nullptr),
+                              JormTGAgain(xe, 0, nullptr, JORM_WORD(3), &at[1], JORM_U8, dst.at({}), dst.a.stride + 1,
+                                          JORM_S16, src.at({}), src.a.stride + 1),
+                              jorma__gain(xe, 0, JORM_WORD(3), &at[1], JORM_U8, nullptr, dst.a.stride + 1, JORM_S16,
+                                          src.at({}), src.a.stride + 1, gain, nullptr)});
+    expect_each(JORM_ENOTSUP, {typed(JORM_F64, JORM_F64), typed(JORM_U8, JORM_U32), typed(JORM_U8, 15, 4)});
+    EXPECT_EQ(JormGain(xe, 0, &dst.a, &src.a, gain, nullptr, nullptr, past), JORM_EEMPTY);
+    EXPECT_EQ(memory, dst.memory);
+}
+
+// ---- In the source's own memory ----
+
+// Destinations at the start of sources at least as wide, in any layout: what is served is right, what needs scratch
+// memory is refused without an environment.
+TEST_F(Convert, IntoTheStartOfTheSource) {
+    enum { plain, scales, ranges, gains, ways };
+    const double scale[] = {1, 0.5, 1, 0.25}, offset[] = {3, 0, -2, 1};
+    int served[2] = {};
+    for (uint32_t d : types)
+        for (uint32_t s : types)
+            for (int round = 0; round < 250 && bytes_of(d) <= bytes_of(s); ++round) {
+                const int way = round % ways, ndims = r.one_in(4) ? 4 : 3;
+                const Index extent = {ndims == 4 ? r.in(1, 3) : 1, r.in(1, 4), r.one_in(9) ? r.in(90, 900) : r.in(1, 9),
+                                      r.in(1, 4)};
+                Picture src(r, s, extent, r.one_in(3), ndims), model(r, d, extent, true, ndims);
+                auto [a, span] = lay_out(r, d, ndims, extent, r.one_in(3));
+                if (a.loff) continue; // reversed axes begin at their end
+                src.fill([&] { return r.in(-300, 600) / (s == JORM_F32 ? 4. : 1.); });
+                a.base = src.at({}), a.eltype = d;
+                const int64_t room = int64_t(src.memory.data() + src.memory.size() - static_cast<uint8_t *>(a.base));
+                if (span > room) continue;
+                jorm_site site = {{0, r.in(0, 1), r.in(0, 2), r.in(0, 1)}, {9, 9, 900, r.in(1, 4)}};
+                const jorm_site *const roi = r.one_in(2) ? &site : nullptr;
+                use_level(round / ways % jorm::level_count);
+                const auto run = [&](jorm_xe *env, const jorm_array *dst) {
+                    vrng to[4], from[4];
+                    for (int c = 0; c < 4; ++c) to[c] = {1, 100.5}, from[c] = {0, 200};
+                    const int32_t *const at = roi ? roi->origin : nullptr;
+                    if (way == gains) return JormGain(env, 0, dst, &src.a, scale, offset, roi, at);
+                    if (way == scales) return JormConvert(env, 0, dst, &src.a, roi, at, scale, offset, from);
+                    const bool by_range = way == ranges;
+                    return JormVConvert(env, 0, dst, &src.a, roi, at, by_range ? to : nullptr,
+                                        by_range ? from : nullptr);
+                };
+                const Bytes before = src.memory;
+                const int64_t status = run(xe, &model.a);
+                ASSERT_EQ(before, src.memory);
+                const int64_t bare = run(nullptr, &a);
+                ++served[bare == status];
+                if (bare != status) {
+                    ASSERT_EQ(bare, JORM_EINVAL);
+                    ASSERT_EQ(before, src.memory);
+                    ASSERT_EQ(run(xe, &a), status);
+                }
+                if (status != JORM_OK) continue;
+                const Index first = roi ? Index{0, site.origin[1], site.origin[2], site.origin[3]} : Index{};
+                Index size = extent;
+                for (size_t k = 1; k < 4 && roi; ++k) size[k] = std::min(extent[k] - first[k], site.size[k]);
+                each(size, [&](const Index &i) {
+                    const Index at = sum(i, first);
+                    ASSERT_TRUE(same(load(d, element(a, at)), model.get(at)))
+                        << d << " <- " << s << " way " << way << " round " << round << " at " << i[0] << " " << i[1]
+                        << " " << i[2] << " " << i[3] << ": " << load(d, element(a, at)) << ", not " << model.get(at);
+                });
+            }
+    EXPECT_TRUE(served[0] > 100 && served[1] > 100) << served[0] << " " << served[1];
+}
+
+TEST_F(Convert, RefusedCallsKeepTheRange) {
+    Picture src = picture(JORM_U8, {1, 2, 3, 1}), dst = picture(JORM_U8, {1, 2, 3, 1});
+    jorm_array wrong = dst.a;
+    wrong.eltype = JORM_U16, wrong.stride[1] = 8, wrong.stride[2] = wrong.stride[3] = 2;
+    wrong.base = dst.memory.data(), wrong.loff = 0;
+    const Index size = {1, 2, 3, 1};
+    for (int way = 0; way < 4; ++way) {
+        vrng range = {nan, 5};
+        const jorm_vconvert_params params = {&range, nullptr};
+        const Index zero = {};
+#define FLAT JORM_WORD(3), &size[1], JORM_U16, wrong.base
+#define SOURCE src.a.eltype, src.at({})
+        const int64_t status =
+            way == 0   ? JormVConvert(xe, 0, &wrong, &src.a, nullptr, nullptr, &range, nullptr)
+            : way == 1 ? JormTGAvconvert(xe, 0, &params, FLAT, wrong.stride + 1, SOURCE, src.a.stride + 1)
+            : way == 2 ? jorma__vconvert(xe, 0, FLAT, wrong.stride + 1, SOURCE, src.a.stride + 1, &range, nullptr)
+                       : jorma_vconvert(xe, 0, FLAT, &zero[1], wrong.stride + 1, SOURCE, &zero[1], src.a.stride + 1,
+                                        &range, nullptr);
+        EXPECT_EQ(status, JORM_ENOTSUP) << way;
+        EXPECT_TRUE(std::isnan(range.lo) && range.hi == 5) << way;
+    }
+}
+
 TEST_F(Convert, Statuses) {
     Picture a = picture(JORM_U8, {1, 3, 5, 1}), b = picture(JORM_S16, {1, 3, 5, 1}),
             c3 = picture(JORM_U8, {1, 3, 5, 3});

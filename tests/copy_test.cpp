@@ -313,6 +313,39 @@ TEST_F(Copies, Lengths) {
             }
 }
 
+// Slices of which only a later one needs scratch memory.
+TEST_F(Copies, RefusedBeforeAnythingIsWritten) {
+    new_round(0);
+    int refused = 0;
+    for (int i = 0; i < 20000; ++i) {
+        const int32_t extent[] = {r.in(1, 4), r.in(1, 5), r.in(1, 2)};
+        const auto strides = [&] { return Index{r.in(-14, 14), r.in(-5, 5), r.in(1, 2), 0}; };
+        const Index to = i ? strides() : Index{12, 3, 1, 0}, from = i ? strides() : Index{4, 1, 1, 0};
+        const int32_t first[] = {2, 4, 1};
+        jorm_array d, s;
+        _jorm_array__$xtrn(&d, JORM_U8, 3, i ? extent : first, to.data(), &buffers[0][i ? 1000 : 8]);
+        _jorm_array__$xtrn(&s, JORM_U8, 3, i ? extent : first, from.data(), &buffers[0][i ? 1000 + r.in(-30, 30) : 20]);
+        const Bytes memory = buffers[0];
+        if (JormCopy(nullptr, 0, &d, &s, nullptr, nullptr) == JORM_OK) continue;
+        ++refused;
+        ASSERT_EQ(memory, buffers[0]) << i;
+    }
+    EXPECT_GT(refused, 1000);
+}
+
+// Start points and regions far outside form no pointers.
+TEST_F(Copies, EmptyRegionsOfAnyStride) {
+    jorm_array a, d;
+    uint8_t memory[16] = {};
+    const int32_t one[] = {1, 1, 1}, steep[] = {INT32_MIN, INT32_MIN, INT32_MIN};
+    _jorm_array__$xtrn(&a, JORM_U8, 3, one, steep, memory);
+    _jorm_array__$xtrn(&d, JORM_U8, 3, one, steep, memory + 8);
+    const int32_t far[4] = {0, INT32_MAX, INT32_MAX, INT32_MAX};
+    const jorm_site site = {{0, INT32_MAX, INT32_MAX, INT32_MAX}, {1, 1, 1, 1}};
+    EXPECT_EQ(JormCopy(nullptr, 0, &d, &a, nullptr, far), JORM_EEMPTY);
+    EXPECT_EQ(JormCopy(nullptr, 0, &d, &a, &site, nullptr), JORM_EEMPTY);
+}
+
 TEST_F(Copies, Statuses) {
     Bytes memory(4096, 5);
     const auto array = [&](uint32_t type, uint32_t channels, uint16_t ndims = 3) {

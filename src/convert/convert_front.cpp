@@ -141,8 +141,11 @@ int64_t front(uint32_t opcode, jorm_xe *xe, uint64_t options, const jorm_array *
     if (dst->ndims < 4) return m.done(run(m, whole), code);
     int32_t types;
     if (jorma__tcvtfun_imp(whole.dst.type, whole.src.type, &types); types != JORM_OK) return types;
-    Detached kept; // planes may get in each other's way too
-    if (const int64_t status = keep_source(kept, xe, options, 4, f.size, f.size[3], whole.dst, whole.src, true);
+    // Planes may get in each other's way too, and no piece may be refused after another one has run.
+    Detached kept;
+    const Operand operands[] = {whole.dst, whole.src};
+    const bool one_pass = m.kind != Mapping::constants && channels_fold(f.shape(), operands, 2);
+    if (const int64_t status = keep_source(kept, xe, options, 4, f.size, f.size[3], whole.dst, whole.src, one_pass);
         status != JORM_OK)
         return status;
     jorm_pack pack;

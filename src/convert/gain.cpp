@@ -78,7 +78,9 @@ JORM_API int64_t JormGain(jorm_xe *xe, uint64_t options, const jorm_array *dst, 
     int line;
     if (const int64_t status = check_types(line, to.type, from.type); status != JORM_OK) return status;
     Detached kept; // planes may get in each other's way too
-    if (const int64_t status = keep_source(kept, xe, options, 4, f.size, f.size[3], to, from, true); status != JORM_OK)
+    const bool one_pass = channels_fold(f.shape(), f.operand, 2);
+    if (const int64_t status = keep_source(kept, xe, options, 4, f.size, f.size[3], to, from, one_pass);
+        status != JORM_OK)
         return status;
     const jorm_gain_params params = {gain, offset};
     jorm_pack pack;

@@ -29,6 +29,7 @@ struct Front {
 
     const int32_t *sizes() const { return size + first; }
     int axes() const { return 4 - first; }
+    Shape shape() const { return {axes(), size[1], size[2], size[3], 0}; }
 };
 
 // Checks the destination and the sources, negotiates the region and fills the front. A null first source means the
