@@ -12,9 +12,18 @@
  *   channels. `at` is the point (four slots) where the source's region starts, null for its first element. The
  *   operation covers what all operands offer: a source that ends early shortens it. When nothing is left the status is
  *   JORM_EEMPTY.
+ *   What a region names outside the destination is cut off: origin (0, -1, 0, 0) with 3 rows leaves rows 0 and 1, and
+ *   `at` belongs to the first row that is left. A negative at[i] counts as 0 but takes its amount off: from the region
+ *   (-1 and 5 rows leave 4), for the last source of the call and for planes from what the source offers (-1 of 9 rows
+ *   leaves 8 at most).
  * In place. A null first source means the destination; with a null `at` its region then starts at the origin of `roi`.
- *   A source may also be the destination itself. The results of other overlaps are unspecified.
- * Constants are arrays of double, one for each stored channel.
+ *   A source may also be the destination itself: its region too starts at `at`, and null is its first element, not the
+ *   origin of `roi`. For a region from row 10 on,
+ *       JormAddC(xe, 0, &a, NULL, constant, &roi, NULL, 0, 0)         changes the rows from 10 on in place,
+ *       JormAddC(xe, 0, &a, &a, constant, &roi, roi.origin, 0, 0)     does the same,
+ *       JormAddC(xe, 0, &a, &a, constant, &roi, NULL, 0, 0)           takes its source from row 0 on: an overlap.
+ *   The results of other overlaps than in place are unspecified.
+ * Constants are arrays of double, one for each channel of the region, from its first one on.
  * p scales: the exact result is multiplied by 2^p before it is rounded to nearest even and stored (p = 0: no scaling;
  *   JormDiv and JormRDiv truncate instead). q is reserved; give 0.
  * Environment. Null will do where the destination is as wide as the sources. A narrower destination is served through a
@@ -30,7 +39,8 @@
  * - f32: the exact result rounded once to single precision, wherever double precision holds it. The product and the sum
  *   of three f32 operands (constants that single precision holds included) are rounded one after the other.
  * - A destination narrower than the widest source, for a combination without a kernel of its own: the result in the
- *   type of that source, stored as above, then converted (rounded to nearest even, clamped).
+ *   type of that source, stored as above, then converted (rounded to nearest even, clamped). So u8 and s16 from s32 or
+ *   f32 sources are clamped in plain operations too, where u8 from u8 and s16 wraps.
  * - The same bits on every processor, with the vectorised kernels on or off (of NaN, only that it is one).
  */
 #ifndef JORM_ARITH_H
@@ -38,15 +48,39 @@
 
 #include "jorm/types.h"
 
-/* ---- Two sources: u8, s16, s32, f32 in any mixture ----
+/* ---- Two sources ----
  *
  *   JormAdd, JormSub, JormMul   src1 + src2, src1 - src2, src1 * src2
  *   JormRSub                    src2 - src1
- *   JormAddq, Subq, RSubq       the same, clamped; integer sources (destination u8, s8, s16, s32, or f32 from s32)
+ *   JormAddq, Subq, RSubq       the sums and differences, clamped
+ *   JormMulq                    the product, clamped
  *   JormAddsq, Subsq, RSubsq    the squares (a + b)^2, (a - b)^2, clamped
- *   JormDiv, JormRDiv           src1 / src2, src2 / src1, truncated toward zero; equal types u8, s16, s32, f32
- *   JormDivr, JormRDivr         the same to nearest even; u8, s16, s32. An integer divided by 0 gives 0; f32 division
- *                               follows IEEE 754
+ *   JormDiv, JormRDiv           src1 / src2, src2 / src1, truncated toward zero
+ *   JormDivr, JormRDivr         the same to nearest even. An integer divided by 0 gives 0
+ *
+ * Types, and how integers are stored:
+ *
+ *   operation                    destination   sources                                     p = 0
+ *   Add, Sub, RSub, Mul          u8            u8, s16 in any mixture                      wraps
+ *                                s16           u8, s16                                     wraps
+ *                                s32           u8, s16, s32, f32                           wraps
+ *                                f32           u8, s16, s32, f32                           rounded once
+ *                                u8, s16       with an s32 or f32 among them               in that type, then clamped
+ *   Addq, Subq, RSubq            u8            u8, s16                                     clamped
+ *                                s8            u8                                          clamped
+ *                                s16           u8, s16                                     clamped
+ *                                s32, f32      u8, s16, s32                                clamped
+ *                                u8, s16       with an s32 among them                      in s32, then clamped
+ *   Mulq                         u8, s16, s32  u8, s16, s32 in any mixture                 clamped, rounded once
+ *   Addsq, Subsq, RSubsq         as for Add                                                clamped
+ *   Div, RDiv                    u8, s16, s32  both of the destination's type              truncated
+ *                                f32           f32                                         IEEE 754, not truncated
+ *                                u8, s16       both of one wider type                      in that type, then clamped
+ *   Divr, RDivr                  u8, s16, s32  both of the destination's type              to nearest even
+ *                                u8, s16       both of one wider integer type              in that type, then clamped
+ *
+ * Quotients of f32 sources are f32 numbers: they are never truncated, and a narrower destination gets them rounded to
+ * nearest.
  */
 JORM_API int64_t JormAdd(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src1,
                          const jorm_array *src2, const jorm_site *roi, const int32_t *at1, const int32_t *at2,
@@ -97,8 +131,10 @@ JORM_API int64_t JormRDivr(jorm_xe *xe, uint64_t options, const jorm_array *dst,
 /* ---- One source and a constant for each channel ----
  *
  * The forms above with src2 = constant (JormRSubC: constant - src, JormRDivC: constant / src). Any constant serves;
- * results of whole ones are exact. JormSigmoidAlpha: 1 / (1 + exp(-constant * src)), f32, within 2 units in the last
- * place.
+ * results of whole ones are exact. JormMulqC serves u8,
+ * s16, s32 from u8, s16, s32, f32: the product with constant * 2^p is rounded once to double, then to nearest even and
+ * clamped; infinities go by their sign, NaN becomes 0. JormSigmoidAlpha: 1 / (1 + exp(-constant * src)), f32, within 2
+ * units in the last place.
  */
 JORM_API int64_t JormAddC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
                           const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);

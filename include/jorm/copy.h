@@ -1,8 +1,8 @@
 /* libJorm: copies, plain, under a mask and with a border around them; fills; memory kernels.
  *
  * Region. `roi` is a site in coordinates of the destination, null for all of it. `at` is the point (four slots) where
- *   the source's region starts, null for its first element; `at_mask` the same for a mask. The operation covers what all
- *   operands offer, planes included: a source that ends early shortens it. When nothing is left the status is
+ *   the source's region starts, null for its first element; `at_mask` the same for a mask. The operation covers what
+ * all operands offer, planes included: a source that ends early shortens it. When nothing is left the status is
  *   JORM_EEMPTY. The channel slot of the region may narrow the channels; channel i of the region is then channel
  *   at[3] + i of the source, of a mask with as many channels at_mask[3] + i, and values[i] belongs to it.
  * Operands. Arrays have three or four axes and 1 to 4 channels, the same number in source and destination; a source of
@@ -11,19 +11,22 @@
  *   JORM_EINVAL).
  * Types. Copies move every type that has a size, the 64-bit ones included. Source and destination have the same type.
  *   Fills serve u8, s8, u16, s16, u32, s32 and f32.
- * Values are arrays of double, one for each channel; null stands for zeros. They are converted by jorm_mkifillvalv16
- *   (jorm/shapes.h): rounded to nearest even, clamped to the type.
- * Masks have u8 or s8 elements and either one channel, which decides about whole pixels, or as many as the image, which
- *   decide one by one. A mask selects where its byte differs from 0; with JORM_OPT_MASK_INVERT, where it differs from
- *   255.
- * Overlap. Copies behave as if the source, and the mask, were read before anything is written, whatever the layouts. A
- *   null source means the destination; with a null `at` its region then starts at the origin of `roi`.
+ *   Ill-formed codes (0, 5 to 8, above 15) give JORM_EINVAL; code 15, which has no size, and in fills the 64-bit types
+ *   JORM_ENOTSUP. Channel codes that do not store 1 to 4 channels (0, 5 to 7, 12 and more) give JORM_EINVAL in every
+ *   layer; JORM_ENOTSUP never comes from channels.
+ * Values are arrays of double, one for each channel of the region, from its first one on; null stands for zeros. They
+ * are converted by jorm_mkifillvalv16 (jorm/shapes.h): rounded to nearest even, clamped to the type. Masks have u8 or
+ * s8 elements and either one channel, which decides about whole pixels, or as many as the image, which decide one by
+ * one. A mask selects where its byte differs from 0; with JORM_OPT_MASK_INVERT, where it differs from 255. Overlap.
+ * Copies behave as if the source, and the mask, were read before anything is written, whatever the layouts. A null
+ * source means the destination; with a null `at` its region then starts at the origin of `roi`. A source given as the
+ * destination itself starts at its first element when `at` is null (see jorm/arith.h, also for negative starts).
  * Environment. Null will do, except for overlaps that no order of copying gets right (mirroring in place, an overlap
  *   under a mask): these take scratch memory of the size of the region, JormCopy only of a row where rows do not get in
- *   each other's way. Null then gives JORM_EINVAL, no memory JORM_ENOMEM.
- * Statuses, in this order: JORM_EINVAL (null or bad descriptor, disagreeing operands or types, a bad mask), JORM_EEMPTY,
- *   JORM_EINVAL for an ill-formed type, JORM_ENOTSUP for one that is not served, then the statuses of scratch memory.
- *   Nothing is written unless the status is JORM_OK.
+ *   each other's way. Null then gives JORM_EINVAL, no memory JORM_ENOMEM; that is known before anything is written.
+ * Statuses, in this order: JORM_EINVAL (null or bad descriptor, disagreeing operands or types, a bad mask),
+ * JORM_EEMPTY, JORM_EINVAL for an ill-formed type, JORM_ENOTSUP for one that is not served, then the statuses of
+ * scratch memory. Nothing is written unless the status is JORM_OK.
  */
 #ifndef JORM_COPY_H
 #define JORM_COPY_H
@@ -43,10 +46,10 @@ JORM_API int64_t JormCopyEx(jorm_xe *xe, uint64_t options, const jorm_array *dst
 /* A block of an image that may reach outside. The block has the size of the destination's region and begins at `at`,
  * which may be negative: pixel i of the region is pixel at + i of the image, which `border` continues beyond its edges
  * (see the modes in jorm/shapes.h), however far. Mirror images repeat: with a period of 2n pixels, of 2n - 2 where the
- * edge is not repeated (an image of one pixel then repeats it). With JORM_BORDER_NUL the pixels that exist are copied to
- * their places and the others stay. The image is the source array as described, not the parent of a view; in JormCopyRMkb
- * only what `src_roi` (null: all) leaves of it, in coordinates of the source. Planes are not made up: those that exist are
- * copied, each with a border of its own.
+ * edge is not repeated (an image of one pixel then repeats it). With JORM_BORDER_NUL the pixels that exist are copied
+ * to their places and the others stay. The image is the source array as described, not the parent of a view; in
+ * JormCopyRMkb only what `src_roi` (null: all) leaves of it, in coordinates of the source. Planes are not made up:
+ * those that exist are copied, each with a border of its own.
  *
  * Source and destination have the same number of axes. The block must meet the image on every axis (JORM_EEMPTY); after
  * that a null border and an unknown mode give JORM_EINVAL. Constants of 64-bit elements give JORM_ENOTSUP.
@@ -76,8 +79,8 @@ JORM_API int64_t JormFillEx2(jorm_xe *xe, uint64_t options, const jorm_array *ds
  *
  * Per-slice entries and dispatchers take start pointers, adapters a base and an origin: their origins and strides are
  * parts of vectors of four slots, whose unused slots are read too. Names with em take a mask of as many channels as the
- * image, names with xm one of one channel. Plain copies look after overlaps here too; masked ones and fills want a source
- * or a mask that is the destination itself or apart from it. */
+ * image, names with xm one of one channel. Plain copies look after overlaps here too; masked ones and fills want a
+ * source or a mask that is the destination itself or apart from it. */
 
 /* The kernel of copies is told no type: the channel stride of the destination is the size of an element (1, 2, 4 or 8,
  * else JORM_EINVAL). */
@@ -100,14 +103,12 @@ JORM_API int64_t jorma__copyxm(jorm_xe *xe, uint64_t options, uint32_t word, con
                                const int32_t *mask_stride);
 JORM_API int64_t jorma_copyem(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t dst_type,
                               void *dst, const int32_t *dst_origin, const int32_t *dst_stride, uint32_t src_type,
-                              const void *src, const int32_t *src_origin, const int32_t *src_stride,
-                              uint32_t mask_type, const void *mask, const int32_t *mask_origin,
-                              const int32_t *mask_stride);
+                              const void *src, const int32_t *src_origin, const int32_t *src_stride, uint32_t mask_type,
+                              const void *mask, const int32_t *mask_origin, const int32_t *mask_stride);
 JORM_API int64_t jorma_copyxm(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t dst_type,
                               void *dst, const int32_t *dst_origin, const int32_t *dst_stride, uint32_t src_type,
-                              const void *src, const int32_t *src_origin, const int32_t *src_stride,
-                              uint32_t mask_type, const void *mask, const int32_t *mask_origin,
-                              const int32_t *mask_stride);
+                              const void *src, const int32_t *src_origin, const int32_t *src_stride, uint32_t mask_type,
+                              const void *mask, const int32_t *mask_origin, const int32_t *mask_stride);
 /* What the packed call of JormCopyEx runs; `params` is a block of its own making. */
 JORM_API int64_t JormTGAcopyEx(jorm_xe *xe, uint64_t options, const void *params, uint32_t word, const int32_t *size,
                                uint32_t dst_type, void *dst, const int32_t *dst_stride, uint32_t src_type,
@@ -125,8 +126,8 @@ JORM_API jorm_mkb_kernel jorma__copymkb, jorma__copymkb_const, jorma__copymkb_re
     jorma__copymkb_reflect, jorma__copymkb_reflect101;
 JORM_API int64_t jorma_copymkb(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t dst_type,
                                void *dst, const int32_t *dst_origin, const int32_t *dst_stride, uint32_t src_type,
-                               const void *src, const int32_t *src_origin, const int32_t *src_stride,
-                               const int32_t *at, const int32_t *src_size, const jorm_border *border);
+                               const void *src, const int32_t *src_origin, const int32_t *src_stride, const int32_t *at,
+                               const int32_t *src_size, const jorm_border *border);
 typedef struct jorm_mkbparams {
     const jorm_border *border;
     const int32_t *at, *src_size; /* at their first used slot */
@@ -184,8 +185,8 @@ JORM_API void C_jorm_bcopy2d(void *dst, int64_t dst_stride, const void *src, int
                              int64_t row_bytes);
 
 /* The position, column + row * row_len modulo 2^32, of the first element that equals (memelem) or differs from
- * (memcelem) the value, row by row; 0xFFFFFFFF without one. The value is converted like a fill value (300 in s8 searches
- * for 127). Types that fills do not serve have no matches. The S forms are the same functions. */
+ * (memcelem) the value, row by row; 0xFFFFFFFF without one. The value is converted like a fill value (300 in s8
+ * searches for 127). Types that fills do not serve have no matches. The S forms are the same functions. */
 JORM_API uint32_t jorm_memelem2d(uint32_t type, const void *base, int64_t row_stride, int32_t rows, int32_t row_len,
                                  double value);
 JORM_API uint32_t jorm_memelem2dS(uint32_t type, const void *base, int64_t row_stride, int32_t rows, int32_t row_len,
@@ -202,8 +203,8 @@ JORM_API uint32_t jorm_bcshash(const char *s);
 JORM_API uint32_t jorm_bcsnhash(const char *s, size_t max);
 
 /* Tables of comparisons of u8 data: 256 bytes for each of 1 to 4 channels, entry v of channel c at 256 * c + v. It is
- * the channel's true value where v stands in the relation `op` (3 equal, 4 less, 5 less or equal, 6 greater, 7 greater or
- * equal; only the low four bits count, others hold nowhere) to the channel's constant, else the false value; in the
+ * the channel's true value where v stands in the relation `op` (3 equal, 4 less, 5 less or equal, 6 greater, 7 greater
+ * or equal; only the low four bits count, others hold nowhere) to the channel's constant, else the false value; in the
  * second form, where both relations hold. Constants and values are converted like u8 fill values; null true values are
  * 255, null false values 0. JORM_EINVAL, with nothing written, for a null table or constants and a bad count. */
 JORM_API int64_t jorm_mkcmpxlatab(void *table, uint32_t op, const double *constants, const double *true_values,

@@ -21,7 +21,7 @@
  * Sums of integers are exact at any size and rounded once to double. Sums of f32 are taken in double precision, in an
  * order that depends neither on the processor nor on the layout: sample i of a channel, in row-major order, goes to
  * partial sum i % 64 (as 0 when a mask leaves it out); then the partial sums are added in pairs, k and k + 32, k and
- * k + 16, and so on. */
+ * k + 16, and so on. Of a sum that is NaN only that is certain: its bits may differ between levels and processors. */
 #ifndef JORM_STATS_H
 #define JORM_STATS_H
 

@@ -47,6 +47,30 @@ void exact_range(void *dst, const void *const *src, int64_t n, const RowParams &
     constant_row<Uniform, 2, f64, D, S, void *>(dst, src, n, p, exact_element<D, S, B>);
 }
 
+// The same in blocks. Where none of a block's results leaves 32 bits, both ways to go beyond agree.
+template <bool Uniform, class D, class S, Beyond B>
+void exact_blocks(void *dst, const void *const *src, int64_t n, const RowParams &p) {
+    constexpr int block = 2 * pattern_length;
+    s32 whole[block];
+    D *d = elements<D>(dst);
+    const S *s = elements<S>(src[0]);
+    for (int m; n > 0; n -= m, d += m, s += m) {
+        m = n < block ? int(n) : block;
+        const void *const from = s;
+        exact_range<Uniform, s32, S, Beyond::lowest>(whole, &from, m, p);
+        s32 least = 0;
+        for (int l = 0; l < m; ++l) least = whole[l] < least ? whole[l] : least;
+        if (least == lowest<s32>)
+            exact_range<Uniform, D, S, B>(d, &from, m, p);
+        else
+            for (int l = 0; l < m; ++l) d[l] = convert_element<D>(whole[l]);
+    }
+}
+
+template <bool Uniform, class D, class S, Beyond B> constexpr Row exact_row() {
+    return B == Beyond::nearest ? exact_blocks<Uniform, D, S, B> : exact_range<Uniform, D, S, B>;
+}
+
 // Where it makes no difference whether the product is rounded.
 #ifdef __FP_FAST_FMAF
 constexpr bool fused = true;
@@ -128,7 +152,7 @@ void to_bytes(void *dst, const void *const *src, int64_t n, const RowParams &par
         } else
             ++p.doubtful;
         const void *again = s;
-        exact_range<Uniform, D, S, B>(d, &again, m, p);
+        exact_row<Uniform, D, S, B>()(d, &again, m, p);
     }
 }
 
@@ -186,11 +210,12 @@ template <bool Brief, class D, class S> bool holds(const RangeParams &p, int j) 
 
 // Where results beyond 32 bits make a difference, integers have rows of their own for them.
 template <class D, class S, Beyond B> constexpr RangeRows rows_of() {
-    constexpr Beyond usual = is_real<S> || (sizeof(D) == 1 && sizeof(S) > 1) ? B : Beyond::lowest;
-    RangeRows rows = {{exact_range<true, D, S, usual>, exact_range<false, D, S, usual>}, {}, {}, {}, {}, fused};
-    if constexpr (B != usual) {
-        rows.beyond[0] = exact_range<true, D, S, B>;
-        rows.beyond[1] = exact_range<false, D, S, B>;
+    constexpr Beyond beyond = is_real<D> ? Beyond::lowest : B;
+    constexpr Beyond usual = is_real<S> || (sizeof(D) == 1 && sizeof(S) > 1) ? beyond : Beyond::lowest;
+    RangeRows rows = {{exact_row<true, D, S, usual>(), exact_row<false, D, S, usual>()}, {}, {}, {}, {}, fused};
+    if constexpr (beyond != usual) {
+        rows.beyond[0] = exact_row<true, D, S, beyond>();
+        rows.beyond[1] = exact_row<false, D, S, beyond>();
     }
     if constexpr (sizeof(S) == 1) {
         rows.fast[0] = from_bytes<false, true, D, S>;
