@@ -54,6 +54,8 @@ TEST(Reads, StayInside) {
                 ASSERT_EQ(JormMinmax(xe, 0, &a, nullptr, &extrema), 0);
                 ASSERT_EQ(JormVConvert(xe, 0, &f, &a, nullptr, nullptr, nullptr, nullptr), 0);
                 ASSERT_EQ(JormVConvert(xe, 0, &f, &a, nullptr, nullptr, range, whole), 0);
+                ASSERT_EQ(JormGain(xe, 0, &d, &a, values, values, nullptr, nullptr), 0);
+                ASSERT_EQ(JormMin(xe, 0, &d, &a, &d, nullptr, nullptr, nullptr), 0);
             }
     JormXEclose(xe);
 }

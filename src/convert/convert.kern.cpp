@@ -33,42 +33,17 @@ template <class D, class S> void plain(void *dst, const void *const *src, int64_
 // What becomes of results beyond 32 bits: -2^31, as in conversions, or the nearest value of the type.
 enum class Beyond { lowest, nearest };
 
-template <class D, class S, Beyond B> [[gnu::always_inline]] inline D exact_element(S x, f64 scale, f64 offset) {
-    const f64 y = f64(x) * scale + offset;
-    if constexpr (B == Beyond::nearest)
-        return nearest<D>(y);
-    else
-        return convert_element<D>(y);
+template <class D, class S> [[gnu::always_inline]] inline D exact_element(S x, f64 scale, f64 offset) {
+    return convert_element<D>(f64(x) * scale + offset);
 }
 
 // In double precision.
 template <bool Uniform, class D, class S, Beyond B>
 void exact_range(void *dst, const void *const *src, int64_t n, const RowParams &p) {
-    constant_row<Uniform, 2, f64, D, S, void *>(dst, src, n, p, exact_element<D, S, B>);
-}
-
-// The same in blocks. Where none of a block's results leaves 32 bits, both ways to go beyond agree.
-template <bool Uniform, class D, class S, Beyond B>
-void exact_blocks(void *dst, const void *const *src, int64_t n, const RowParams &p) {
-    constexpr int block = 2 * pattern_length;
-    s32 whole[block];
-    D *d = elements<D>(dst);
-    const S *s = elements<S>(src[0]);
-    for (int m; n > 0; n -= m, d += m, s += m) {
-        m = n < block ? int(n) : block;
-        const void *const from = s;
-        exact_range<Uniform, s32, S, Beyond::lowest>(whole, &from, m, p);
-        s32 least = 0;
-        for (int l = 0; l < m; ++l) least = whole[l] < least ? whole[l] : least;
-        if (least == lowest<s32>)
-            exact_range<Uniform, D, S, B>(d, &from, m, p);
-        else
-            for (int l = 0; l < m; ++l) d[l] = convert_element<D>(whole[l]);
-    }
-}
-
-template <bool Uniform, class D, class S, Beyond B> constexpr Row exact_row() {
-    return B == Beyond::nearest ? exact_blocks<Uniform, D, S, B> : exact_range<Uniform, D, S, B>;
+    if constexpr (B == Beyond::nearest)
+        nearest_row<Uniform, 2, D, S>(dst, src, n, p, [](S x, f64 k, f64 c) { return f64(x) * k + c; });
+    else
+        constant_row<Uniform, 2, f64, D, S, void *>(dst, src, n, p, exact_element<D, S>);
 }
 
 // Where it makes no difference whether the product is rounded.
@@ -152,7 +127,7 @@ void to_bytes(void *dst, const void *const *src, int64_t n, const RowParams &par
         } else
             ++p.doubtful;
         const void *again = s;
-        exact_row<Uniform, D, S, B>()(d, &again, m, p);
+        exact_range<Uniform, D, S, B>(d, &again, m, p);
     }
 }
 
@@ -204,7 +179,7 @@ template <bool Brief, class D, class S> bool holds(const RangeParams &p, int j) 
     B difference = 0;
     for (s32 x = lowest<S>; x <= largest<S>; ++x)
         difference |= B(__builtin_bit_cast(B, of_byte<Brief, D>(f32(x), k)) ^
-                        __builtin_bit_cast(B, exact_element<D, s32, Beyond::lowest>(x, scale, offset)));
+                        __builtin_bit_cast(B, exact_element<D>(x, scale, offset)));
     return difference == 0;
 }
 
@@ -212,10 +187,10 @@ template <bool Brief, class D, class S> bool holds(const RangeParams &p, int j) 
 template <class D, class S, Beyond B> constexpr RangeRows rows_of() {
     constexpr Beyond beyond = is_real<D> ? Beyond::lowest : B;
     constexpr Beyond usual = is_real<S> || (sizeof(D) == 1 && sizeof(S) > 1) ? beyond : Beyond::lowest;
-    RangeRows rows = {{exact_row<true, D, S, usual>(), exact_row<false, D, S, usual>()}, {}, {}, {}, {}, fused};
+    RangeRows rows = {{exact_range<true, D, S, usual>, exact_range<false, D, S, usual>}, {}, {}, {}, {}, fused};
     if constexpr (beyond != usual) {
-        rows.beyond[0] = exact_row<true, D, S, beyond>();
-        rows.beyond[1] = exact_row<false, D, S, beyond>();
+        rows.beyond[0] = exact_range<true, D, S, beyond>;
+        rows.beyond[1] = exact_range<false, D, S, beyond>;
     }
     if constexpr (sizeof(S) == 1) {
         rows.fast[0] = from_bytes<false, true, D, S>;

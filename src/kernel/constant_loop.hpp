@@ -43,5 +43,29 @@ template <bool Uniform, int Count, class K, class D, class A, class B, class F>
     }
 }
 
+// Elements of an integer type nearest to what `real` gives in double precision, in blocks. Those without a result
+// beyond 32 bits, or NaN, take the shorter way through the processor's own conversion, whose answer to these is -2^31.
+template <bool Uniform, int Count, class D, class A, class F>
+[[gnu::always_inline]] inline void nearest_row(void *dst, const void *const *src, int64_t n, const RowParams &p,
+                                               F real) {
+    constexpr int block = 2 * pattern_length;
+    s32 whole[block];
+    D *d = elements<D>(dst);
+    const A *a = elements<A>(src[0]);
+    for (int m; n > 0; n -= m, d += m, a += m) {
+        m = n < block ? int(n) : block;
+        const void *const from = a;
+        constant_row<Uniform, Count, f64, s32, A, void *>(whole, &from, m, p,
+                                                          [=](A x, auto... k) { return round_s32(real(x, k...)); });
+        s32 least = 0;
+        for (int l = 0; l < m; ++l) least = whole[l] < least ? whole[l] : least;
+        if (least > lowest<s32>)
+            for (int l = 0; l < m; ++l) d[l] = clamp<D>(whole[l]);
+        else
+            constant_row<Uniform, Count, f64, D, A, void *>(d, &from, m, p,
+                                                            [=](A x, auto... k) { return nearest<D>(real(x, k...)); });
+    }
+}
+
 } // namespace
 } // namespace jorm::JORM_LEVEL

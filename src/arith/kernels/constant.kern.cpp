@@ -124,7 +124,7 @@ template <class Op, ConstantRule rule> struct ConstantOneType {
 struct NearestProduct {
     template <bool Uniform, class D, class A>
     static void fast(void *dst, const void *const *src, int64_t n, const RowParams &p) {
-        constant_row<Uniform, 1, f64, D, A, void *>(dst, src, n, p, [](A a, f64 k) { return nearest<D>(f64(a) * k); });
+        nearest_row<Uniform, 1, D, A>(dst, src, n, p, [](A a, f64 k) { return f64(a) * k; });
     }
     template <class D, class A> static constexpr Rows rows() {
         return {fast<true, D, A>, nullptr, fast<false, D, A>, nullptr, ConstantRule::factor};
