@@ -8,7 +8,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <string>
@@ -119,10 +118,11 @@ const bool registered = [] {
             add_binary("min", JormMin, type, size);
             add_binary("max", JormMax, type, size);
         }
-        add_loop<uint8_t>("absdiff", JORM_U8, size, [](uint8_t x, uint8_t y) { return uint8_t(std::abs(x - y)); });
-        add_loop<uint8_t>("min", JORM_U8, size, [](uint8_t x, uint8_t y) { return std::min(x, y); });
+        add_loop<uint8_t>("absdiff", JORM_U8, size,
+                          [](uint8_t x, uint8_t y) { return uint8_t(x > y ? x - y : y - x); });
+        add_loop<uint8_t>("min", JORM_U8, size, [](uint8_t x, uint8_t y) { return x < y ? x : y; });
         add_loop<float>("absdiff", JORM_F32, size, [](float x, float y) { return std::fabs(x - y); });
-        add_loop<float>("min", JORM_F32, size, [](float x, float y) { return std::min(x, y); });
+        add_loop<float>("min", JORM_F32, size, [](float x, float y) { return x < y ? x : y; });
         const uint32_t types[] = {JORM_U8, JORM_S8, JORM_U16, JORM_S16, JORM_S32, JORM_F32};
         for (const uint32_t from : types)
             for (const uint32_t to : types) add_gain(to, from, size);

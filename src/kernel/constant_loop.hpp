@@ -60,7 +60,10 @@ template <bool Uniform, int Count, class D, class A, class F>
         s32 least = 0;
         for (int l = 0; l < m; ++l) least = whole[l] < least ? whole[l] : least;
         if (least > lowest<s32>)
-            for (int l = 0; l < m; ++l) d[l] = clamp<D>(whole[l]);
+            for (int l = 0; l < m; ++l) {
+                const s32 x = whole[l] < s32(lowest<D>) ? s32(lowest<D>) : whole[l];
+                d[l] = D(x > s32(largest<D>) ? s32(largest<D>) : x);
+            }
         else
             constant_row<Uniform, Count, f64, D, A, void *>(d, &from, m, p,
                                                             [=](A x, auto... k) { return nearest<D>(real(x, k...)); });
