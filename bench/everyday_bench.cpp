@@ -89,7 +89,7 @@ template <class T, class F> void add_loop(const char *name, uint32_t type, const
     add_case(std::string(name) + " " + name_of(type) + ": loop", size, [=](jorm_xe *) {
         const T *__restrict const x = a->data<T>(), *__restrict const y = b->data<T>();
         T *__restrict const z = d->data<T>();
-        for (int64_t i = 0; i < n; ++i) z[i] = f(x[i], y[i]);
+        for (int64_t i = 0, count = n; i < count; ++i) z[i] = f(x[i], y[i]);
         return int64_t(0);
     });
 }
