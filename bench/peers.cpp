@@ -89,7 +89,7 @@ struct Case {
 };
 
 constexpr std::nullptr_t no = nullptr; // the whole picture, from its start
-constexpr double c37[] = {37}, c1_75[] = {1.75}, c93[] = {93};
+constexpr double c37[] = {37}, c1_75[] = {1.75}, c93[] = {93}, c128[] = {128}, c255[] = {255}, c0[] = {0};
 constexpr jorm_border reflect101 = {JORM_BORDER_REFLECT101, 0, {}};
 constexpr int32_t margin2[] = {0, -2, -2, 0}, margin16[] = {0, -16, -16, 0};
 constexpr auto out8 = &pb::Data::out8, out16 = &pb::Data::out16, out32f = &pb::Data::out32f;
@@ -111,6 +111,10 @@ const Case cases[] = {
     {"and_u8", out8, 0, [](Scene &s) { return JormAnd(s.xe, 0, &s.out8, &s.u8a, &s.u8b, no, no, no); }},
     {"not_u8", out8, 0, [](Scene &s) { return JormNot(s.xe, 0, &s.out8, &s.u8a, no, no); }},
     {"mlaC_f32", out32f, 0, [](Scene &s) { return JormMulAddC(s.xe, 0, &s.out32f, &s.f32a, &s.f32b, c1_75, no, no, no, 0, 0); }},
+    {"cmp_u8_gt", out8, 0, [](Scene &s) { return JormCompare(s.xe, 0, &s.out8, &s.u8a, &s.u8b, no, no, no, JORM_CMP_GREATER); }},
+    {"cmpC_u8_gt", out8, 0, [](Scene &s) { return JormCompareC(s.xe, 0, &s.out8, &s.u8a, c128, no, no, JORM_CMP_GREATER); }},
+    {"cmp_f32_gt", out8, 0, [](Scene &s) { return JormCompare(s.xe, 0, &s.out8, &s.f32a, &s.f32b, no, no, no, JORM_CMP_GREATER); }},
+    {"threshold_u8", out8, 0, [](Scene &s) { return JormECompareC(s.xe, 0, &s.out8, &s.u8a, c128, no, no, JORM_CMP_GREATER, c255, c0); }},
     {"copy_u8", out8, 0, [](Scene &s) { return JormCopy(s.xe, 0, &s.out8, &s.u8a, no, no); }},
     {"copy_u8_masked", out8, 0, [](Scene &s) { return JormCopyEx(s.xe, 0, &s.out8, &s.u8a, &s.mask, no, no, no); }},
     {"fill_u8", out8, 0, [](Scene &s) { return JormFill(s.xe, 0, &s.out8, no, c93); }},

@@ -10,6 +10,7 @@
 #include "jorm/xe.h"
 
 #include "jorm/arith.h"
+#include "jorm/compare.h"
 #include "jorm/convert.h"
 #include "jorm/copy.h"
 #include "jorm/filter.h"

@@ -25,7 +25,3 @@ private:
 };
 
 } // namespace jorm
-
-// An operand for a per-slice entry; the same for a pack.
-#define SLICE(o) (o).type, (o).start, (o).stride
-#define PACKED_SLICE(o) (o).type, (o).start, nullptr, (o).stride

@@ -26,3 +26,7 @@ inline const void *start_of(uint32_t word, const void *base, const int32_t *orig
 #define A_OPERAND(x) jorm::operand(x##_type, jorm::start_of(word, x, x##_origin, x##_stride), x##_stride)
 
 #define LEAD_PARAMS jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size
+
+// An operand for a per-slice entry; the same for a pack.
+#define SLICE(o) (o).type, (o).start, (o).stride
+#define PACKED_SLICE(o) (o).type, (o).start, nullptr, (o).stride
