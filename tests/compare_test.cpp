@@ -1,0 +1,298 @@
+// Comparison against an oracle in double precision.
+#include "jorm.h"
+#include "support/picture.hpp"
+
+namespace {
+
+const uint32_t sources[] = {JORM_U8, JORM_S8, JORM_S16, JORM_S32, JORM_F32};
+const uint32_t destinations[] = {JORM_U8, JORM_S8, JORM_U16, JORM_S16, JORM_U32, JORM_S32, JORM_F32};
+
+bool related(double a, uint32_t op, double b) {
+    const bool relation[16] = {false, false, false, a == b, a<b, a <= b, a> b, a >= b};
+    return relation[op & 15];
+}
+
+// Values that often meet, and some that only an exact comparison tells apart.
+double sample(uint32_t type, Random &r) {
+    static const double odd[] = {nan, inf, -inf, -0.0, 0.5, 127.5, 16777216, -2147483648.0, 2147483648.0};
+    static const double whole[] = {16777217, 16777216, 2147483647, -2147483648.0, 127, 128, 255, -129};
+    if (type == JORM_F32 && r.one_in(3)) return r.of(odd);
+    if (r.one_in(3))
+        return std::clamp(r.of(whole), type == JORM_F32 ? -1e30 : lowest(type),
+                          type == JORM_F32 ? 1e30 : highest(type));
+    return std::max(r.in(-3, 3), type < 8 ? 0 : -3);
+}
+
+// The bits of what is written, as a value that load() gives.
+double mask_value(uint32_t type, bool held) {
+    if (!held) return 0;
+    return type == JORM_F32 ? 1 : type < 8 ? highest(type) : -1;
+}
+
+// What a fill value becomes; u32 has a rule of its own.
+double written(uint32_t type, double v) {
+    return type == JORM_U32 ? std::max(0.0, converted(JORM_S32, v)) : converted(type, v);
+}
+
+struct Compare : testing::Test {
+    jorm_xe *xe = JormXEopen(nullptr, nullptr, 0);
+    Random r{11};
+    ~Compare() override { JormXEclose(xe); }
+
+    Picture picture(uint32_t type, const Index &extent, int ndims = 3, bool plain = false) {
+        Picture p(r, type, extent, plain, ndims);
+        p.fill([&] { return sample(type, r); });
+        return p;
+    }
+    Index near(const Index &e) { // extents and start points that mostly do not matter
+        return {e[0], std::max(1, e[1] + r.in(-1, 1)), std::max(1, e[2] + r.in(-2, 2)), e[3]};
+    }
+    Index start(bool planes) { return {planes ? r.in(-1, 1) : 0, r.in(-1, 1), r.in(-2, 2), r.in(-1, 1)}; }
+};
+
+struct Case {
+    bool constants, chosen;
+    uint32_t op;
+    double constant[4], yes[4], no[4];
+};
+
+// One call of an entry with random operands; everything in the destination's memory is compared.
+struct Call {
+    Compare &t;
+    Random &r = t.r;
+    Case c = {r.one_in(2), r.one_in(2), uint32_t(r.one_in(8) ? r.in(0, 15) : r.in(3, 7) + 16 * r.in(0, 1)), {}, {}, {}};
+    uint32_t dst_type = r.of(destinations);
+    uint32_t type = dst_type == JORM_F32 ? uint32_t(JORM_F32) : r.of(sources);
+    uint32_t type2 = dst_type != JORM_F32 && r.one_in(3) ? r.of(sources) : type;
+    int ndims = r.one_in(3) ? 4 : 3;
+    Index extent = {ndims == 4 ? r.in(1, 3) : 1, r.in(1, 4), r.one_in(4) ? r.in(300, 1500) : r.in(1, 40),
+                    r.in(1, c.constants ? 3 : 4)};
+    int ndims2 = ndims == 4 && r.one_in(3) ? 3 : ndims;
+    bool repeats = ndims2 < ndims || r.one_in(3), in_place = type == dst_type && r.one_in(4), plain = r.one_in(4);
+
+    void run() {
+        Picture dst = t.picture(dst_type, extent, ndims, plain), src = t.picture(type, extent2(extent), ndims, plain);
+        if (dst_type == type) dst.fill([&] { return sample(type, r); });
+        Index e2 = extent2(extent);
+        if (repeats) e2[0] = 1;
+        Picture src2 = t.picture(type2, e2, ndims2, plain);
+        const bool same_constants = r.one_in(2), same_values = r.one_in(2);
+        for (int i = 0; i < 4; ++i) {
+            c.constant[i] = i && same_constants ? c.constant[0] : r.of(std::array<double, 5>{0, 1, 2.5, -3, 127});
+            c.yes[i] = i && same_values ? c.yes[0] : r.of(std::array<double, 5>{255, 7.5, -1, 1e9, 3});
+            c.no[i] = i && same_values ? c.no[0] : r.of(std::array<double, 4>{0, 9, nan, -40000});
+        }
+
+        jorm_array second = src2.a; // as the oracle sees it: in every plane
+        if (ndims == 4 && repeats) {
+            second.ndims = 4;
+            second.extent[0] = dst.a.extent[0];
+            second.stride[0] = 0;
+        }
+        jorm_site roi = {{0, r.in(-1, 1), r.in(-1, 2), 0}, {extent[0], extent[1], r.in(1, extent[2]), extent[3]}};
+        Index from = t.start(ndims == 4), from2 = t.start(false);
+        const jorm_site *const site = r.one_in(2) ? &roi : nullptr;
+        const int32_t *at = r.one_in(2) ? from.data() : nullptr, *at2 = r.one_in(2) ? from2.data() : nullptr;
+        const jorm_array &a = in_place ? dst.a : src.a;
+        const int32_t *const at_or_roi = at || !in_place || !site ? at : site->origin;
+        Region region = c.constants ? common_region({&dst.a, &a}, site, {at_or_roi})
+                                    : common_region({&dst.a, &a, &second}, site, {at_or_roi, at2});
+        if (in_place && !region.empty && region.origin[0] != region.origin[1]) return; // an unspecified overlap
+
+        const Bytes before = dst.memory;
+        Bytes wanted = before;
+        if (!region.empty) expect(wanted, dst, a, second, region);
+        const int64_t status = call(dst.a, in_place ? nullptr : &src.a, src2.a, site, at, at2);
+        ASSERT_EQ(status, region.empty ? JORM_EEMPTY : JORM_OK);
+        ASSERT_TRUE(dst.memory == wanted)
+            << dst_type << " <- " << type << ", " << type2 << ", op " << c.op << (c.constants ? ", constants" : "")
+            << (c.chosen ? ", chosen" : "") << (in_place ? ", in place" : "") << ", " << extent[3] << " channels of "
+            << extent[2] << " pixels, " << ndims << " axes";
+    }
+
+    Index extent2(const Index &e) { return plain ? e : t.near(e); }
+
+    void expect(Bytes &wanted, const Picture &dst, const jorm_array &a, const jorm_array &second, const Region &g) {
+        each(g.size, [&](const Index &i) {
+            const size_t k = size_t(i[3]);
+            const double x = load(type, element(a, sum(g.origin[1], i)));
+            const double y =
+                c.constants ? converted(type, c.constant[k]) : load(type2, element(second, sum(g.origin[2], i)));
+            const bool held = related(x, c.op, y);
+            const double value = c.chosen ? written(dst_type, held ? c.yes[k] : c.no[k]) : mask_value(dst_type, held);
+            store(dst_type, &wanted[size_t(dst.at(sum(g.origin[0], i)) - dst.memory.data())], value);
+        });
+    }
+
+    int64_t call(const jorm_array &d, const jorm_array *s, const jorm_array &s2, const jorm_site *roi,
+                 const int32_t *at, const int32_t *at2) {
+        if (c.chosen)
+            return c.constants ? JormECompareC(t.xe, 0, &d, s, c.constant, roi, at, c.op, c.yes, c.no)
+                               : JormECompare(t.xe, 0, &d, s, &s2, roi, at, at2, c.op, c.yes, c.no);
+        return c.constants ? JormCompareC(t.xe, 0, &d, s, c.constant, roi, at, c.op)
+                           : JormCompare(t.xe, 0, &d, s, &s2, roi, at, at2, c.op);
+    }
+};
+
+TEST_F(Compare, EveryFormInEveryLayout) {
+    for (int round = 0; round < 6000 && !HasFatalFailure(); ++round) {
+        use_level(round % jorm::level_count);
+        SCOPED_TRACE(round);
+        Call{*this}.run();
+    }
+}
+
+// Every kernel, through its lookup, on rows of odd lengths and on its own source where that is as wide.
+TEST_F(Compare, Kernels) {
+    constexpr int n = 997, channels = 4;
+    for (uint32_t d : {JORM_U8, JORM_U16, JORM_S32, JORM_F32})
+        for (uint32_t s : sources)
+            for (uint32_t op = 3; op < 8; ++op)
+                for (int form = 0; form < 4; ++form) {
+                    const bool constants = form % 2, chosen = form >= 2;
+                    const auto lookup = chosen      ? constants ? jorma__ecmpcfun_imp : jorma__ecmpfun_imp
+                                        : constants ? jorma__cmpcfun_imp
+                                                    : jorma__cmpfun_imp;
+                    int32_t status = 1;
+                    jorm_proc *const found = lookup(d, s, &status);
+                    const bool exists = d == JORM_F32 ? chosen && s == JORM_F32 : true;
+                    ASSERT_EQ(status, exists ? JORM_OK : JORM_ENOTSUP);
+                    if (!exists) continue;
+                    use_level(int(op) % jorm::level_count);
+                    const int db = bytes_of(d), sb = bytes_of(s);
+                    Bytes a(size_t(n * sb)), b(a), out(size_t(n * std::max(db, sb)));
+                    for (int i = 0; i < n; ++i)
+                        store(s, &a[size_t(i * sb)], sample(s, r)), store(s, &b[size_t(i * sb)], sample(s, r));
+                    const bool in_place = sb >= db && op % 2;
+                    if (in_place) std::copy(a.begin(), a.end(), out.begin());
+                    const double k[] = {1, 0, -2, 127}, values[] = {200, 1, 3, 4}, others[] = {0, 9, 7, 5};
+                    alignas(16) char pattern[16], yes[16], no[16];
+                    jorm_mkifillvalv16(s, pattern, k, channels);
+                    jorm_mkifillvalv16(d, yes, values, channels);
+                    jorm_mkifillvalv16(d, no, others, channels);
+                    const int32_t size[] = {n / channels, channels}, ds[] = {db * channels, db},
+                                  ss[] = {sb * channels, sb};
+                    const void *const src = in_place ? out.data() : a.data();
+                    const auto as = [&](auto *type) {
+                        return reinterpret_cast<decltype(type)>(reinterpret_cast<void (*)()>(found));
+                    };
+                    if (form == 0)
+                        status = int32_t(as((jorm_compare_kernel *)nullptr)(xe, 0, 2, size, out.data(), ds, src, ss,
+                                                                            b.data(), ss, op));
+                    if (form == 1)
+                        status = int32_t(
+                            as((jorm_comparec_kernel *)nullptr)(xe, 0, 2, size, out.data(), ds, src, ss, pattern, op));
+                    if (form == 2)
+                        status = int32_t(as((jorm_ecompare_kernel *)nullptr)(xe, 0, 2, size, out.data(), ds, src, ss,
+                                                                             b.data(), ss, op, yes, no));
+                    if (form == 3)
+                        status = int32_t(as((jorm_ecomparec_kernel *)nullptr)(xe, 0, 2, size, out.data(), ds, src, ss,
+                                                                              pattern, op, yes, no));
+                    ASSERT_EQ(status, JORM_OK);
+                    for (int i = 0; i < n / channels * channels; ++i) {
+                        const double x = load(s, &a[size_t(i * sb)]),
+                                     y = constants ? converted(s, k[i % channels]) : load(s, &b[size_t(i * sb)]);
+                        const bool held = related(x, op, y);
+                        Bytes wish(size_t(db), 0);
+                        store(d, wish.data(),
+                              chosen ? converted(d, (held ? values : others)[i % channels]) : mask_value(d, held));
+                        ASSERT_EQ(std::memcmp(wish.data(), &out[size_t(i * db)], size_t(db)), 0)
+                            << d << " <- " << s << ", form " << form << ", op " << op << ", " << x << " and " << y;
+                    }
+                }
+    const auto is = [](jorm_proc *found, auto *kernel) {
+        return found == reinterpret_cast<jorm_proc *>(reinterpret_cast<void (*)()>(kernel));
+    };
+    EXPECT_TRUE(is(jorma__cmpfun_imp(JORM_S8, JORM_F32, nullptr), _jorma__compare_u8f32));
+    EXPECT_TRUE(is(jorma__cmpcfun_imp(JORM_U16, JORM_S8, nullptr), _jorma__compareC_s16s8));
+    EXPECT_TRUE(is(jorma__ecmpfun_imp(JORM_S32, JORM_S16, nullptr), _jorma__ecompare_s32s16));
+    EXPECT_TRUE(is(jorma__ecmpcfun_imp(JORM_F32, JORM_F32, nullptr), _jorma__ecompareC_f32f32));
+}
+
+TEST_F(Compare, LayersBelowTheEntries) {
+    uint8_t a[] = {9, 1, 2, 3, 4, 5}, b[] = {9, 9, 3, 3, 3, 3}, m[6] = {7, 7, 7, 7, 7, 7};
+    const int32_t size[] = {1, 4, 1}, stride[] = {6, 1, 1}, from1[] = {0, 1, 0}, from2[] = {0, 2, 0};
+    const uint32_t w = JORM_WORD(3);
+    const double three[] = {3}, yes[] = {1}, no[] = {2};
+    const auto expect = [&](int64_t status, std::array<int, 6> wanted) {
+        EXPECT_EQ(status, JORM_OK);
+        EXPECT_TRUE(std::equal(wanted.begin(), wanted.end(), m));
+    };
+    expect(jorma_compare(xe, 0, w, size, JORM_U8, m, from1, stride, JORM_U8, a, from1, stride, JORM_U8, b, from2,
+                         stride, JORM_CMP_LESS),
+           {7, 255, 255, 0, 0, 7});
+    expect(jorma_ecompareC(xe, 0, w, size, JORM_U8, m, from2, stride, JORM_U8, a, from2, stride, three,
+                           JORM_CMP_GREATER_EQUAL, yes, no),
+           {7, 255, 2, 1, 1, 1});
+    expect(
+        jorma_compareC(xe, 0, w, size, JORM_U8, m, from1, stride, JORM_U8, a, from1, stride, nullptr, JORM_CMP_EQUAL),
+        {7, 0, 0, 0, 0, 1}); // null constants are zeros
+    expect(jorma_ecompare(xe, 0, w, size, JORM_U8, m, from1, stride, JORM_U8, a, from1, stride, JORM_U8, b, from1,
+                          stride, JORM_CMP_LESS, yes, nullptr),
+           {7, 1, 1, 0, 0, 1});
+
+    // The plain dispatchers choose 1 and 0 for f32, the plain runners do not know it.
+    float f[] = {1, nan, 3, 4}, out[4];
+    const int32_t fs[] = {16, 4, 4};
+    EXPECT_EQ(jorma__compareC(xe, 0, w, size, JORM_F32, out, fs, JORM_F32, f, fs, three, JORM_CMP_GREATER_EQUAL),
+              JORM_OK);
+    EXPECT_TRUE(out[0] == 0 && out[1] == 0 && out[2] == 1 && out[3] == 1);
+    expect_each(
+        JORM_ENOTSUP,
+        {_jorma__swcompareC(xe, 0, w, size, JORM_F32, out, fs, JORM_F32, f, fs, three, 3),
+         _jorma__swcompare(xe, 0, w, size, JORM_F32, out, fs, JORM_F32, f, fs, JORM_F32, f, fs, 3),
+         jorma__compareC(xe, 0, w, size, JORM_F32, out, fs, JORM_U8, a, stride, three, 3),
+         _jorma__swecompare(xe, 0, w, size, JORM_U8, m, stride, JORM_U8, a, stride, JORM_U16, b, stride, 3, yes, no)});
+    expect_each(JORM_EINVAL,
+                {_jorma__swecompareC(xe, 0, w, size, 5, out, fs, JORM_F32, f, fs, three, 3, yes, no),
+                 jorma__ecompareC(xe, 0, w, size, JORM_U8, nullptr, fs, JORM_F32, f, fs, three, 3, yes, no),
+                 JormTGAcompare(xe, 0, nullptr, w, size, JORM_U8, m, stride, JORM_U8, a, stride, JORM_U8, b, stride),
+                 _jorma__ecompareC_u8u8(xe, 0, w, size, m, stride, a, stride, a, 3, nullptr, a)});
+}
+
+TEST_F(Compare, Statuses) {
+    Picture a = picture(JORM_U8, {1, 3, 5, 1}), c3 = picture(JORM_U8, {1, 3, 5, 3}),
+            c4 = picture(JORM_U8, {1, 3, 5, 4});
+    Picture planes = picture(JORM_U8, {3, 3, 5, 1}, 4), two = picture(JORM_U8, {2, 3, 5, 1}, 4),
+            one = picture(JORM_U8, {1, 3, 5, 1}, 4);
+    const Bytes before = a.memory, planes_before = planes.memory;
+    const auto compare = [&](const jorm_array *d, const jorm_array *s, const jorm_array *s2,
+                             const jorm_site *roi = nullptr) {
+        return JormCompare(xe, 0, d, s, s2, roi, nullptr, nullptr, JORM_CMP_LESS);
+    };
+    const double k[4] = {};
+    const auto with_type = [](const Picture &p, uint32_t type) {
+        jorm_array other = p.a;
+        other.eltype = type;
+        return other;
+    };
+    const jorm_array bad = with_type(a, 8), none = with_type(a, 15), no_planes = with_type(planes, 15);
+    const jorm_site far = {{0, 9, 0, 0}, {1, 1, 1, 1}};
+    expect_each(JORM_EINVAL,
+                {compare(nullptr, &a.a, &a.a), compare(&a.a, &a.a, nullptr), compare(&a.a, &c3.a, &a.a, &far),
+                 compare(&a.a, &a.a, &c3.a), compare(&planes.a, &a.a, &planes.a), compare(&planes.a, &one.a, &planes.a),
+                 compare(&planes.a, &planes.a, &two.a), compare(&a.a, &a.a, &one.a), compare(&a.a, &bad, &a.a),
+                 JormCompareC(xe, 0, &c4.a, &c4.a, k, nullptr, nullptr, 3),
+                 JormECompareC(xe, 0, &c4.a, &c4.a, k, &far, nullptr, 3, k, k),
+                 JormCompareC(xe, 0, &planes.a, &one.a, k, nullptr, nullptr, 3)});
+    const int32_t plane1[4] = {1, 0, 0, 0};
+    expect_each(JORM_EEMPTY, {compare(&a.a, &a.a, &a.a, &far), compare(&a.a, &bad, &a.a, &far),
+                              JormCompareC(xe, 0, &a.a, &a.a, k, &far, nullptr, 3),
+                              JormCompare(xe, 0, &planes.a, &planes.a, &one.a, nullptr, nullptr, plane1, 3)});
+    expect_each(JORM_ENOTSUP,
+                {compare(&a.a, &none, &a.a), compare(&planes.a, &planes.a, &no_planes)}); // the second by pieces
+    EXPECT_TRUE(a.memory == before && planes.memory == planes_before);
+}
+
+TEST_F(Compare, OperatorNames) {
+    EXPECT_STREQ(jorm_cmpop_str(0), "nul-cmpop");
+    EXPECT_STREQ(jorm_cmpop_str(1), "unknown-cmpop");
+    EXPECT_STREQ(jorm_cmpop_str(0x13), "equal-cmpop");
+    EXPECT_STREQ(jorm_cmpop_str(JORM_CMP_LESS), "less-cmpop");
+    EXPECT_STREQ(jorm_cmpop_str(JORM_CMP_LESS_EQUAL), "less-or-equal-cmpop");
+    EXPECT_STREQ(jorm_cmpop_str(JORM_CMP_GREATER), "greater-cmpop");
+    EXPECT_STREQ(jorm_cmpop_str(0xF7), "greater-or-equal-cmpop");
+    EXPECT_STREQ(jorm_cmpop_str(8), "unknown-cmpop");
+}
+
+} // namespace
