@@ -158,6 +158,20 @@ class Tool(unittest.TestCase):
             run("convert", "s.pgm", *words, "-o", "out.png")
             self.assertEqual(read_png("out.png"), (1, expected), words)
 
+    def test_compare_and_threshold(self):
+        for words, holds in [
+            (["compare", "b.pgm"], lambda a, b: a > b),
+            (["compare", "b.pgm", "--relation", "less-or-equal"], lambda a, b: a <= b),
+            (["compare", "--to", "100", "--relation", "equal"], lambda a, b: a == 100),
+            (["threshold", "--level", "99.5"], lambda a, b: a > 99.5),
+            (["threshold", "--level", "0,200"], lambda a, b: 0 < a <= 200),
+        ]:
+            run(words[0], "a.pgm", *words[1:], "-o", "out.png")
+            self.assertEqual(read_png("out.png"), (1, [255 * holds(a, b) for a, b in zip(self.A, self.B)]), words)
+        write_rgba("c.png", 2, 2, range(0, 16))
+        run("compare", "c.png", "--to", "4,5,200", "--relation", "less", "-o", "out.png")
+        self.assertEqual(read_png("out.png"), (3, [255 * (v < (4, 5, 200)[v % 4]) for v in range(16) if v % 4 < 3]))
+
     def test_info_and_help(self):
         self.assertIn("a.pgm: 4x2, 1 channel", run("info", "a.pgm").stdout)
         self.assertIn("blend", run("--help").stdout)
@@ -183,6 +197,8 @@ class Tool(unittest.TestCase):
             (["stats", "a.pgm", "--mask", "small.pgm"], "sizes differ"),
             (["convert", "a.pgm", "--to", "9", "-o", "x.png"], "LOW,HIGH"),
             (["convert", "a.pgm", "--to", "0,9", "--scale", "2", "-o", "x.png"], "do not go with"),
+            (["compare", "a.pgm", "b.pgm", "--relation", "alike", "-o", "x.png"], "one of equal, less,"),
+            (["threshold", "a.pgm", "--level", "1,2,3", "-o", "x.png"], "1 to 2 numbers"),
             (["hull", "black.pgm", "-o", "x.png"], "no sample of black.pgm reaches 128"),
             (["info", "missing.png"], "missing.png"),
             (["info", "."], "cannot read"),
