@@ -194,8 +194,8 @@ TEST_F(Compare, Kernels) {
                                      y = constants ? converted(s, k[i % channels]) : load(s, &b[size_t(i * sb)]);
                         const bool held = related(x, op, y);
                         Bytes wish(size_t(db), 0);
-                        store(d, wish.data(),
-                              chosen ? converted(d, (held ? values : others)[i % channels]) : mask_value(d, held));
+                        const double value = held ? values[i % channels] : others[i % channels];
+                        store(d, wish.data(), chosen ? converted(d, value) : mask_value(d, held));
                         ASSERT_EQ(std::memcmp(wish.data(), &out[size_t(i * db)], size_t(db)), 0)
                             << d << " <- " << s << ", form " << form << ", op " << op << ", " << x << " and " << y;
                     }
@@ -211,7 +211,9 @@ TEST_F(Compare, Kernels) {
 
 TEST_F(Compare, LayersBelowTheEntries) {
     uint8_t a[] = {9, 1, 2, 3, 4, 5}, b[] = {9, 9, 3, 3, 3, 3}, m[6] = {7, 7, 7, 7, 7, 7};
-    const int32_t size[] = {1, 4, 1}, stride[] = {6, 1, 1}, from1[] = {0, 1, 0}, from2[] = {0, 2, 0};
+    // Vectors of four slots, handed over at the first used one.
+    const int32_t size4[] = {1, 1, 4, 1}, stride4[] = {0, 6, 1, 1}, at1[] = {0, 0, 1, 0}, at2[] = {0, 0, 2, 0};
+    const int32_t *const size = size4 + 1, *const stride = stride4 + 1, *const from1 = at1 + 1, *const from2 = at2 + 1;
     const uint32_t w = JORM_WORD(3);
     const double three[] = {3}, yes[] = {1}, no[] = {2};
     const auto expect = [&](int64_t status, std::array<int, 6> wanted) {

@@ -53,7 +53,7 @@ struct Blocks : CompareParams {
     int32_t dst_element, element[2];
     int sources;
     bool by_channel = false, constant_first;
-    char constants[4 * block_length], values[2][4 * block_length]; // repeat with the channels
+    alignas(64) char constants[4 * block_length], values[2][4 * block_length]; // repeat with the channels
 };
 
 void compare_blocks(void *dst, const void *const *src, int64_t n, const RowParams &params) {
