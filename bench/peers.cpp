@@ -24,18 +24,24 @@ jorm_array describe(const pb::Plane &plane) {
 // The benchmark's planes, and results of sizes of our own in memory of the same kind.
 struct Planes : pb::Data {
     pb::Plane framed2, framed16; // with a margin of so many pixels
+    pb::Plane half, two_thirds;  // of the size
 
-    explicit Planes(const pb::Data &d) : pb::Data(d), framed2(frame(2)), framed16(frame(16)) {}
+    explicit Planes(const pb::Data &d)
+        : pb::Data(d), framed2(frame(2)), framed16(frame(16)), half(plane(w / 2, h / 2)),
+          two_thirds(plane(w * 2 / 3, h * 2 / 3)) {}
     ~Planes() {
         std::free(framed2.data);
         std::free(framed16.data);
+        std::free(half.data);
+        std::free(two_thirds.data);
     }
     Planes(const Planes &) = delete;
 
 private:
-    pb::Plane frame(int margin) const {
+    pb::Plane frame(int margin) const { return plane(w + 2 * margin, h + 2 * margin); }
+    static pb::Plane plane(int w, int h) {
         constexpr size_t block = size_t(2) << 20;
-        pb::Plane p = {nullptr, w + 2 * margin, h + 2 * margin, 1, pb::Elem::u8, size_t(w) + 2 * size_t(margin)};
+        pb::Plane p = {nullptr, w, h, 1, pb::Elem::u8, size_t(w)};
         const size_t bytes = (p.count() + block - 1) / block * block;
         p.data = std::memset(std::aligned_alloc(block, bytes), 0, bytes);
         return p;
@@ -46,6 +52,7 @@ private:
 struct Scene {
     Planes planes;
     jorm_array u8a, u8b, u8c3, mask, s16a, s16b, s16w, f32a, f32b, f32w, out8, out16, out32f, framed2, framed16;
+    jorm_array half, two_thirds;
     jorm_xe *xe;
     double values[8];
 
@@ -53,7 +60,8 @@ struct Scene {
         : planes(d), u8a(describe(d.u8a)), u8b(describe(d.u8b)), u8c3(describe(d.u8c3)), mask(describe(d.mask)),
           s16a(describe(d.s16a)), s16b(describe(d.s16b)), s16w(describe(d.s16w)), f32a(describe(d.f32a)),
           f32b(describe(d.f32b)), f32w(describe(d.f32w)), out8(describe(d.out8)), out16(describe(d.out16)),
-          out32f(describe(d.out32f)), framed2(describe(planes.framed2)), framed16(describe(planes.framed16)), xe(JormXEopen(nullptr, nullptr, 0)) {}
+          out32f(describe(d.out32f)), framed2(describe(planes.framed2)), framed16(describe(planes.framed16)),
+          half(describe(planes.half)), two_thirds(describe(planes.two_thirds)), xe(JormXEopen(nullptr, nullptr, 0)) {}
     ~Scene() { JormXEclose(xe); }
 
     // Carries one range of values onto another.
@@ -85,7 +93,8 @@ struct Case {
     const pb::Plane Planes::*result;
     int count;
     int64_t (*run)(Scene &);
-    bool filters = false; // only at the size of the filter cases
+    bool filters = false;   // only at the size of the filter cases
+    bool by_result = false; // the cost of a pixel of the result instead of the source
 };
 
 constexpr std::nullptr_t no = nullptr; // the whole picture, from its start
@@ -148,6 +157,8 @@ const Case cases[] = {
     {"dilate_f32_5x5", out32f, 0, [](Scene &s) { return s.filter(s.out32f, s.f32a, JORM_FILTER_MAX, 5); }, true},
     {"close_u8_5x5", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_CLOSE, 5); }, true},
     {"tophat_u8_5x5", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_TOPHAT, 5); }, true},
+    {"resize_nn_u8_to_960x540", &Planes::half, 0, [](Scene &s) { return JormResize(s.xe, 0, &s.half, &s.u8a, no, no, no); }, true, true},
+    {"resize_nn_u8_to_1280x720", &Planes::two_thirds, 0, [](Scene &s) { return JormResize(s.xe, 0, &s.two_thirds, &s.u8a, no, no, no); }, true, true},
 };
 // clang-format on
 
@@ -157,8 +168,9 @@ void add(pb::Registry &registry, const pb::Data &data, const std::shared_ptr<Sce
         _G_jorm_use_simd = simd;
         return f(*scene);
     };
+    const pb::Plane &counted = c.by_result ? scene->planes.*c.result : data.u8a;
     pb::Entry &entry =
-        registry.add(std::string(c.name) + "@" + data.tag, peer, double(data.w) * data.h, [run] { run(); });
+        registry.add(std::string(c.name) + "@" + data.tag, peer, double(counted.w) * counted.h, [run] { run(); });
     if (c.result)
         entry.result = scene->planes.*c.result;
     else

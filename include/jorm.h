@@ -15,6 +15,7 @@
 #include "jorm/copy.h"
 #include "jorm/filter.h"
 #include "jorm/geometry.h"
+#include "jorm/resample.h"
 #include "jorm/shapes.h"
 #include "jorm/sort.h"
 #include "jorm/stats.h"

@@ -43,6 +43,8 @@ TEST(Reads, StayInside) {
                                  d = to.row(type, width, 4, channels, end);
                 const jorm_array m = by.row(JORM_U8, width, 1, 1, end), f = to.row(JORM_F32, width, 4, channels, end);
                 ASSERT_EQ(JormCopy(xe, 0, &d, &a, nullptr, nullptr), 0);
+                const jorm_array part = to.row(type, 1 + width * 2 / 3, 4, channels, end);
+                ASSERT_EQ(JormResize(xe, 0, &part, &a, nullptr, nullptr, nullptr), 0);
                 ASSERT_EQ(JormCopyEx(xe, 0, &d, &a, &m, nullptr, nullptr, nullptr), 0);
                 ASSERT_EQ(JormFillEx(xe, 0, &d, &m, nullptr, nullptr, values), type == JORM_F64 ? JORM_ENOTSUP : 0);
                 if (type == JORM_F64) continue;
