@@ -15,6 +15,7 @@
 #include "jorm/copy.h"
 #include "jorm/filter.h"
 #include "jorm/geometry.h"
+#include "jorm/matrix.h"
 #include "jorm/resample.h"
 #include "jorm/shapes.h"
 #include "jorm/sort.h"

@@ -1,0 +1,209 @@
+// Matrix products over random types, layouts and levels, against sums in the documented order.
+#include "jorm/matrix.h"
+#include "support/picture.hpp"
+
+namespace {
+
+const uint32_t reals[] = {JORM_F32, JORM_F64}, types[] = {JORM_U8, JORM_S16, JORM_S32, JORM_F32, JORM_F64};
+
+// Magnitudes far apart make the order of a sum matter; now and then what is no number.
+void fill(Random &r, Picture &p, bool special) {
+    const uint32_t type = p.a.eltype;
+    p.fill([&] {
+        if (type < JORM_F32) return std::floor(std::uniform_real_distribution<>(lowest(type), highest(type) + 1)(r));
+        if (special && r.one_in(20)) return r.of(std::array{nan, inf, -inf, -0., 1e300});
+        return std::ldexp(std::uniform_real_distribution<>(-1, 1)(r), r.in(-8, r.in(-8, 24)));
+    });
+}
+
+double rounded(uint32_t type, double v) {
+    if (type >= JORM_F32) return type == JORM_F32 ? float(v) : v;
+    return std::isnan(v) ? 0 : std::clamp(std::nearbyint(v) + 0., lowest(type), highest(type));
+}
+
+// The sum of a(k) b(k) for k < n.
+template <class A, class B> double sum_of(int n, A a, B b) {
+    double sum = 0;
+    for (int k = 0; k < n; ++k) {
+        const volatile double product = a(k) * b(k);
+        sum = sum + product;
+    }
+    return sum;
+}
+
+// Runs the call at every level; afterwards `dst` holds what `expected` says in all of `size`, and nothing else changed.
+template <class Call, class F>
+void expect_result(Picture &dst, const Index &size, Call call, F expected, Picture *restored = nullptr) {
+    const uint32_t type = dst.a.eltype;
+    Picture &owner = restored ? *restored : dst;
+    const Bytes before = owner.memory;
+    std::vector<double> wanted;
+    each(size, [&](const Index &i) { wanted.push_back(rounded(type, expected(i))); });
+    for (int level = 0; level < jorm::level_count; ++level) {
+        use_level(level);
+        std::copy(before.begin(), before.end(), owner.memory.begin());
+        ASSERT_EQ(call(), JORM_OK);
+        size_t k = 0;
+        each(size, [&](const Index &i) {
+            const double got = dst.get(i);
+            ASSERT_TRUE(same(got, wanted[k])) << got << " for " << wanted[k] << ", type " << type << " level " << level;
+            ++k;
+        });
+        each(size, [&](const Index &i) {
+            const size_t at = size_t(dst.at(i) - owner.memory.data()), n = size_t(bytes_of(type));
+            std::memcpy(&owner.memory[at], &before[at], n);
+        });
+        ASSERT_TRUE(owner.memory == before);
+    }
+}
+
+void check_products(Random &r, jorm_xe *xe, int most) {
+    const int h = r.in(1, most), k = r.in(1, most), w = r.in(1, most);
+    const bool special = r.one_in(3);
+    Picture a(r, r.of(reals), {1, h, k, 1}), b(r, r.of(reals), {1, k, w, 1}), dst(r, r.of(reals), {1, h, w, 1});
+    fill(r, a, special), fill(r, b, special);
+    expect_result(
+        dst, {1, h, w, 1}, [&] { return JormMulMM(xe, 0, &dst.a, &a.a, &b.a); },
+        [&](const Index &i) {
+            return sum_of(
+                k,
+                [&](int j) {
+                    return a.get({0, i[1], j, 0});
+                },
+                [&](int j) {
+                    return b.get({0, j, i[2], 0});
+                });
+        });
+
+    const bool upright = r.one_in(2), result_upright = r.one_in(2);
+    Picture v(r, r.of(reals), upright ? Index{1, k, 1, 1} : Index{1, 1, k, 1});
+    const Index size = result_upright ? Index{1, h, 1, 1} : Index{1, 1, h, 1};
+    Picture out(r, r.of(reals), size);
+    fill(r, v, special);
+    expect_result(
+        out, size, [&] { return JormMulMV(xe, 0, &out.a, &a.a, &v.a); },
+        [&](const Index &i) {
+            return sum_of(
+                k,
+                [&](int j) {
+                    return a.get({0, i[1] + i[2], j, 0});
+                },
+                [&](int j) {
+                    return v.get(upright ? Index{0, j, 0, 0} : Index{0, 0, j, 0});
+                });
+        });
+}
+
+enum class Place { apart, same, shifted };
+
+// Vectors in pixels or in rows; the source apart, the destination itself, or in its way.
+void check_vectors(Random &r, jorm_xe *xe, bool in_pixels, Place place, int most) {
+    const int axes = r.in(3, 4), planes = axes == 4 ? r.in(1, 3) : 1, rows = r.in(1, 5), n = r.in(1, most);
+    int h = in_pixels ? r.in(1, 4) : r.in(1, 30), k = in_pixels ? r.in(1, 4) : r.in(1, 30);
+    const uint32_t type = r.of(types), src_type = place == Place::apart ? r.of(types) : type;
+    if (place != Place::apart) h = k;
+    const Index size = in_pixels ? Index{planes, rows, n, h} : Index{planes, rows * 4, h, 1};
+    const Index from = in_pixels ? Index{planes, rows, n, k} : Index{planes, rows * 4, k, 1};
+    Picture m(r, r.of(reals), {1, h, k, 1}), dst(r, type, size, false, axes);
+    m.fill([&] { return r.one_in(30) ? r.of(std::array{nan, inf, 3e9}) : r.in(-2000, 2000) / 1024.; });
+    Picture src(r, src_type, from, false, axes);
+    jorm_array v = src.a, d = dst.a;
+    Picture *owner = &dst;
+    if (place != Place::apart) {
+        // One row less of the destination's memory, from one row further on.
+        fill(r, dst, false);
+        v = dst.a;
+        if (place == Place::shifted) {
+            if (size[1] < 2) return;
+            --v.extent[1], --dst.a.extent[1];
+            v.loff += v.stride[1];
+            d = dst.a;
+        }
+    } else
+        fill(r, src, true);
+    std::vector<double> source;
+    const Index count = extent_of(v);
+    each(count, [&](const Index &i) { source.push_back(load(v.eltype, element(v, i))); });
+    const auto at = [&](const Index &i) {
+        return source[size_t(((i[0] * count[1] + i[1]) * count[2] + i[2]) * count[3] + i[3])];
+    };
+    expect_result(
+        dst, extent_of(d), [&] { return JormMulMV_n(xe, 0, &d, &m.a, &v); },
+        [&](const Index &i) {
+            const int row = in_pixels ? i[3] : i[2];
+            return sum_of(
+                k,
+                [&](int j) {
+                    return m.get({0, row, j, 0});
+                },
+                [&](int j) {
+                    return at({i[0], i[1], in_pixels ? i[2] : j, in_pixels ? j : 0});
+                });
+        },
+        owner);
+}
+
+TEST(Matrix, Products) {
+    Random r(51);
+    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+    for (int i = 0; i < 600; ++i) check_products(r, xe, 12);
+    for (int i = 0; i < 60; ++i) check_products(r, xe, 70);
+    // Beyond every block: several rows of blocks, pieces of the sums, and rows too long for many of them.
+    for (const auto &[h, k, w] : {std::array{150, 400, 30}, {9, 9000, 5}, {1, 500, 60}}) {
+        Picture a(r, JORM_F32, {1, h, k, 1}), b(r, JORM_F32, {1, k, w, 1}), dst(r, JORM_F32, {1, h, w, 1});
+        fill(r, a, false), fill(r, b, false);
+        expect_result(
+            dst, {1, h, w, 1}, [&] { return JormMulMM(xe, 0, &dst.a, &a.a, &b.a); },
+            [&, k = k](const Index &i) {
+                return sum_of(
+                    k,
+                    [&](int j) {
+                        return a.get({0, i[1], j, 0});
+                    },
+                    [&](int j) {
+                        return b.get({0, j, i[2], 0});
+                    });
+            });
+    }
+    JormXEclose(xe);
+}
+
+TEST(Matrix, ManyVectors) {
+    Random r(52);
+    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+    for (int i = 0; i < 900; ++i)
+        check_vectors(r, xe, r.one_in(2), r.of(std::array{Place::apart, Place::same, Place::shifted}),
+                      r.one_in(8) ? 700 : 90);
+    JormXEclose(xe);
+}
+
+TEST(Matrix, Refusals) {
+    Random r(53);
+    Picture a(r, JORM_F32, {1, 4, 4, 1}, true), b(r, JORM_F32, {1, 4, 4, 1}, true),
+        out(r, JORM_F32, {1, 4, 4, 1}, true);
+    Picture wide(r, JORM_F32, {1, 4, 5, 1}, true), colour(r, JORM_U8, {1, 3, 3, 3}, true);
+    Picture whole(r, JORM_S32, {1, 4, 4, 1}, true), deep(r, JORM_F32, {1, 4, 4, 1}, true, 4);
+    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+    const Bytes before = out.memory;
+    const jorm_array *const no = nullptr;
+    const auto with = [](jorm_array array, auto change) { return change(array), array; };
+    const jorm_array empty = with(a.a, [](jorm_array &x) { x.extent[2] = 0; });
+    const jorm_array bad = with(a.a, [](jorm_array &x) { x.eltype = 7; });
+    const jorm_array part = with(a.a, [](jorm_array &x) { x.loff += x.stride[1], --x.extent[1]; });
+    const jorm_array flat = with(b.a, [](jorm_array &x) { x.extent[1] = 0; });
+    const jorm_array three = with(a.a, [](jorm_array &x) { x.extent[1] = 3; });
+    expect_each(JORM_EINVAL, {JormMulMM(nullptr, 0, &out.a, &a.a, &b.a), JormMulMM(xe, 0, no, &a.a, &b.a),
+                              JormMulMM(xe, 0, &out.a, no, &b.a), JormMulMM(xe, 0, &out.a, &a.a, no),
+                              JormMulMM(xe, 0, &out.a, &a.a, &wide.a), JormMulMM(xe, 0, &out.a, &wide.a, &b.a),
+                              JormMulMM(xe, 0, &colour.a, &a.a, &b.a), JormMulMM(xe, 0, &out.a, &bad, &b.a),
+                              JormMulMM(xe, 0, &a.a, &a.a, &b.a), JormMulMM(xe, 0, &part, &three, &b.a),
+                              JormMulMV(xe, 0, &out.a, &a.a, &b.a), JormMulMV_n(xe, 0, &colour.a, &a.a, &colour.a),
+                              JormMulMV_n(xe, 0, &out.a, &out.a, &b.a), JormMulMV_n(xe, 0, &wide.a, &a.a, &b.a)});
+    expect_each(JORM_EEMPTY, {JormMulMM(xe, 0, &out.a, &empty, &flat)});
+    expect_each(JORM_ENOTSUP, {JormMulMM(xe, 0, &out.a, &whole.a, &b.a), JormMulMM(xe, 0, &whole.a, &a.a, &b.a),
+                               JormMulMM(xe, 0, &deep.a, &a.a, &b.a), JormMulMV_n(xe, 0, &out.a, &whole.a, &b.a)});
+    EXPECT_EQ(out.memory, before);
+    JormXEclose(xe);
+}
+
+} // namespace
