@@ -135,6 +135,27 @@ class Tool(unittest.TestCase):
         at += 9 * row + 3 * 48  # the grey one in all channels, in the last row of dots of the first pixels
         self.assertEqual(samples[at:at + 120], [v for v in self.A[:4] for _ in range(30)])
 
+    def test_resize(self):
+        write_pgm("r.pgm", 3, [1, 2, 3, 4, 5, 6])
+        for words, expected in [(["--size", "2x2"], [1, 3, 4, 6]), (["--factor", "2,1"], [1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6]),
+                                (["--factor", "-1"], [6, 5, 4, 3, 2, 1]), (["--factor=0.01"], [3])]:
+            run("resize", "r.pgm", *words, "-o", "out.png")
+            self.assertEqual(read_png("out.png"), (1, expected), words)
+        for words in [], ["--size", "2x2", "--factor", "2"], ["--factor", "0"], ["--factor", "1,2,3"], ["--factor", "1e9"]:
+            run("resize", "r.pgm", *words, "-o", "out.png", status=2)
+
+    def test_matrix(self):
+        write_rgba("c.png", 2, 1, [10, 20, 30, 40, 200, 100, 0, 7])
+        run("matrix", "c.png", "--by", "swap", "-o", "out.png")
+        self.assertEqual(read_png("out.png"), (4, [30, 20, 10, 40, 0, 100, 200, 7]))
+        run("matrix", "c.png", "--by", "1,1,0,0,-1,0.25,0,0,2", "-o", "out.png")
+        self.assertEqual(read_png("out.png")[1], [30, 0, 60, 40, 255, 0, 0, 7])
+        run("matrix", "c.png", "--by", "gray", "-o", "out.png")
+        self.assertEqual(read_png("out.png")[1][:4], [18] * 3 + [40])
+        for by in "other", "1,2,3", "1,2,3,4,5,6,7,8,9,10":
+            self.assertIn("--by", run("matrix", "c.png", "--by", by, "-o", "out.png", status=2).stderr)
+        self.assertIn("colour", run("matrix", "a.pgm", "--by", "gray", "-o", "out.png", status=2).stderr)
+
     def test_hull(self):
         write_pgm("dot.pgm", 4, [0, 0, 0, 0, 0, 128, 127, 0])
         self.assertIn("1 pixels\n", run("hull", "dot.pgm", "-o", "out.png").stdout)

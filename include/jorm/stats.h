@@ -13,10 +13,10 @@
  * mask's region starts, null for its first element. A mask that ends early shortens the region. Channels. Bits 4 to 7
  * of the options select channels of the region (bit 4 + k for channel k); without any of them bits 4 to 7 of the
  * channel code do; without those all channels are selected. Results of other channels stay as they were. Environment.
- * Null will do: no scratch memory is used. Statuses, in this order: JORM_EINVAL (null pointers, bad or disagreeing
- * descriptors, channel counts), JORM_EEMPTY (no sample in the region), then for an element type that is not served
- * JORM_EINVAL from sums and means, and from extrema and ranges JORM_ENOTSUP when it is well formed, else JORM_EINVAL.
- * Nothing is written unless the status is JORM_OK.
+ * Null will do except for JormCountRelBox: no scratch memory is used. Statuses, in this order: JORM_EINVAL (null
+ * pointers, bad or disagreeing descriptors, channel counts), JORM_EEMPTY (no sample in the region), then for an element
+ * type that is not served JORM_EINVAL from sums and means, and from extrema and ranges JORM_ENOTSUP when it is well
+ * formed, else JORM_EINVAL. Nothing is written unless the status is JORM_OK.
  *
  * Sums of integers are exact at any size and rounded once to double. Sums of f32 are taken in double precision, in an
  * order that depends neither on the processor nor on the layout: sample i of a channel, in row-major order, goes to
@@ -25,6 +25,7 @@
 #ifndef JORM_STATS_H
 #define JORM_STATS_H
 
+#include "jorm/shapes.h"
 #include "jorm/types.h"
 #include "jorm/vrng.h"
 
@@ -66,6 +67,24 @@ JORM_API int64_t JormMinmax(jorm_xe *xe, uint64_t options, const jorm_array *src
                             jorm_minmax *record);
 JORM_API int64_t JormMinmaxEx(jorm_xe *xe, uint64_t options, const jorm_array *src, const jorm_array *mask,
                               const jorm_site *roi, const int32_t *at_mask, jorm_minmax *record);
+
+/* Relative differential box counting (Jin, Ong and Jayasooriah, "A practical method for estimating fractal dimension",
+ * Pattern Recognition Letters 16, 1995): how many boxes of the grey-level relief each channel goes through.
+ *
+ * The region is cut from its origin on into windows of the shape's extent, smaller ones at the ends; the anchor does
+ * not matter, and planes count for four axes only. The shape is adjusted to the region first (jorm_seshape_adjust);
+ * null stands for 5 by 5. A box is as high, h = (hi - lo) x window rows / region rows, in proportion to the channel's
+ * range, as its window is in proportion to the region. A window adds ceil((largest - least sample) / h) to its
+ * channel's result, but at least 1; with h not above 0 it adds 1. All of that in double precision; samples that are NaN
+ * are passed over.
+ *
+ * `ranges` has one record for each channel. Where one is invalid, or all for null, jorma__adjust_vrange over the region
+ * says what takes its place, for null the measured range. Valid ranges are used as they are; none is written to.
+ *
+ * Operands, regions, channels and statuses as above, of other element types those of extrema; JORM_EINVAL also without
+ * an environment. Scratch memory (JORM_ENOMEM) is two rows. */
+JORM_API int64_t JormCountRelBox(jorm_xe *xe, uint64_t options, const jorm_array *src, const jorm_site *roi,
+                                 const jorm_seshape *shape, const vrng *ranges, double *results);
 
 /* ---- Layers below ----
  *
