@@ -137,11 +137,16 @@ class Tool(unittest.TestCase):
 
     def test_resize(self):
         write_pgm("r.pgm", 3, [1, 2, 3, 4, 5, 6])
-        for words, expected in [(["--size", "2x2"], [1, 3, 4, 6]), (["--factor", "2,1"], [1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6]),
-                                (["--factor", "-1"], [6, 5, 4, 3, 2, 1]), (["--factor=0.01"], [3])]:
+        for words, expected in [
+            (["--size", "2x2"], [1, 3, 4, 6]),
+            (["--factor", "2,1"], [1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6]),
+            (["--factor", "-1"], [6, 5, 4, 3, 2, 1]),
+            (["--factor=0.01"], [5]),
+        ]:
             run("resize", "r.pgm", *words, "-o", "out.png")
             self.assertEqual(read_png("out.png"), (1, expected), words)
-        for words in [], ["--size", "2x2", "--factor", "2"], ["--factor", "0"], ["--factor", "1,2,3"], ["--factor", "1e9"]:
+        for words in [[], ["--size", "2x2", "--factor", "2"], ["--factor", "0"], ["--factor", "1,2,3"],
+                      ["--factor", "1e9"]]:
             run("resize", "r.pgm", *words, "-o", "out.png", status=2)
 
     def test_matrix(self):

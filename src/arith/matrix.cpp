@@ -112,27 +112,34 @@ int64_t multiply(jorm_xe *xe, uint64_t options, const Matrix &dst, const Matrix 
     return JORM_OK;
 }
 
-// ------------------------------------------------------------ vectors in pixels
+// --------------------------------------------------------------- many vectors
 
-struct Vectors {
-    Operand dst, src; // strides of rows, pixels, channels
+// Vectors that are pixels.
+struct Pixels {
+    const MatrixRows &rows;
+    const jorm_array &dst, &src;
     int dst_channels, src_channels;
     double matrix[16];
-};
 
-// One row of pixels.
-void transform_row(const MatrixRows &rows, const Vectors &v, char *dst, const char *src, int64_t pixels) {
-    alignas(64) double from[4 * vector_block], to[4 * vector_block];
-    const int64_t dst_step = v.dst.stride[1], src_step = v.src.stride[1];
-    for (int64_t x = 0; x < pixels; x += vector_block) {
-        const int64_t n = std::min(vector_block, pixels - x);
-        rows.load[matrix_line(v.src.type)]({from, vector_block, 1, const_cast<char *>(src) + x * src_step,
-                                            v.src.stride[2], src_step, v.src_channels, n});
-        rows.transform[v.src_channels - 1](to, from, v.matrix, v.dst_channels, n);
-        rows.store[matrix_line(v.dst.type)](
-            {to, vector_block, 1, dst + x * dst_step, v.dst.stride[2], dst_step, v.dst_channels, n});
+    Pixels(const MatrixRows &rows, const jorm_array &dst, const jorm_array &src, const Matrix &m)
+        : rows(rows), dst(dst), src(src), dst_channels(int(m.rows)), src_channels(int(m.columns)) {
+        MatrixTransfer t = m.part(0, 0, m.rows, m.columns);
+        t.numbers = matrix, t.row_step = m.columns, t.step = 1;
+        rows.load[matrix_line(m.type)](t);
     }
-}
+    void transform_row(char *to, char *from, int64_t pixels) const {
+        alignas(64) double components[4 * vector_block], results[4 * vector_block];
+        const int64_t dst_step = dst.stride[2], src_step = src.stride[2];
+        for (int64_t x = 0; x < pixels; x += vector_block) {
+            const int64_t n = std::min(vector_block, pixels - x);
+            rows.load[matrix_line(src.eltype)](
+                {components, vector_block, 1, from + x * src_step, src.stride[3], src_step, src_channels, n});
+            rows.transform[src_channels - 1](results, components, matrix, dst_channels, n);
+            rows.store[matrix_line(dst.eltype)](
+                {results, vector_block, 1, to + x * dst_step, dst.stride[3], dst_step, dst_channels, n});
+        }
+    }
+};
 
 // --------------------------------------------------------------------- fronts
 
@@ -172,6 +179,38 @@ int64_t multiply_arrays(jorm_xe *xe, uint64_t options, const jorm_array &dst, co
     return multiply(xe, options, product, left, right);
 }
 
+enum class Vectors { pixels, rows, unfit };
+
+Vectors vectors_of(const jorm_array &dst, const jorm_array &m, const jorm_array &v) {
+    const int channels = stored_channels(v.extent[3]), dst_channels = stored_channels(dst.extent[3]);
+    if (dst.ndims != v.ndims || (dst.ndims == 4 && dst.extent[0] != v.extent[0]) || dst.extent[1] != v.extent[1])
+        return Vectors::unfit;
+    if (channels == int32_t(m.extent[2]) && dst_channels == int32_t(m.extent[1]) && dst.extent[2] == v.extent[2])
+        return Vectors::pixels;
+    const bool rows = channels == 1 && dst_channels == 1 && v.extent[2] == m.extent[2] && dst.extent[2] == m.extent[1];
+    return rows ? Vectors::rows : Vectors::unfit;
+}
+
+// Moves the source into scratch memory where the destination would overwrite it too early.
+int64_t detach(Detached &detached, jorm_xe *xe, uint64_t options, const jorm_array &dst, jorm_array &src) {
+    if (!overlap(dst, src)) return JORM_OK;
+    static constexpr int32_t origin[4] = {};
+    const int first = 4 - src.ndims;
+    const int32_t channels = stored_channels(src.extent[3]);
+    int32_t size[4];
+    for (int i = 0; i < 4; ++i) size[i] = int32_t(src.extent[i]);
+    Operand from = operand_at(src, origin);
+    if (channels == stored_channels(dst.extent[3]) && src.extent[2] == dst.extent[2] &&
+        coincide(src.ndims, size + first, channels, operand_at(dst, origin), from))
+        return JORM_OK;
+    if (const int64_t status = detached.move(xe, options, src.ndims, size + first, channels, from); status != JORM_OK)
+        return status;
+    src.base = from.start;
+    src.loff = 0;
+    std::copy(from.stride, from.stride + src.ndims, src.stride + first);
+    return JORM_OK;
+}
+
 } // namespace
 } // namespace jorm
 
@@ -192,73 +231,34 @@ JORM_API int64_t JormMulMV(jorm_xe *xe, uint64_t options, const jorm_array *dst,
     return multiply_arrays(xe, options, *dst, *v, *m, to, from, plane_of(*m).transposed());
 }
 
-namespace jorm {
-namespace {
-
-// Are the vectors pixels? Else they are rows, or do not fit (-1).
-int vectors_in_pixels(const jorm_array &dst, const jorm_array &m, const jorm_array &v) {
-    const int channels = stored_channels(v.extent[3]), dst_channels = stored_channels(dst.extent[3]);
-    if (dst.ndims != v.ndims || (dst.ndims == 4 && dst.extent[0] != v.extent[0]) || dst.extent[1] != v.extent[1])
-        return -1;
-    if (channels == int32_t(m.extent[2]) && dst_channels == int32_t(m.extent[1]) && dst.extent[2] == v.extent[2])
-        return 1;
-    return channels == 1 && dst_channels == 1 && v.extent[2] == m.extent[2] && dst.extent[2] == m.extent[1] ? 0 : -1;
-}
-
-} // namespace
-} // namespace jorm
-
 JORM_API int64_t JormMulMV_n(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *m,
                              const jorm_array *v) {
     if (!described(dst) || !is_matrix(m) || !described(v)) return JORM_EINVAL;
-    const int in_pixels = vectors_in_pixels(*dst, *m, *v);
-    if (in_pixels < 0 || (!in_pixels && !xe)) return JORM_EINVAL;
+    const Vectors vectors = vectors_of(*dst, *m, *v);
+    if (vectors == Vectors::unfit || (vectors == Vectors::rows && !xe)) return JORM_EINVAL;
     if (!has_elements(*dst) || !has_elements(*m) || !has_elements(*v)) return JORM_EEMPTY;
-    for (const auto &[array, integers] : {std::pair(dst, true), {m, false}, {v, true}})
-        if (const int64_t status = check_type(array->eltype, integers); status != JORM_OK) return status;
+    for (const jorm_array *array : {dst, m, v})
+        if (const int64_t status = check_type(array->eltype, array != m); status != JORM_OK) return status;
     if (m->ndims > 3) return JORM_ENOTSUP;
     if (overlap(*dst, *m)) return JORM_EINVAL;
-
-    // The source, in scratch memory where the destination would overwrite it too early.
     jorm_array src = *v;
     Detached detached;
-    const int32_t channels = stored_channels(v->extent[3]);
-    const int first = 4 - v->ndims;
-    static constexpr int32_t origin[4] = {};
-    Operand from = operand_at(*v, origin), to = operand_at(*dst, origin);
-    int32_t size[4];
-    for (int i = 0; i < 4; ++i) size[i] = int32_t(v->extent[i]);
-    const bool same_shape = channels == stored_channels(dst->extent[3]) && v->extent[2] == dst->extent[2];
-    if (overlap(*dst, *v) && !(same_shape && coincide(v->ndims, size + first, channels, to, from))) {
-        if (const int64_t status = detached.move(xe, options, v->ndims, size + first, channels, from);
-            status != JORM_OK)
-            return status;
-        src.base = from.start;
-        src.loff = 0;
-        for (int i = first; i < 4; ++i) src.stride[i] = from.stride[i - first];
-    }
+    if (const int64_t status = detach(detached, xe, options, *dst, src); status != JORM_OK) return status;
 
-    const MatrixRows &rows = matrix_rows_at(level(options));
-    Vectors vectors = {{dst->eltype, nullptr, dst->stride + 1},
-                       {src.eltype, nullptr, src.stride + 1},
-                       stored_channels(dst->extent[3]),
-                       channels,
-                       {}};
     const Matrix matrix = plane_of(*m);
-    if (in_pixels) {
-        MatrixTransfer t = matrix.part(0, 0, matrix.rows, matrix.columns);
-        t.numbers = vectors.matrix, t.row_step = matrix.columns, t.step = 1;
-        rows.load[matrix_line(m->eltype)](t);
+    const int64_t planes = dst->ndims == 4 ? int64_t(dst->extent[0]) : 1;
+    if (vectors == Vectors::rows) {
+        for (int64_t z = 0; z < planes; ++z)
+            if (const int64_t status = multiply(xe, options, plane_of(*dst, z), plane_of(src, z), matrix.transposed());
+                status != JORM_OK)
+                return status;
+        return JORM_OK;
     }
-    for (int64_t z = 0; z < (dst->ndims == 4 ? int64_t(dst->extent[0]) : 1); ++z) {
-        const Matrix to_plane = plane_of(*dst, z), from_plane = plane_of(src, z);
-        if (!in_pixels) {
-            const int64_t status = multiply(xe, options, to_plane, from_plane, matrix.transposed());
-            if (status != JORM_OK) return status;
-        }
-        for (int64_t y = 0; in_pixels && y < to_plane.rows; ++y)
-            transform_row(rows, vectors, to_plane.start + y * to_plane.row_stride,
-                          from_plane.start + y * from_plane.row_stride, to_plane.columns);
+    const Pixels pixels(matrix_rows_at(level(options)), *dst, src, matrix);
+    for (int64_t z = 0; z < planes; ++z) {
+        const Matrix to = plane_of(*dst, z), from = plane_of(src, z);
+        for (int64_t y = 0; y < to.rows; ++y)
+            pixels.transform_row(to.start + y * to.row_stride, from.start + y * from.row_stride, to.columns);
     }
     return JORM_OK;
 }
