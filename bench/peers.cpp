@@ -62,6 +62,7 @@ struct Scene {
           f32b(describe(d.f32b)), f32w(describe(d.f32w)), out8(describe(d.out8)), out16(describe(d.out16)),
           out32f(describe(d.out32f)), framed2(describe(planes.framed2)), framed16(describe(planes.framed16)),
           half(describe(planes.half)), two_thirds(describe(planes.two_thirds)), xe(JormXEopen(nullptr, nullptr, 0)) {}
+          xe(JormXEopen(nullptr, nullptr, 0)) {}
     ~Scene() { JormXEclose(xe); }
 
     // Carries one range of values onto another.
@@ -73,6 +74,16 @@ struct Scene {
     int64_t filter(const jorm_array &dst, const jorm_array &src, uint32_t kind, int32_t n) {
         jorm_seshape window;
         return JormFilter(xe, 0, &dst, &src, nullptr, nullptr, kind, __jorm_seshape__$g2(&window, n, n));
+    // How often three of 256 values occur.
+    int64_t histogram(const jorm_array &a) {
+        jorm_histdesc d = {};
+        d.nbins = 256, d.hi = 255;
+        jorm_histogram h;
+        if (int64_t status = _jorm_histogram__$xe(&h, &d, xe); status != JORM_OK) return status;
+        const int64_t status = JormHistogram(xe, 0, &a, nullptr, 0, &h);
+        values[0] = h.bins[40], values[1] = h.bins[100], values[2] = h.bins[180];
+        jorm_hist_fini_$xe(&h, xe);
+        return status;
     }
 
     // Minimum and maximum, then the row and the column of each.
@@ -145,6 +156,7 @@ const Case cases[] = {
     {"minmax_u8", nullptr, 2, [](Scene &s) { return s.extrema(s.u8a); }},
     {"minmax_s16", nullptr, 2, [](Scene &s) { return s.extrema(s.s16a); }},
     {"minmax_f32", nullptr, 2, [](Scene &s) { return s.extrema(s.f32a); }},
+    {"hist_u8_256", nullptr, 3, [](Scene &s) { return s.histogram(s.u8a); }},
     {"mkborder_u8_r101_2", &Planes::framed2, 0, [](Scene &s) { return JormCopyMkb(s.xe, 0, &s.framed2, &s.u8a, no, margin2, &reflect101); }, true},
     {"mkborder_u8_r101_16", &Planes::framed16, 0, [](Scene &s) { return JormCopyMkb(s.xe, 0, &s.framed16, &s.u8a, no, margin16, &reflect101); }, true},
     {"box_u8_3x3", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_BOX, 3); }, true},

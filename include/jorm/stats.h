@@ -1,4 +1,4 @@
-/* libJorm statistics: sums, means, extrema, measured value ranges.
+/* libJorm statistics: sums, means, extrema, measured value ranges. Histograms: jorm/histogram.h.
  *
  *     JormSum(xe, options, src, roi, results)                       one double for each channel
  *     JormSumEx(xe, options, src, mask, roi, at_mask, results)      of the pixels that a mask selects
@@ -25,6 +25,7 @@
 #ifndef JORM_STATS_H
 #define JORM_STATS_H
 
+#include "jorm/histogram.h"
 #include "jorm/shapes.h"
 #include "jorm/types.h"
 #include "jorm/vrng.h"

@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <cstddef>
-#include <limits>
 
 static_assert(sizeof(jorm_extremum) == 24 && offsetof(jorm_minmax, min) == 4 && offsetof(jorm_minmax, max) == 100 &&
               sizeof(jorm_minmax) == 196);
@@ -23,12 +22,6 @@ static void begin(ExtremaState &state, int channels, uint8_t unselected) {
 namespace {
 
 constexpr uint32_t opcode = fourcc("mima");
-
-// To nearest; NaN and what does not fit become -2147483648.
-int32_t rounded(double x) {
-    x = std::nearbyint(x);
-    return x >= -2147483648.0 && x <= 2147483647.0 ? int32_t(x) : std::numeric_limits<int32_t>::min();
-}
 
 // What stands for an extremum that no sample has.
 double nothing(uint32_t type, bool least) {

@@ -1,9 +1,19 @@
 // Statistics of samples, behind every layer of the interface.
 #pragma once
+#include "jorm/histogram.h"
 #include "jorm/stats.h"
 #include "kernel/call.hpp"
 
+#include <cmath>
+#include <limits>
+
 namespace jorm {
+
+// To nearest; NaN and what does not fit become -2147483648.
+inline int32_t rounded(double x) {
+    x = std::nearbyint(x);
+    return x >= -2147483648.0 && x <= 2147483647.0 ? int32_t(x) : std::numeric_limits<int32_t>::min();
+}
 
 // What a statistic is taken of: flat arguments with two to four axes.
 struct StatSource {
@@ -26,5 +36,8 @@ int64_t extrema(const StatSource &s, jorm_minmax *record, const int32_t *origin)
 // Per selected channel the measured range; the caller's range, repaired.
 int64_t compute_range(const StatSource &s, vrng *ranges);
 int64_t adjust_range(const StatSource &s, vrng *ranges);
+
+// Counts the samples of each selected channel into its record.
+int64_t histogram(const StatSource &s, jorm_histogram *records);
 
 } // namespace jorm
