@@ -39,7 +39,6 @@ constexpr Limits limits_of(uint32_t type) {
 
 void read_record(HistogramState &s, const jorm_histogram &h, uint32_t type) {
     s.last = h.nbins - 1;
-    s.spare = h.nbins;
     s.phase = 0;
     std::fill_n(s.sum, real_sums, 0.0);
     if (type == JORM_F32) {
@@ -76,18 +75,16 @@ public:
             take(source.xe, byte_ways, byte_groups);
             by_value_ = has_groups();
         } else if (samples > 2.0 * h.nbins && h.nbins <= most_spread && !few) {
-            take(source.xe, bin_ways, int64_t(h.nbins) + 1);
+            take(source.xe, bin_ways, h.nbins);
         }
         s.counters = has_groups() ? groups_->as<uint32_t>() : h.bins;
         s.step = has_groups() ? ways_ : 1;
         s.spread = has_groups() ? 1 : 0;
-        kept_ = h.bins[h.nbins];
     }
     bool by_value() const { return by_value_; }
 
     void finish(Level which) {
         if (has_groups()) fold(which);
-        h_.bins[h_.nbins] = kept_;
         if (type_ == JORM_F32)
             set_real_sum();
         else
@@ -102,17 +99,17 @@ private:
     bool has_groups() const { return groups_ && *groups_; }
     void take(jorm_xe *xe, int ways, int64_t groups) {
         ways_ = ways;
-        number_ = groups;
         const size_t bytes = scratch_bytes(ways, groups, sizeof(uint32_t));
         groups_.emplace(xe, bytes, 64);
         if (*groups_) std::memset(groups_->get(), 0, bytes);
     }
     void fold(Level which) {
-        uint32_t sums[most_spread + 1];
+        uint32_t sums[most_spread];
         const void *const groups[] = {groups_->get()};
         const Row row = JORM_OF_LEVEL(fold_rows, which)[by_value_ ? 0 : 1];
-        row(sums, groups, number_ - 1, RowParams{});
-        for (int64_t i = 0; i < number_ - 1; ++i)
+        const int64_t n = by_value_ ? byte_groups - 1 : h_.nbins;
+        row(sums, groups, n, RowParams{});
+        for (int64_t i = 0; i < n; ++i)
             if (sums[i] != 0)
                 h_.bins[!by_value_ ? uint32_t(i) : bin_of(s_, type_ == JORM_S8 ? int8_t(i) : int32_t(i))] += sums[i];
     }
@@ -134,9 +131,7 @@ private:
     uint32_t type_;
     std::optional<Scratch> groups_;
     int ways_ = 1;
-    int64_t number_ = 0;
     bool by_value_ = false;
-    uint32_t kept_ = 0; // the spare counter
 };
 
 } // namespace

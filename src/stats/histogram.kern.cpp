@@ -52,7 +52,7 @@ static_assert(block % real_sums == 0);
 
 template <class T, BinRule rule>
 [[gnu::always_inline]] inline void find_bins(u32 *bin, const T *x, int n, const HistogramState &s) {
-    const u32 last = s.last, spare = s.spare;
+    const u32 last = s.last;
     if constexpr (is_real<T>) {
         const f32 lo = s.flo, hi = s.fhi;
         const f64 factor = s.factor, top = s.last;
@@ -61,7 +61,7 @@ template <class T, BinRule rule>
             at = at >= top ? top : at;
             at = at >= 1 ? at : 0;
             const u32 inside = rule == BinRule::wide ? u32(s64(at)) : u32(s32(at));
-            bin[i] = x[i] != x[i] ? spare : x[i] < lo ? 0 : x[i] > hi ? last : inside;
+            bin[i] = x[i] < lo ? 0 : x[i] > hi ? last : inside;
         }
     } else if constexpr (rule == BinRule::wide) {
         for (int i = 0; i < n; ++i) bin[i] = bin_of(s, x[i]);
@@ -84,6 +84,18 @@ template <class T> [[gnu::always_inline]] inline void find_bins(u32 *bin, const 
     find_bins<T, BinRule::scaled>(bin, x, n, s);
 }
 
+// Adds up the samples that count.
+[[gnu::always_inline]] inline void add_up(HistogramState &s, const f32 *x, const u32 *counts, int n) {
+    f64 sum[real_sums];
+    for (int w = 0; w < real_sums; ++w) sum[w] = s.sum[(w + s.phase) % real_sums];
+    int k = 0;
+    for (; n - k >= real_sums; k += real_sums)
+        for (int w = 0; w < real_sums; ++w) sum[w] += counts[k + w] != 0 ? x[k + w] : 0;
+    for (int w = 0; w < n - k; ++w) sum[w] += counts[k + w] != 0 ? x[k + w] : 0;
+    for (int w = 0; w < real_sums; ++w) s.sum[(w + s.phase) % real_sums] = sum[w];
+    s.phase = (s.phase + n) % real_sums;
+}
+
 template <class T, bool Masked> void count_samples(void *state, const void *const *src, int64_t n, const RowParams &) {
     HistogramState &s = *elements<HistogramState>(state);
     const T *x = elements<T>(src[0]);
@@ -91,24 +103,20 @@ template <class T, bool Masked> void count_samples(void *state, const void *cons
     const s64 step = s.step;
     u32 *const way[bin_ways] = {s.counters, s.counters + s.spread, s.counters + 2 * s.spread,
                                 s.counters + 3 * s.spread};
-    const u32 spare = s.spare;
-    u32 bin[block];
-    for (int64_t i = 0; i < n; i += block) {
+    u32 bin[block], counts[block]; // how often a sample counts: once, or not at all
+    for (int64_t i = 0; i < n; i += block, x += block) {
         const int m = n - i < block ? int(n - i) : block;
-        find_bins(bin, x + i, m, s);
-        if (Masked)
-            for (int k = 0; k < m; ++k) bin[k] = mask[i + k] != unselected ? bin[k] : spare;
+        find_bins(bin, x, m, s);
+        if (Masked || is_real<T>)
+            for (int k = 0; k < m; ++k) counts[k] = (!Masked || mask[i + k] != unselected) && x[k] == x[k];
+        const auto count = [&](int k, int w) __attribute__((always_inline)) {
+            way[w][bin[k] * step] += Masked || is_real<T> ? counts[k] : 1;
+        };
         int k = 0;
         for (; m - k >= bin_ways; k += bin_ways)
-            for (int w = 0; w < bin_ways; ++w) ++way[w][bin[k + w] * step];
-        for (; k < m; ++k) ++way[0][bin[k] * step];
-        if constexpr (is_real<T>) {
-            f64 sum[real_sums];
-            for (int w = 0; w < real_sums; ++w) sum[w] = s.sum[(w + s.phase) % real_sums];
-            for (k = 0; k < m; ++k) sum[k % real_sums] += bin[k] != spare ? x[i + k] : 0;
-            for (int w = 0; w < real_sums; ++w) s.sum[(w + s.phase) % real_sums] = sum[w];
-            s.phase = (s.phase + m) % real_sums;
-        }
+            for (int w = 0; w < bin_ways; ++w) count(k + w, w);
+        for (; k < m; ++k) count(k, 0);
+        if constexpr (is_real<T>) add_up(s, x, counts, m);
     }
 }
 

@@ -26,7 +26,7 @@ struct HistogramState {
     int32_t spread; // 1 or 0
     BinRule rule;
     uint8_t unselected;     // mask elements with this value leave their samples out
-    uint32_t last, spare;   // the last bin; the one of samples that do not count
+    uint32_t last;          // bin
     int32_t lo, hi;         // integers
     uint64_t bins, width;   // scaled: (x - lo) * bins / width
     float flo, fhi, factor; // f32
