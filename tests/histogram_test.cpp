@@ -1,0 +1,353 @@
+// Histograms over random types, layouts, regions, masks, layouts of bins and levels, against plain counting; the life
+// of their records.
+#include "jorm/arith.h"
+#include "jorm/stats.h"
+#include "support/heap.hpp"
+#include "support/picture.hpp"
+
+namespace {
+
+const uint32_t types[] = {JORM_U8, JORM_S8, JORM_S16, JORM_S32, JORM_F32};
+
+struct Histogram : jorm_histogram {
+    explicit Histogram(const jorm_histdesc &d) : jorm_histogram() { _jorm_histogram__$ia(this, &d); }
+    ~Histogram() { jorm_hist_fini(this); }
+    Histogram(const Histogram &) = delete;
+};
+
+jorm_histdesc description(uint32_t nbins, double lo, double hi) {
+    jorm_histdesc d = {};
+    d.first = d.fourth = d.rest = 77; // not read
+    d.nbins = nbins, d.lo = lo, d.hi = hi, d.f1 = 1 << 17, d.f2 = 98305;
+    return d;
+}
+
+// A bin for each value, wider and narrower ones, few, many; intervals within the type, beyond it, empty and absurd.
+jorm_histdesc random_description(Random &r, uint32_t type) {
+    if (type == JORM_F32) {
+        const vrng intervals[] = {{0, 1}, {-1, 1}, {0.25, 0.25}, {0.5, -0.5}, {nan, 1}, {-inf, inf}, {-3e38, 3e38}};
+        const vrng v = r.of(intervals);
+        return description(r.of(std::array{1u, 2u, 7u, 384u, 5000u}), v.lo, v.hi);
+    }
+    const double low = lowest(type), high = highest(type), lo = r.in(-300, 300), hi = lo + r.in(0, 600);
+    const vrng intervals[] = {{0, 255}, {-128, 127}, {lo, hi}, {lo - 0.4, hi + 0.4}, {low, high}, {hi, lo}, {nan, inf}};
+    const vrng v = r.of(intervals);
+    const double width = v.hi - v.lo + 1;
+    const uint32_t unit = width >= 1 && width <= 70000 ? uint32_t(std::nearbyint(v.hi) - std::nearbyint(v.lo) + 1) : 9;
+    return description(r.of(std::array{unit, unit, 1u, 2u, 16u, 300u, 5000u}), v.lo, v.hi);
+}
+
+double sample(Random &r, uint32_t type, int style) {
+    if (type == JORM_F32)
+        return style == 0   ? std::uniform_real_distribution<>(-1.2, 1.2)(r)
+               : style == 1 ? r.in(0, 2) / 2.
+                            : r.of(std::array{nan, inf, -inf, 0.25, 0., -0., 3e38, 1e-40});
+    const double low = std::max(lowest(type), -400.), high = std::min(highest(type), 400.);
+    return style == 0   ? r.in(int(low), int(high))
+           : style == 1 ? 17
+                        : std::floor(std::uniform_real_distribution<>(lowest(type), highest(type) + 1)(r));
+}
+
+// The bin of a sample; -1 for none.
+int64_t bin_of(const jorm_histogram &h, uint32_t type, double x) {
+    const int64_t last = int64_t(h.nbins) - 1;
+    if (type == JORM_F32) {
+        if (std::isnan(x)) return -1;
+        if (x < h.flo || x > h.fhi) return x < h.flo ? 0 : last;
+        const float factor = h.fspan == 0 ? 0 : float(last) / h.fspan;
+        const double at = double(float(x) - h.flo) * factor;
+        return at > 0 ? std::min(last, int64_t(at)) : 0;
+    }
+    const auto lo = int64_t(std::clamp(double(h.ilo), lowest(type), highest(type))), v = int64_t(x);
+    if (v < lo || v > h.ihi) return v < lo ? 0 : last;
+    const int64_t width = int64_t(h.ihi) - h.ilo + 1;
+    return width == h.nbins ? v - lo : int64_t(__int128(v - lo) * h.nbins / width);
+}
+
+// How one channel of a region with origin o and size n falls into bins; the mask, if any, is read at m.
+struct Expected {
+    std::vector<uint32_t> bins;
+    uint32_t sum = 0;
+    double total = 0, magnitude = 0;
+
+    Expected(const jorm_histogram &h, const Picture &src, const Index &o, Index n, int channel, const Picture *mask,
+             const Index &m, int unselected)
+        : bins(h.nbins + 1) {
+        const uint32_t type = src.a.eltype;
+        n[3] = 1;
+        each(n, [&](const Index &at) {
+            if (mask && *mask->at(::sum(at, m)) == unselected) return;
+            const double x = src.get(::sum(::sum(at, o), {0, 0, 0, channel}));
+            const int64_t bin = bin_of(h, type, x);
+            if (bin < 0) return;
+            ++bins[size_t(bin)];
+            total += x, magnitude += std::fabs(x);
+        });
+        const auto lo = int64_t(std::clamp(double(h.ilo), lowest(type), highest(type)));
+        for (uint32_t i = 0; i < h.nbins; ++i) sum += bins[i] * uint32_t(lo + i);
+    }
+};
+
+void check_case(Random &r, int rows, int pixels) {
+    const uint32_t type = r.of(types);
+    const int axes = r.in(3, 4), style = r.in(0, 2), density = r.in(0, 2) * 4;
+    const Index full = {axes == 4 ? r.in(1, 3) : 1, rows, pixels, r.in(1, 3)};
+    Picture src(r, type, full, false, axes);
+    src.fill([&] { return sample(r, type, style); });
+    jorm_site roi = {};
+    Index o = {}, n = full;
+    const bool part = r.one_in(2), masked = type != JORM_S8 && r.one_in(2), inverted = r.one_in(2);
+    for (size_t i = 0; i < 4; ++i) {
+        if (part) o[i] = r.in(0, n[i] - 1), n[i] = r.in(1, n[i] - o[i]);
+        roi.origin[i] = o[i], roi.size[i] = n[i];
+    }
+    const Index m = {0, r.in(0, 2), r.in(0, 2), 0};
+    Picture mask(r, r.of(std::array{JORM_U8, JORM_S8}), {full[0], n[1] + m[1], n[2] + m[2], 1}, false, axes);
+    mask.fill([&] { return r.in(0, 7) < density ? r.in(1, 255) : 0; });
+
+    const uint32_t chosen = r.one_in(2) ? 0 : r() & 15, in_code = r.one_in(2) ? chosen : 0;
+    src.a.extent[3] |= in_code << 4;
+    const uint64_t options = (chosen - in_code) << 4 | (inverted ? JORM_OPT_MASK_INVERT : 0);
+    const int lead = 4 - axes, layer = r.in(0, 3);
+    const uint32_t word = JORM_WORD(axes);
+    const Index size = {n[0], n[1], n[2], n[3] | int(in_code << 4)};
+    const int32_t *const s = &size[lead], *const stride = &src.a.stride[lead], *const by = &mask.a.stride[lead];
+    const jorm_histdesc d[3] = {random_description(r, type), random_description(r, type), random_description(r, type)};
+    const bool with_scratch = !r.one_in(4), without_bins = r.one_in(8);
+    float first_sum[3];
+    for (int level = 0; level < jorm::level_count; ++level) {
+        use_level(level);
+        Histogram own[3] = {Histogram(d[0]), Histogram(d[1]), Histogram(d[2])};
+        jorm_histogram h[4] = {own[0], own[1], own[2], {}};
+        if (without_bins) h[0].bins = nullptr;
+        jorm_xe *const xe = with_scratch ? JormXEopen(nullptr, nullptr, 0) : nullptr;
+        uint8_t *const p = src.at(layer == 1 ? Index{} : o), *const q = mask.at(layer == 1 ? Index{} : m);
+        const jorm_histparams params = {0, h};
+        const auto call = [&] {
+            const jorm_site *const where = part ? &roi : nullptr;
+            if (layer == 0)
+                return masked ? JormHistogramEx(xe, options, &src.a, &mask.a, where, m.data(), 0, h)
+                              : JormHistogram(xe, options, &src.a, where, 0, h);
+            if (layer == 1)
+                return masked ? jorma_histogram_xm(xe, options, word, s, type, p, &o[lead], stride, q, &m[lead], by, h)
+                              : jorma_histogram(xe, options, word, s, type, p, &o[lead], stride, h);
+            if (layer == 2)
+                return masked ? jorma__histogram_xm(xe, options, word, s, type, p, stride, q, by, h)
+                              : jorma__histogram(xe, options, word, s, type, p, stride, h);
+            return masked ? JormTGAhistogramEx(xe, options, &params, word, s, type, p, stride, mask.a.eltype, q, by)
+                          : JormTGAhistogram(xe, options, &params, word, s, type, p, stride);
+        };
+        for (uint32_t calls : {1u, 2u}) {
+            ASSERT_EQ(call(), JORM_OK);
+            for (int c = 0; c < 3; ++c) {
+                SCOPED_TRACE(testing::Message() << "type " << type << " channel " << c << " level " << level
+                                                << " layer " << layer << " interval " << d[c].lo << ' ' << d[c].hi);
+                const Bytes untouched((h[c].nbins + 1) * 4);
+                const bool selected = c < n[3] && (chosen == 0 || (chosen >> c & 1)) && h[c].bins;
+                if (!selected) {
+                    ASSERT_EQ(std::memcmp(own[c].bins, untouched.data(), untouched.size()), 0);
+                    ASSERT_EQ(h[c].sum, 0u);
+                    continue;
+                }
+                const Expected e(h[c], src, o, n, c, masked ? &mask : nullptr, m, inverted ? 255 : 0);
+                for (uint32_t i = 0; i <= h[c].nbins; ++i) ASSERT_EQ(h[c].bins[i], calls * e.bins[i]) << "bin " << i;
+                if (type != JORM_F32) {
+                    ASSERT_EQ(h[c].sum, calls * e.sum);
+                    ASSERT_EQ(h[c].fsum, h[c].ilo < 0 ? float(int32_t(h[c].sum)) : float(h[c].sum));
+                } else if (e.magnitude < 1e6) {
+                    ASSERT_NEAR(h[c].fsum, calls * e.total, 1e-6 * calls * e.magnitude);
+                    ASSERT_EQ(int32_t(h[c].sum), std::nearbyint(h[c].fsum));
+                    if (level == 0 && calls == 1) first_sum[c] = h[c].fsum;
+                    ASSERT_TRUE(calls == 2 || h[c].fsum == first_sum[c]);
+                }
+            }
+        }
+        JormXEclose(xe);
+    }
+}
+
+TEST(Histogram, AgreesWithPlainCounting) {
+    Random r(61);
+    for (int round = 0; round < 1530 && !HasFailure(); ++round)
+        round < 1500 ? check_case(r, r.in(1, 9), r.in(1, 90)) : check_case(r, r.in(1, 60), r.in(200, 900));
+}
+
+TEST(Histogram, HeadersSayWhatTheDescriptionMeans) {
+    struct Line {
+        jorm_histdesc d;
+        int32_t ilo, ihi;
+        uint32_t width, istep;
+        float flo, fhi, fspan, fstep;
+    };
+    const Line lines[] = {
+        {description(256, 0, 255), 0, 255, 256, 1, 0, 255, 255, 1},
+        {description(16, 0, 255), 0, 255, 256, 17, 0, 255, 255, 17},
+        {description(1, 0, 255), 0, 255, 256, 0, 0, 255, 255, 0},
+        {description(9, -2.5, 0.5), -2, 0, 3, 1, -2.5f, 0.5f, 3, 0.375f},
+        {description(3, 7, 7), 7, 7, 1, 0, 7, 7, 0, 0},
+        {description(5, -2147483648., 2147483647.), INT32_MIN, INT32_MAX, 0, 0x3FFFFFFF, -0x1p31f, 0x1p31f, 0x1p32f,
+         0x1p30f},
+        {description(2, 0.1, 1e10), 0, INT32_MIN, 0x80000001, 0x80000000, 0.1f, 1e10f, 1e10f, 1e10f},
+    };
+    for (const Line &l : lines) {
+        jorm_histogram h;
+        std::memset(&h, 0x55, sizeof h);
+        EXPECT_EQ(jorm_hist_inithdr(&h, &l.d), l.d.nbins);
+        EXPECT_EQ(std::tuple(h.sum, h.ilo, h.ihi, h.width, h.istep), std::tuple(0u, l.ilo, l.ihi, l.width, l.istep));
+        EXPECT_EQ(std::tuple(h.fsum, h.flo, h.fhi, h.fspan, h.fstep), std::tuple(0, l.flo, l.fhi, l.fspan, l.fstep));
+        EXPECT_EQ(std::tuple(h.product, h.nbins, h.bins), std::tuple(1u << 17, l.d.nbins, nullptr));
+    }
+}
+
+// Every form of making, resetting and releasing, with either memory.
+TEST(Histogram, RecordsLiveAndDie) {
+    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+    const jorm_histdesc d[4] = {description(4, 0, 3), description(5, 0, 4), description(6, 0, 5), description(7, 0, 6)};
+    const auto zeroed = [](const jorm_histogram &h) {
+        return h.bins && std::count(h.bins, h.bins + h.nbins + 1, 0u) == h.nbins + 1;
+    };
+    for (const bool stack : {false, true})
+        for (const bool by_mode : {false, true})
+            for (uint32_t code : {1u, 2u, 3u, 4u, 11u, 0x53u, 0xA4u, 0xF2u}) {
+                const int channels = code == 11 ? 4 : int(code & 7);
+                const uint32_t chosen = code >> 4 ? code >> 4 & ((1u << channels) - 1) : (1u << channels) - 1;
+                jorm_histogram h[5];
+                std::memset(h, 0x55, sizeof h);
+                EXPECT_EQ(jorm_hist_inithdr_$n(code, h, d), chosen);
+                const uint64_t junk = 0x5555555555555555;
+                EXPECT_EQ(stack     ? by_mode ? jorm_hist__init_n_xe(1, code, h, d, xe)
+                                              : _jorm_histogram__$n$xe(code, h, d, xe)
+                              : by_mode ? jorm_hist__init_n(1, code, h, d)
+                                    : _jorm_histogram__$n$ia(code, h, d),
+                          JORM_OK);
+                for (int c = 0; c < channels; ++c) {
+                    ASSERT_EQ(chosen >> c & 1, zeroed(h[c]));
+                    if (h[c].bins) {
+                        h[c].bins[2] = 9, h[c].sum = 9, h[c].fsum = 9;
+                        continue;
+                    }
+                    EXPECT_EQ(std::tuple(h[c].sum, h[c].ilo), std::tuple(0u, 0));
+                    h[c].sum = 8;
+                }
+                EXPECT_EQ(std::memcmp(&h[channels], &junk, 8), 0) << "beyond the channels";
+                if (by_mode)
+                    EXPECT_EQ(jorm_hist__init_n(2, code, h, nullptr), JORM_OK);
+                else
+                    jorm_hist_reset_$n(code, h);
+                for (int c = 0; c < channels; ++c) {
+                    EXPECT_TRUE(!h[c].bins || (zeroed(h[c]) && h[c].fsum == 0 && h[c].nbins == d[c].nbins));
+                    EXPECT_EQ(h[c].sum, h[c].bins ? 0u : 8u);
+                }
+                if (stack)
+                    jorm_hist_fini_$n$xe(code, h, xe);
+                else
+                    jorm_hist_fini_$n(code, h);
+                for (int c = 0; c < channels; ++c)
+                    EXPECT_EQ(std::tuple(h[c].sum, h[c].product, h[c].bins), std::tuple(0u, 0u, nullptr));
+            }
+    jorm_histogram one;
+    EXPECT_EQ(jorm_hist__init(0, &one, d), JORM_OK);
+    EXPECT_EQ(one.bins, nullptr);
+    EXPECT_EQ(jorm_hist__init_xe(1, &one, d, xe), JORM_OK);
+    EXPECT_TRUE(zeroed(one));
+    jorm_hist_fini_$xe(&one, xe);
+    EXPECT_EQ(_jorm_histogram__$xe(&one, d, xe), JORM_OK);
+    one.bins[1] = 3;
+    jorm_hist_reset(&one);
+    EXPECT_TRUE(zeroed(one));
+    jorm_hist_fini_$xe(&one, xe);
+    jorm_hist_reset(&one);
+    jorm_hist_fini(&one);
+    expect_each(JORM_EINVAL,
+                {jorm_hist__init(3, &one, d), jorm_hist__init(1, nullptr, d), jorm_hist__init_xe(1, &one, nullptr, xe),
+                 jorm_hist__init_n(0, 0, &one, d), jorm_hist__init_n_xe(4, 1, &one, d, xe),
+                 _jorm_histogram__$n$ia(7, &one, d), _jorm_histogram__$n$xe(0, &one, d, xe)});
+    JormXEclose(xe);
+}
+
+TEST(Histogram, CountersComeAllOrNone) {
+    if (!own_heap) GTEST_SKIP() << "the sanitizer's heap cannot be limited";
+    const jorm_histdesc d[3] = {description(4, 0, 3), description(1 << 20, 0, 4), description(1 << 30, 0, 5)};
+    jorm_histogram h[3];
+    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+    ASSERT_EQ(_jorm_histogram__$n$xe(2, h, d, xe), JORM_OK);
+    jorm_hist_fini_$n$xe(2, h, xe);
+    heap_limit = 1 << 24;
+    uint64_t before[4], after[4];
+    JormXEgetmmsp(xe, before);
+    EXPECT_EQ(_jorm_histogram__$n$xe(3, h, d, xe), JORM_ENOMEM);
+    JormXEgetmmsp(xe, after);
+    EXPECT_EQ(std::memcmp(before, after, sizeof before), 0) << "the stack is where it was";
+    for (const jorm_histogram &x : h) EXPECT_EQ(x.bins, nullptr);
+    EXPECT_EQ(jorm_hist__init_xe(1, &h[0], &d[0], nullptr), JORM_ENOMEM);
+    heap_limit = SIZE_MAX;
+    JormXEclose(xe);
+}
+
+TEST(Histogram, Kernels) {
+    Random r(62);
+    for (uint32_t type = 0; type < 17; ++type)
+        for (uint32_t channels = 0; channels < 6; ++channels)
+            for (const bool masked : {false, true}) {
+                const bool known = std::count(std::begin(types), std::end(types), type) && !(masked && type == JORM_S8);
+                const bool sound = ((type >= 1 && type <= 4) || (type >= 9 && type <= 15)) && channels >= 1 &&
+                                   channels <= 4 && (!known || channels == 1);
+                int32_t status = 1;
+                jorm_proc *const proc = masked ? jorma__histofunxm_imp(channels, type, &status)
+                                               : jorma__histofun_imp(channels, type, &status);
+                EXPECT_EQ(status, !sound ? JORM_EINVAL : known ? JORM_OK : JORM_ENOTSUP) << type << ' ' << channels;
+                if (status != JORM_OK) {
+                    EXPECT_EQ(proc, sound ? jorma_proc_enotsup : jorma_proc_einval);
+                    continue;
+                }
+                Picture a(r, type, {1, 3, 50, 1}, true), mask(r, JORM_U8, {1, 3, 50, 1}, true);
+                a.fill([&] { return r.in(0, 99); });
+                mask.fill([&] { return r.in(0, 1); });
+                Histogram h(description(100, 0, 99)), k(description(100, 0, 99));
+                const int32_t size[3] = {3, 50, 1}, *stride = a.a.stride + 1, *by = mask.a.stride + 1;
+                const auto p = reinterpret_cast<void (*)()>(proc);
+                const uint32_t word = JORM_WORD(3);
+                if (masked) {
+                    EXPECT_EQ(reinterpret_cast<jorm_histogram_xm_kernel *>(p)(nullptr, 0, word, size, a.at({}), stride,
+                                                                              mask.at({}), by, &k),
+                              JORM_OK);
+                    EXPECT_EQ(jorma__histogram_xm(nullptr, 0, word, size, type, a.at({}), stride, mask.at({}), by, &h),
+                              JORM_OK);
+                } else {
+                    EXPECT_EQ(
+                        reinterpret_cast<jorm_histogram_kernel *>(p)(nullptr, 0, word, size, a.at({}), stride, &k),
+                        JORM_OK);
+                    EXPECT_EQ(jorma__histogram(nullptr, 0, word, size, type, a.at({}), stride, &h), JORM_OK);
+                }
+                EXPECT_EQ(std::memcmp(h.bins, k.bins, 101 * 4), 0);
+                EXPECT_NE(h.sum, 0u);
+                EXPECT_EQ(h.sum, k.sum);
+            }
+}
+
+TEST(Histogram, StatusesComeInOrder) {
+    Random r(63);
+    const auto array = [&](uint32_t type, int channels) { return Picture(r, type, {1, 4, 5, channels}, true); };
+    Picture good = array(JORM_U8, 3), four = array(JORM_U8, 4), mask = array(JORM_U8, 1), u16 = array(JORM_U16, 1);
+    Picture odd = array(JORM_U8, 1), s8 = array(JORM_S8, 1);
+    odd.a.eltype = 5;
+    const jorm_site outside = {{0, 4, 0, 0}, {1, 1, 1, 3}};
+    const auto *g = &good.a, *o = &odd.a, *u = &u16.a, *m = &mask.a;
+    Histogram own(description(256, 0, 255));
+    jorm_histogram h[3] = {own, {}, {}};
+    expect_each(JORM_EINVAL,
+                {JormHistogram(nullptr, 0, nullptr, nullptr, 0, h), JormHistogram(nullptr, 0, g, nullptr, 0, nullptr),
+                 JormHistogram(nullptr, 0, &four.a, &outside, 0, h), JormHistogram(nullptr, 0, g, nullptr, 4, h),
+                 JormHistogram(nullptr, 0, o, nullptr, 0, h),
+                 JormHistogramEx(nullptr, 0, g, g, &outside, nullptr, 1, h),
+                 JormHistogramEx(nullptr, 0, g, u, nullptr, nullptr, 0, h)});
+    expect_each(JORM_EEMPTY, {JormHistogram(nullptr, 0, g, &outside, 1, h),
+                              JormHistogramEx(nullptr, 0, u, m, &outside, nullptr, 9, h)});
+    expect_each(JORM_ENOTIMP, {JormHistogram(nullptr, 0, u, nullptr, 1, h),
+                               JormHistogramEx(nullptr, 0, g, m, nullptr, nullptr, 3, h)});
+    expect_each(JORM_ENOTSUP, {JormHistogram(nullptr, 0, u, nullptr, 0, h),
+                               JormHistogramEx(nullptr, 0, &s8.a, m, nullptr, nullptr, 0, h)});
+    EXPECT_EQ(std::count(own.bins, own.bins + 257, 0u), 257);
+}
+
+} // namespace
