@@ -198,6 +198,21 @@ class Tool(unittest.TestCase):
         run("compare", "c.png", "--to", "4,5,200", "--relation", "less", "-o", "out.png")
         self.assertEqual(read_png("out.png"), (3, [255 * (v < (4, 5, 200)[v % 4]) for v in range(16) if v % 4 < 3]))
 
+    def test_hist(self):
+        write_pgm("h.pgm", 4, [0, 15, 16, 255, 255, 255, 100, 100])
+        self.assertEqual(json.loads(run("hist", "--json", "--bins", 16, "h.pgm").stdout),
+                         [[2, 1, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 3]])
+        self.assertIn("  0.. 85          3\n 86..170          2\n", run("hist", "--bins", 3, "h.pgm").stdout)
+        write_pgm("h.ppm", 1, [255, 0, 0, 255, 128, 0], colour=True)
+        write_pgm("last.pgm", 1, [0, 9])
+        counts = json.loads(run("hist", "h.ppm", "--json", "--mask", "last.pgm", "-o", "out.png").stdout)
+        self.assertEqual([c.index(1) for c in counts], [255, 128, 0])
+        self.assertEqual([sum(c) for c in counts], [1, 1, 1])
+        channels, samples = read_png("out.png")
+        pixel = lambda x, y: samples[3 * (592 * y + x):3 * (592 * y + x) + 3]
+        self.assertEqual([pixel(60 + 2 * 255, 12), pixel(60 + 2 * 128, 150), pixel(60, 267), pixel(100, 100)],
+                         [[255, 0, 0], [0, 255, 0], [0, 0, 255], [0, 0, 0]])
+
     def test_info_and_help(self):
         self.assertIn("a.pgm: 4x2, 1 channel", run("info", "a.pgm").stdout)
         self.assertIn("blend", run("--help").stdout)
