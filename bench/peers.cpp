@@ -110,6 +110,7 @@ struct Case {
 
 constexpr std::nullptr_t no = nullptr; // the whole picture, from its start
 constexpr double c37[] = {37}, c1_75[] = {1.75}, c93[] = {93}, c128[] = {128}, c255[] = {255}, c0[] = {0};
+constexpr jorm_thhmethod otsu = {JORM_THRESHOLD_OTSU, 0, {}, {}};
 constexpr jorm_border reflect101 = {JORM_BORDER_REFLECT101, 0, {}};
 constexpr int32_t margin2[] = {0, -2, -2, 0}, margin16[] = {0, -16, -16, 0};
 constexpr auto out8 = &pb::Data::out8, out16 = &pb::Data::out16, out32f = &pb::Data::out32f;
@@ -156,6 +157,7 @@ const Case cases[] = {
     {"minmax_u8", nullptr, 2, [](Scene &s) { return s.extrema(s.u8a); }},
     {"minmax_s16", nullptr, 2, [](Scene &s) { return s.extrema(s.s16a); }},
     {"minmax_f32", nullptr, 2, [](Scene &s) { return s.extrema(s.f32a); }},
+    {"otsu_threshold_u8", out8, 0, [](Scene &s) { return JormThreshold(s.xe, 0, &s.out8, &s.u8a, no, no, &otsu, no, 0); }},
     {"hist_u8_256", nullptr, 3, [](Scene &s) { return s.histogram(s.u8a); }},
     {"mkborder_u8_r101_2", &Planes::framed2, 0, [](Scene &s) { return JormCopyMkb(s.xe, 0, &s.framed2, &s.u8a, no, margin2, &reflect101); }, true},
     {"mkborder_u8_r101_16", &Planes::framed16, 0, [](Scene &s) { return JormCopyMkb(s.xe, 0, &s.framed16, &s.u8a, no, margin16, &reflect101); }, true},

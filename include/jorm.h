@@ -20,5 +20,6 @@
 #include "jorm/shapes.h"
 #include "jorm/sort.h"
 #include "jorm/stats.h"
+#include "jorm/threshold.h"
 
 #endif

@@ -1,0 +1,41 @@
+// Rows of thresholds.
+#include "compare/threshold_rows.hpp"
+#include "kernel/level_ops.hpp"
+
+namespace jorm::JORM_LEVEL {
+namespace {
+
+using u16 = uint16_t;
+using u32 = uint32_t;
+
+template <class D, class A> void between(void *dst, const void *const *src, int64_t n, const RowParams &params) {
+    const auto &p = static_cast<const BetweenParams &>(params);
+    const D yes = D(p.yes);
+    A lo, hi;
+    __builtin_memcpy(&lo, &p.constant, sizeof lo);
+    __builtin_memcpy(&hi, &p.upper, sizeof hi);
+    row1<D, A>(dst, src, n, [=](A a) { return D((lo <= a) & (a <= hi) ? yes : D(0)); });
+}
+
+// Differences of integers are exact, those of single precision rounded to double.
+template <class A> struct Wide { using type = s32; };
+template <> struct Wide<s32> { using type = s64; };
+template <> struct Wide<f32> { using type = f64; };
+
+template <class D, class A> void excess(void *dst, const void *const *src, int64_t n, const RowParams &params) {
+    using W = typename Wide<A>::type;
+    const auto &p = static_cast<const ExcessParams &>(params);
+    const D yes = D(p.yes);
+    const W limit = W(p.limit);
+    row2<D, A, A>(dst, src, n, [=](A a, A mean) { return W(a) > W(mean) + limit ? yes : D(0); });
+}
+
+} // namespace
+
+#define SOURCES(row, D) row<D, u8>, row<D, s8>, row<D, s16>, row<D, s32>, row<D, f32>
+#define ROWS(row) SOURCES(row, u8), SOURCES(row, u16), SOURCES(row, u32), row<u32, f32>
+extern const Row between_rows[], excess_rows[];
+const Row between_rows[] = {ROWS(between)};
+const Row excess_rows[] = {ROWS(excess)};
+
+} // namespace jorm::JORM_LEVEL
