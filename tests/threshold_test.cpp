@@ -1,0 +1,311 @@
+// Otsu's thresholds and thresholding over random types, layouts, regions, thresholds and levels, against plain loops.
+#include "jorm/arith.h"
+#include "jorm/threshold.h"
+#include "support/picture.hpp"
+
+namespace {
+
+const uint32_t sources[] = {JORM_U8, JORM_S8, JORM_S16, JORM_S32, JORM_F32};
+const uint32_t destinations[] = {JORM_U8, JORM_S16, JORM_S32, JORM_F32};
+constexpr double epsilon = 0x1p-23;
+
+struct Environment {
+    jorm_xe *xe = JormXEopen(nullptr, nullptr, 0);
+    ~Environment() { JormXEclose(xe); }
+    operator jorm_xe *() const { return xe; }
+};
+
+// Two humps, at times far apart; at times NaN.
+double sample(Random &r, uint32_t type) {
+    const double hump = r.one_in(3) ? r.in(150, 220) : r.in(5, 90);
+    if (type == JORM_F32) return r.one_in(40) ? nan : hump / 256;
+    return std::min(hump, highest(type)) - (type >= JORM_S16 && r.one_in(9) ? 300 : 0);
+}
+
+// The threshold by its definition: every cut, both classes from scratch.
+double otsu(const std::vector<double> &samples, double n, vrng range, uint32_t nbins, uint32_t type) {
+    const bool real = type == JORM_F32;
+    const double lo = real ? float(range.lo) : range.lo, hi = real ? float(range.hi) : range.hi;
+    const float span = float(hi) - float(lo), factor = span == 0 ? 0 : float(nbins - 1) / span;
+    const double step = nbins < 2 ? 0 : double(span / float(nbins - 1));
+    std::vector<double> count(nbins);
+    for (double x : samples) {
+        if (std::isnan(x)) continue;
+        const double inside = real                   ? double(float(x) - float(lo)) * factor
+                              : hi - lo + 1 == nbins ? x - lo
+                                                     : std::floor((x - lo) * nbins / (hi - lo + 1));
+        ++count[size_t(x < lo ? 0 : x > hi ? nbins - 1 : std::min(inside, nbins - 1.0))];
+    }
+    double best = 0, threshold = lo;
+    for (uint32_t t = 0; t < nbins; ++t) {
+        if (count[t] == 0) continue;
+        double below = 0, moment_below = 0, moment = 0;
+        for (uint32_t i = 0; i < nbins; ++i) {
+            const double value = i * step + lo;
+            (i <= t ? moment_below : moment) += count[i] * value;
+            below += i <= t ? count[i] : 0;
+        }
+        const double above = n - below;
+        if (above <= 0) break;
+        const double d = moment_below / below - moment / above, variance = above * below * d * d;
+        if (variance > best * (1 + 1e-12)) best = variance, threshold = t * step + lo;
+    }
+    return threshold + step - epsilon;
+}
+
+void check_otsu(Random &r) {
+    const uint32_t type = r.of(sources);
+    const int axes = r.in(3, 4);
+    const Index full = {axes == 4 ? r.in(1, 3) : 1, r.in(1, 30), r.in(1, 60), r.in(1, 3)};
+    Picture src(r, type, full, false, axes);
+    src.fill([&] { return sample(r, type); });
+    jorm_site roi = {};
+    Index o = {}, n = full;
+    for (size_t i = 0; i < 4; ++i) {
+        if (r.one_in(2)) o[i] = r.in(0, n[i] - 1), n[i] = r.in(1, n[i] - o[i]);
+        roi.origin[i] = o[i], roi.size[i] = n[i];
+    }
+    const uint32_t chosen = r.one_in(2) ? 0 : r() & 15;
+    const bool with_ranges = r.one_in(2);
+    const std::array<vrng, 5> wishes = {{{nan, 3}, {-inf, 0}, {5, 1}, {10.5, 200.5}, {-1e9, 1e9}}};
+    vrng ranges[3];
+    uint32_t bins[3];
+    for (int c = 0; c < 3; ++c) {
+        ranges[c] = r.of(wishes);
+        if (type == JORM_S8 && (std::isinf(ranges[c].lo) || ranges[c].lo > ranges[c].hi)) ranges[c] = {-20, 90};
+        bins[c] = r.of(std::array{0u, 1u, 2u, 100u, 256u});
+    }
+    const Environment xe;
+    const int lead = 4 - axes, layer = r.in(0, 3);
+    const int32_t *const s = &n[lead], *const stride = &src.a.stride[lead];
+    for (int level = 0; level < jorm::level_count; ++level) {
+        use_level(level);
+        double t[4] = {-7, -7, -7, -7};
+        vrng used[3] = {ranges[0], ranges[1], ranges[2]};
+        uint32_t counts[3] = {bins[0], bins[1], bins[2]};
+        vrng *const ur = with_ranges ? used : nullptr;
+        uint32_t *const ub = with_ranges ? counts : nullptr;
+        const jorm_otsuparams params = {t, ur, ub};
+        const uint64_t options = chosen << 4;
+        const uint32_t word = JORM_WORD(axes);
+        ASSERT_EQ(layer == 0   ? JormComputeThresholdByOtsu(xe, options, &src.a, &roi, t, ur, ub)
+                  : layer == 1 ? jorma_compute_threshold_otsu(xe, options, word, s, type, src.at({}), &o[lead], stride,
+                                                              t, ur, ub)
+                  : layer == 2 ? jorma__compute_threshold_otsu(xe, options, word, s, type, src.at(o), stride, t, ur, ub)
+                               : JormTGAcomputeThresholdByOtsu(xe, options, &params, word, s, type, src.at(o), stride),
+                  JORM_OK);
+        for (int c = 0; c < 4; ++c) {
+            if (c >= n[3] || (chosen != 0 && !(chosen >> c & 1))) {
+                ASSERT_EQ(t[c], -7);
+                ASSERT_TRUE(c == 3 || std::memcmp(&used[c], &ranges[c], sizeof(vrng)) == 0);
+                continue;
+            }
+            std::vector<double> samples;
+            double low = inf, high = -inf;
+            each({n[0], n[1], n[2], 1}, [&](const Index &at) {
+                samples.push_back(src.get(sum(sum(at, o), {0, 0, 0, c})));
+                low = std::fmin(low, samples.back()), high = std::fmax(high, samples.back());
+            });
+            const bool bytes = type == JORM_U8 || type == JORM_S16 || type == JORM_S32;
+            vrng range = {0, bytes ? 255. : 1.};
+            if (with_ranges && !std::isnan(ranges[c].lo)) {
+                range = ranges[c];
+                if (std::isinf(range.lo) || range.lo > range.hi)
+                    range = {low, high};
+                else if (type == JORM_F32)
+                    range = {float(range.lo), float(range.hi)};
+                else
+                    range = {std::max(std::floor(range.lo), lowest(type)),
+                             std::min(std::ceil(range.hi), highest(type))};
+            }
+            if (low > high) continue; // NaN alone: no histogram to speak of
+            const uint32_t count = with_ranges && bins[c] >= 2 ? bins[c] : bytes ? 256 : 384;
+            ASSERT_NEAR(t[c], otsu(samples, double(samples.size()), range, count, type), 1e-6 * (1 + std::fabs(t[c])))
+                << "type " << type << " range " << range.lo << ' ' << range.hi << " bins " << count;
+            if (!with_ranges) continue;
+            ASSERT_EQ(std::pair(used[c].lo, used[c].hi), std::pair(range.lo, range.hi));
+            ASSERT_EQ(counts[c], count);
+        }
+    }
+}
+
+TEST(Threshold, OtsuAgreesWithItsDefinition) {
+    Random r(71);
+    for (int round = 0; round < 400 && !HasFailure(); ++round) check_otsu(r);
+}
+
+TEST(Threshold, OtsuOfHistograms) {
+    uint32_t bins[5] = {0, 4, 0, 4, 9}; // the spare counter takes no part
+    jorm_histogram h = {};
+    h.nbins = 4, h.bins = bins, h.flo = 10, h.fstep = 2, h.product = 8;
+    EXPECT_EQ(jorma_calculate_threshold_otsu_f(&h), 12 + 2 - epsilon);
+    EXPECT_EQ(jorma_calculate_threshold_otsu_i(&h), 14);
+    h.product = 4; // as if the upper class were empty
+    EXPECT_EQ(jorma_calculate_threshold_otsu_f(&h), 10 + 2 - epsilon);
+    bins[1] = bins[3] = 0;
+    EXPECT_EQ(jorma_calculate_threshold_otsu_f(&h), 10 + 2 - epsilon);
+    const uint8_t halves[] = {0, 0, 255, 255};
+    const int32_t size[3] = {2, 2, 1}, stride[3] = {2, 1, 1};
+    double t;
+    const Environment xe;
+    ASSERT_EQ(jorma__compute_threshold_otsu(xe, 0, JORM_WORD(3), size, JORM_U8, halves, stride, &t, nullptr, nullptr),
+              JORM_OK);
+    EXPECT_EQ(t, 1 - epsilon);
+}
+
+bool upper(double x, double low, double high, int count) { return x > low && (count < 2 || x <= high); }
+
+void check_immediate(Random &r) {
+    const uint32_t from = r.of(sources), to = from == JORM_F32 ? r.of(destinations) : destinations[r.in(0, 2)];
+    const int axes = r.in(3, 4), channels = r.in(1, 3);
+    const Index full = {axes == 4 ? r.in(1, 3) : 1, r.in(1, 9), r.in(1, 90), channels};
+    Picture src(r, from, full, false, axes), dst(r, to, full, false, axes);
+    const double low = lowest(from), high = highest(from);
+    src.fill([&] {
+        if (from == JORM_F32) return r.of(std::array{nan, inf, -inf, 0., -0., 0.1, 3.5, -2., 1e30, double(0.1f)});
+        return r.of(std::array{low, low + 1, high, high - 1, 3., 4., 100., 0.});
+    });
+    jorm_site roi = {};
+    for (size_t i = 0; i < 4; ++i) {
+        roi.origin[i] = r.one_in(2) ? r.in(0, full[i] - 1) : 0;
+        roi.size[i] = r.in(1, full[i] - roi.origin[i]);
+    }
+    const Region region = common_region({&dst.a, &src.a}, &roi, {roi.origin});
+    double pairs[6];
+    const bool alike = r.one_in(2);
+    for (int i = 0; i < 6; ++i) {
+        const double wishes[] = {3.5,   3,      -0.5, low,  low - 1, high,   high - 0.5, high + 1, inf,         -inf,
+                                 1e-50, -1e-50, 0,    99.9, 1e300,   -1e300, 0.1,        0x1p31,   2147483646.5};
+        pairs[i] = alike && i > 1 ? pairs[i - 2] : r.of(wishes);
+    }
+    if (r.one_in(9)) pairs[0] = nan;
+    const int count = r.in(0, 3), layer = r.in(0, 4);
+    jorm_thhmethod method = {};
+    method.word = 0x120;
+    const jorm_thhmethod *const m = r.one_in(2) ? &method : nullptr;
+    const jorm_thresholdparams params = {m, pairs, count};
+    const Bytes before = dst.memory;
+    for (int level = 0; level < jorm::level_count; ++level) {
+        use_level(level);
+        std::copy(before.begin(), before.end(), dst.memory.begin());
+        Index n = region.size;
+        const Index &o = region.origin[0];
+        if (layer == 0) {
+            ASSERT_EQ(JormThreshold(nullptr, 0, &dst.a, &src.a, &roi, roi.origin, m, pairs, count), JORM_OK);
+        } else { // plane by plane
+            const int32_t *const s = &n[1], *const ds = dst.a.stride + 1, *const ss = src.a.stride + 1;
+            for (int z = 0; z < n[0]; ++z) {
+                const Index at = sum(o, {z, 0, 0, 0});
+                uint8_t *const d = dst.at(at), *const x = src.at(at);
+                const uint32_t word = JORM_WORD(3);
+                const int32_t origin[3] = {0, 0, 0};
+                ASSERT_EQ(layer == 1   ? jorma__ethreshold(nullptr, 0, word, s, to, d, ds, from, x, ss, m, pairs, count)
+                          : layer == 2 ? jorma_threshold(nullptr, 0, word, s, to, d, origin, ds, from, x, origin, ss,
+                                                         pairs, count)
+                          : layer == 3 ? (count < 2 ? jorma__sheer_threshold_n1 : jorma__sheer_threshold_n2)(
+                                             nullptr, 0, word, s, to, d, ds, from, x, ss, pairs, count)
+                                       : JormTGAthreshold(nullptr, 0, &params, word, s, to, d, ds, from, x, ss),
+                          JORM_OK);
+            }
+        }
+        Bytes rest = before; // with zeros in the region, as the destination has in the end
+        each(n, [&](const Index &i) {
+            const double x = src.get(sum(i, region.origin[1])), *p = pairs + 2 * i[3];
+            uint8_t *const at = dst.at(sum(i, o));
+            ASSERT_EQ(load(to, at), upper(x, p[0], p[1], count) ? to == JORM_F32 ? 1 : highest(to) : 0)
+                << from << " to " << to << ": " << x << " by " << p[0] << ' ' << p[1] << " count " << count;
+            store(to, at, 0);
+            std::memset(&rest[size_t(at - dst.memory.data())], 0, size_t(bytes_of(to)));
+        });
+        ASSERT_EQ(dst.memory, rest) << "outside of the region";
+    }
+}
+
+TEST(Threshold, ImmediateComparesExactly) {
+    Random r(72);
+    for (int round = 0; round < 1000 && !HasFailure(); ++round) check_immediate(r);
+}
+
+TEST(Threshold, OtsuMethodTakesTheWholeRegion) {
+    Random r(73);
+    const Environment xe;
+    for (int round = 0; round < 60 && !HasFailure(); ++round) {
+        const uint32_t type = r.of(sources);
+        const int axes = r.in(3, 4);
+        const Index full = {axes == 4 ? 3 : 1, 20, 30, r.in(1, 3)};
+        Picture src(r, type, full, false, axes), dst(r, JORM_U8, full, false, axes);
+        src.fill([&] { return sample(r, type); });
+        jorm_thhmethod method = {};
+        method.word = JORM_THRESHOLD_OTSU | (r.one_in(2) ? JORM_THRESHOLD_OWN_RANGES : 0);
+        for (int c = 0; c < 4; ++c) method.ranges[c] = {2, 200}, method.bins[c] = 50;
+        const bool own = (method.word & JORM_THRESHOLD_OWN_RANGES) != 0;
+        vrng ranges[4];
+        uint32_t bins[4];
+        std::copy_n(method.ranges, 4, ranges), std::copy_n(method.bins, 4, bins);
+        double t[4];
+        ASSERT_EQ(JormComputeThresholdByOtsu(xe, 0, &src.a, nullptr, t, own ? ranges : nullptr, own ? bins : nullptr),
+                  JORM_OK);
+        ASSERT_EQ(JormThreshold(xe, 0x20, &dst.a, &src.a, nullptr, nullptr, &method, nullptr, 0), JORM_OK);
+        each(full, [&](const Index &i) { ASSERT_EQ(dst.get(i), src.get(i) > t[i[3]] ? 255 : 0); });
+    }
+}
+
+TEST(Threshold, InPlace) {
+    Random r(74);
+    const Environment xe;
+    Picture a(r, JORM_U8, {1, 9, 70, 1}, true);
+    a.fill([&] { return sample(r, JORM_U8); });
+    std::vector<double> was;
+    each(extent_of(a.a), [&](const Index &i) { was.push_back(a.get(i)); });
+    jorm_thhmethod method = {};
+    method.word = JORM_THRESHOLD_OTSU;
+    double t;
+    ASSERT_EQ(JormComputeThresholdByOtsu(xe, 0, &a.a, nullptr, &t, nullptr, nullptr), JORM_OK);
+    ASSERT_EQ(JormThreshold(xe, 0, &a.a, nullptr, nullptr, nullptr, &method, nullptr, 0), JORM_OK);
+    size_t k = 0;
+    each(extent_of(a.a), [&](const Index &i) { ASSERT_EQ(a.get(i), was[k++] > t ? 255 : 0); });
+}
+
+TEST(Threshold, StatusesComeInOrder) {
+    Random r(75);
+    const Environment xe;
+    const auto array = [&](uint32_t type, int channels) { return Picture(r, type, {1, 4, 5, channels}, true); };
+    Picture u8 = array(JORM_U8, 1), four = array(JORM_U8, 4), f32 = array(JORM_F32, 1), u16 = array(JORM_U16, 1);
+    Picture out = array(JORM_U8, 1), odd = array(JORM_U8, 1), s8 = array(JORM_S8, 1);
+    odd.a.eltype = 5;
+    const jorm_site outside = {{0, 4, 0, 0}, {1, 1, 1, 1}};
+    jorm_thhmethod otsu = {}, unknown = {};
+    otsu.word = JORM_THRESHOLD_OTSU, unknown.word = 7;
+    const double pair[2] = {3, 5};
+    const Bytes before = out.memory;
+    const auto run = [&](const Picture &dst, const Picture &src, const jorm_site *roi, const jorm_thhmethod *m,
+                         const double *p) { return JormThreshold(xe, 0, &dst.a, &src.a, roi, nullptr, m, p, 1); };
+    expect_each(JORM_EINVAL, {run(four, four, &outside, nullptr, pair), run(out, four, nullptr, nullptr, pair),
+                              run(out, u8, nullptr, &unknown, pair), run(out, u8, nullptr, nullptr, nullptr),
+                              run(out, odd, nullptr, nullptr, pair),
+                              JormThreshold(xe, 0, nullptr, &u8.a, nullptr, nullptr, nullptr, pair, 1),
+                              JormTGAthreshold(xe, 0, nullptr, JORM_WORD(3), nullptr, 1, out.at({}), out.a.stride, 1,
+                                               u8.at({}), u8.a.stride)});
+    expect_each(JORM_EEMPTY, {run(out, u8, &outside, &unknown, nullptr), run(out, u16, &outside, nullptr, pair)});
+    expect_each(JORM_ENOTSUP, {run(out, u16, nullptr, nullptr, pair), run(f32, u8, nullptr, &otsu, pair),
+                               run(u16, u8, nullptr, nullptr, pair), run(out, u16, nullptr, &otsu, nullptr)});
+    EXPECT_EQ(JormThreshold(nullptr, 0, &out.a, &u8.a, nullptr, nullptr, &otsu, nullptr, 0), JORM_ENOMEM);
+    EXPECT_EQ(out.memory, before);
+
+    double t[2] = {-7, -7};
+    vrng range = {-inf, inf};
+    uint32_t bins = 1;
+    const auto compute = [&](const Picture &p, const jorm_site *roi, double *to) {
+        return JormComputeThresholdByOtsu(xe, 0, &p.a, roi, to, &range, &bins);
+    };
+    expect_each(JORM_EINVAL, {compute(u8, &outside, nullptr), compute(four, &outside, t), compute(odd, nullptr, t)});
+    EXPECT_EQ(compute(u16, &outside, t), JORM_EEMPTY);
+    expect_each(JORM_ENOTSUP, {compute(u16, nullptr, t), compute(s8, nullptr, t)});
+    EXPECT_EQ(JormComputeThresholdByOtsu(nullptr, 0, &u8.a, nullptr, t, &range, &bins), JORM_ENOMEM);
+    EXPECT_EQ(std::tuple(t[0], range.lo, bins), std::tuple(-7, -inf, 1u));
+    EXPECT_STREQ(jorm_thhmethod_str(0x15), "blur-threshold-method");
+    EXPECT_STREQ(jorm_thhmethod_str(0x10), "null(immediate)-threshold-method");
+    EXPECT_STREQ(jorm_thhmethod_str(2), "unknown-threshold-method");
+}
+
+} // namespace
