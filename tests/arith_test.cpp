@@ -73,9 +73,10 @@ TEST_P(Arithmetic, MatchesTheOracle) {
             std::string types = {d, "bhifc"[n % 5], "bhifc"[n / 5 % 5], "bhifc"[n / 25]};
             types.resize(size_t(op.sources) + 1);
             const int runs = stage_of(op, types) == 0 ? 1 : op.sources == 3 ? 12 : 24;
-            for (int i = 0; i < runs; ++i)
-                ASSERT_TRUE(i == 7 ? random_case(op, types, r, 1, r.in(700, 2300))
-                                   : random_case(op, types, r, r.in(1, 4), r.in(1, 70)));
+            for (int i = 0; i < runs; ++i) {
+                const int h = i == 7 ? 1 : r.in(1, 4), w = i == 7 ? r.in(700, 2300) : r.in(1, 70);
+                ASSERT_TRUE(random_case(op, types, r, h, w));
+            }
         }
 }
 
@@ -130,8 +131,10 @@ TEST(Kernels, CalledDirectly) {
     };
     Random r(3);
     for (const auto &[name, types, channels, f] : kernels)
-        for (int i = 0; i < 20; ++i)
-            ASSERT_TRUE(random_case(named(name), types, r, r.in(1, 4), r.in(1, 300), channels, f));
+        for (int i = 0; i < 20; ++i) {
+            const int h = r.in(1, 4), w = r.in(1, 300);
+            ASSERT_TRUE(random_case(named(name), types, r, h, w, channels, f));
+        }
 }
 
 TEST(Kernels, AddLookup) {

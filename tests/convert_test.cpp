@@ -10,8 +10,10 @@ double sample(uint32_t type, Random &r) {
     static const double odd[] = {nan, inf,  -inf,  3e9,   -3e9,    2147483648.0, 0.5,  1.5,
                                  2.5, -0.5, 254.5, 255.5, 32767.5, -32768.5,     1e-30};
     std::uniform_real_distribution<> part(0, 1);
-    if (type == JORM_F32) return r.one_in(4) ? r.of(odd) : (part(r) - 0.5) * std::ldexp(1, r.in(0, 35));
-    return lowest(type) + std::floor(part(r) * (highest(type) - lowest(type) + 1));
+    if (type == JORM_F32 && r.one_in(4)) return r.of(odd);
+    const double v = part(r);
+    if (type == JORM_F32) return std::ldexp(v - 0.5, r.in(0, 35));
+    return lowest(type) + std::floor(v * (highest(type) - lowest(type) + 1));
 }
 
 // y = x * scale + offset between the ranges, in double as promised.

@@ -163,7 +163,10 @@ TEST(Rectangles, ExtremesAndCorners) {
 TEST(Rectangles, FloatsHoldWhatSpansThem) {
     Random r(2);
     std::uniform_real_distribution<double> mantissa(-1, 1);
-    const auto coordinate = [&] { return std::ldexp(mantissa(r), r.in(-30, 30)); };
+    const auto coordinate = [&] {
+        const double m = mantissa(r);
+        return std::ldexp(m, r.in(-30, 30));
+    };
     each_family([&]<class P, class R, class K, class C>(const Family<P, R, K, C> &f) {
         using T = decltype(P::x);
         for (int round = 0; round < 100000 && std::is_floating_point_v<T>; ++round) {
@@ -340,7 +343,8 @@ TEST(Ellipses, EveryFigureAgreesWithItsOutline) {
     std::uniform_real_distribution<double> at(-50, 50), semi(0.5, 20), turn(-3, 3);
     for (int round = 0; round < 300; ++round) {
         jorm_r2d_ell e, back;
-        __jorm_r2d_ellipse__$g5(&e, at(random), at(random), semi(random), semi(random), turn(random));
+        const double x = at(random), y = at(random), a = semi(random), b = semi(random);
+        __jorm_r2d_ellipse__$g5(&e, x, y, a, b, turn(random));
         jorm_r2d_rect box, bounds;
         jorm_r2d_quad quad;
         jorm_r2d_moment2 moments, sampled;

@@ -215,9 +215,9 @@ TEST(Roi, AgainstEnumeration) {
                            view[1] * 27 + view[2] * 3,
                            nullptr};
         const jorm_site roi{{0, r.in(-1, 3), r.in(-1, 3), 0}, {1, r.in(1, 4), r.in(1, 4), 3}};
-        const int h = r.in(1, 4), w = r.in(1, 4);
+        const int h = r.in(1, 4), w = r.in(1, 4), y = r.in(0, h - 1), x = r.in(0, w - 1);
         jorm_seshape s;
-        __jorm_seshape__$g22(&s, r.in(0, h - 1), r.in(0, w - 1), h, w);
+        __jorm_seshape__$g22(&s, y, x, h, w);
         for (uint64_t options : {uint64_t(0), JORM_OPT_OWN_BORDER, JORM_OPT_NO_BORDER}) {
             const bool borderless = options == JORM_OPT_NO_BORDER;
             jorm_site out, work, flat{}, flat_work{};

@@ -23,7 +23,7 @@ template <class T> struct Value {
 // d[i] = m[i] selects ? in(i) : d[i], for `from` <= i < `to`.
 template <u8 skip, class T, class In>
 [[gnu::always_inline]] inline void update(T *d, const u8 *m, int64_t from, int64_t to, In in) {
-#pragma GCC ivdep
+    JORM_INDEPENDENT
     for (int64_t i = from; i < to; ++i) {
         const T x = in(i), y = d[i];
         d[i] = m[i] != skip ? x : y;
@@ -40,7 +40,7 @@ template <u8 skip, class T, class In>
         const uint64_t which = bytes_other_than(skip, m + i);
         if (which == 0) continue;
         if (~which == 0) {
-#pragma GCC ivdep
+            JORM_INDEPENDENT
             for (int64_t k = i; k < i + block; ++k) d[k] = in(k);
         } else
             update<skip>(d, m, i, i + block, in);

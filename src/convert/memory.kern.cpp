@@ -19,9 +19,11 @@ typedef char AlignedLine __attribute__((vector_size(64), aligned(64), may_alias)
 
 // Lengths from which string instructions and memset win: they take whole lines without reading them first. Far beyond
 // the cache ordinary stores fill faster again.
-constexpr int64_t move_by_string = 24576, fill_by_string = 786432, fill_by_stores = 4194304;
+constexpr int64_t fill_by_string = 786432, fill_by_stores = 4194304;
 
 #ifdef JORM_LEVEL_avx512
+constexpr int64_t move_by_string = 24576;
+
 inline void move_string(char *d, const char *s, int64_t n) {
     asm volatile("rep movsb" : "+D"(d), "+S"(s), "+c"(n) : : "memory");
 }

@@ -20,7 +20,7 @@ template <bool Uniform, int Count, class K, class D, class A, class B, class F>
     D *d = elements<D>(dst);
     const A *a = elements<A>(src[0]);
     const B *b = elements<B>(src[same<B, void *> ? 0 : 1]);
-    auto at = [&](int64_t i, K k1, K k2) [[gnu::always_inline]] {
+    auto at = [&](int64_t i, K k1, K k2) {
         if constexpr (same<B, void *>) {
             if constexpr (Count == 2)
                 d[i] = f(a[i], k1, k2);

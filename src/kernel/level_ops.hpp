@@ -23,6 +23,13 @@ using s128 = __int128;
 using f32 = float;
 using f64 = double;
 
+// Before a loop whose elements do not depend on one another.
+#ifdef __clang__
+#define JORM_INDEPENDENT _Pragma("clang loop vectorize(assume_safety)")
+#else
+#define JORM_INDEPENDENT _Pragma("GCC ivdep")
+#endif
+
 template <class A, class B> constexpr bool same = false;
 template <class A> constexpr bool same<A, A> = true;
 template <class T> constexpr bool is_real = same<T, f32> || same<T, f64>;
