@@ -86,21 +86,84 @@ TEST(Vec, BinaryFamilies) {
         }
 }
 
-TEST(Vec, AssignNegateCompare) {
-    const Index a = {3, 0, INT32_MIN, 9};
-    Index d = {1, 1, 1, 1};
-    EXPECT_EQ(jorm_vec__assign_$S(4, nullptr, a.data()), nullptr);
-    EXPECT_EQ(slots(jorm_vec_neg(4, d.data(), a.data())), (Index{-3, 0, INT32_MIN, -9}));
-    EXPECT_EQ(jorm_vec_assign_$L(JORM_WORD(2), d.data() + 2, a.data() + 2), d.data() + 2);
-    EXPECT_EQ(d, a);
-    EXPECT_EQ(slots(jorm_vec__assign_$S(2, d.data(), nullptr)), (Index{0, 0, INT32_MIN, 9}));
-    EXPECT_EQ(slots(jorm_vec_dup_$L(JORM_WORD(3), d.data() + 1, 4) - 1), (Index{4, 4, 4, 4}));
-    const Index v = {1, 2, 3, 4}, w = {1, 2, 4, 4}, x = {0, 2, 3, 4};
-    expect_each(1, {jorm_vec_equal0_$LS(JORM_WORD(3), nullptr), jorm_vec__equal(2, v.data(), w.data()),
-                    jorm_vec__assign_$Z(1, d.data(), a.data())});
-    expect_each(0, {jorm_vec_equal(3, v.data(), w.data()), jorm_vec_equal_$L(JORM_WORD(1), &v[3], &x[3]),
-                    jorm_vec__equal_$S(4, a.data(), nullptr), jorm_vec__assign_$Z(2, d.data(), a.data()),
-                    jorm_vec__assign_$Z(0, d.data(), a.data())});
+// The other functions of vectors, each with the number of slots as a count, in the low bits and in a word.
+TEST(Vec, UnaryFamiliesAndComparisons) {
+    Random r(10);
+    for (int round = 0; round < 400; ++round) {
+        const Index blank = {5, 6, 7, 8};
+        Index a, b;
+        for (size_t i = 0; i < 4; ++i) {
+            a[i] = r.one_in(3) ? r.of(std::array{INT_MIN, INT_MAX}) : r.in(-1, 1);
+            b[i] = r.one_in(6) ? 1 : a[i];
+        }
+        if (r.one_in(4)) a = {0, 0, 0, r.in(0, 1)};
+        const int n = r.in(0, 4), lead = n ? 4 - n : 0;
+        const bool null = r.one_in(4); // stands for zeros
+        const auto each_form = [&](auto test, auto counted, auto masked, auto packed) {
+            test(counted, n, 0, n);
+            test(masked, 0xFFFFFF70u | uint32_t(n), 0, n);
+            test(packed, JORM_WORD(n ? n : 4), lead, 4);
+        };
+        const auto writes = [&](auto oracle) {
+            return [&, oracle](auto form, auto slots, int first, int count) {
+                Index d = blank, want = blank;
+                for (int i = 0; i < count; ++i) want[size_t(i)] = oracle(null ? 0 : a[size_t(i)]);
+                EXPECT_EQ(form(slots, &d[size_t(first)], null ? nullptr : &a[size_t(first)]), &d[size_t(first)]);
+                EXPECT_EQ(d, want);
+            };
+        };
+        const auto compares = [&](const Index &other) {
+            return [&](auto form, auto slots, int first, int count) {
+                const bool equal = std::equal(a.begin(), a.begin() + count, other.begin());
+                EXPECT_EQ(form(slots, &a[size_t(first)], &other[size_t(first)]), equal);
+                EXPECT_EQ(form(slots, &other[size_t(first)], &a[size_t(first)]), equal);
+            };
+        };
+        const auto copy = writes([](int32_t v) { return v; });
+        const auto negate = writes([](int32_t v) { return int32_t(0 - uint32_t(v)); });
+        each_form(copy, jorm_vec__assign, jorm_vec_assign, jorm_vec_assign_$L);
+        each_form(copy, jorm_vec__assign_$S, jorm_vec_assign_$S, jorm_vec_assign_$LS);
+        each_form(negate, jorm_vec__neg, jorm_vec_neg, jorm_vec_neg_$L);
+#define IN_PLACE(f, assign) [](auto n, int32_t *d, const int32_t *v) { return f(n, assign(n, d, v)); }
+#define CONSTANT(call) [](auto n, int32_t *d, const int32_t *) { return call; }
+        each_form(negate, IN_PLACE(jorm_vec__neg_$I, jorm_vec__assign), IN_PLACE(jorm_vec_neg_$I, jorm_vec_assign),
+                  IN_PLACE(jorm_vec_neg_$IL, jorm_vec_assign_$L));
+        each_form(writes([](int32_t) { return 9; }), CONSTANT(jorm_vec__dup(n, d, 9)), CONSTANT(jorm_vec_dup(n, d, 9)),
+                  CONSTANT(jorm_vec_dup_$L(n, d, 9)));
+        each_form(writes([](int32_t) { return 0; }), CONSTANT(jorm_vec__zero(n, d)), CONSTANT(jorm_vec_zero(n, d)),
+                  CONSTANT(jorm_vec_zero_$L(n, d)));
+        each_form(compares(b), jorm_vec__equal, jorm_vec_equal, jorm_vec_equal_$L);
+        each_form(compares(b), jorm_vec__equal_$S, jorm_vec_equal_$S, jorm_vec_equal_$LS);
+        const auto is_zero = [&](auto form, auto slots, int first, int count) {
+            EXPECT_EQ(form(slots, &a[size_t(first)]), std::count(a.begin(), a.begin() + count, 0) == count);
+            EXPECT_EQ(form(slots, nullptr), 1);
+        };
+        each_form(is_zero, jorm_vec__equal0, jorm_vec_equal0, jorm_vec_equal0_$L);
+        each_form(is_zero, jorm_vec__equal0_$S, jorm_vec_equal0_$S, jorm_vec_equal0_$LS);
+        // Offsets go there and back over dense strides.
+        const Index size = {3, 4, 5, 2}, dense = {40, 10, 2, 1};
+        Index place, back;
+        for (size_t i = 0; i < 4; ++i) place[i] = r.in(0, size[i] - 1);
+        const auto offsets = [&](auto form, auto slots, int first, int count) {
+            int64_t sum = 0;
+            for (size_t i = 0; i < size_t(count); ++i) sum += int64_t(place[i]) * dense[i];
+            EXPECT_EQ(form(slots, &place[size_t(first)], &dense[size_t(first)]), sum);
+        };
+        each_form(offsets, jorm_vec__mkloff, jorm_vec_mkloff, jorm_vec_mkloff_$L);
+        each_form(offsets, jorm_vec__mkloff, jorm_vec_mkloff, jorm_vec_mkloff_$LS);
+        const int64_t all = jorm_vec__mkloff(4, place.data(), dense.data());
+        const auto returns = [&](auto form, auto slots, int first, int) {
+            back = {};
+            EXPECT_EQ(form(slots, &back[size_t(first)], &dense[size_t(first)], all), &back[size_t(first)]);
+            EXPECT_TRUE(n != 4 || back == place);
+        };
+        each_form(returns, jorm_vec__fromloff, jorm_vec_fromloff, jorm_vec_fromloff_$L);
+        each_form(returns, jorm_vec__update_$loff, jorm_vec_update_$loff, jorm_vec_update_$loff$L);
+#undef IN_PLACE
+#undef CONSTANT
+        EXPECT_EQ(jorm_vec__assign_$Z(n, b.data(), a.data()), n > 0 && *std::min_element(&a[0], &a[0] + n) > 0);
+    }
+    EXPECT_EQ(jorm_vec__assign_$S(4, nullptr, Index{}.data()), nullptr);
 }
 
 TEST(Vec, Offsets) {
@@ -229,9 +292,39 @@ TEST(Toolkit, AccessorsAndCounts) {
         {jorm_volume__empty(1, e.data()), 0},
     };
     for (const auto &[got, want] : values) EXPECT_EQ(got, want) << &got - values[0];
+    for (int n = 0; n <= 4; ++n) {
+        const auto agree = [&](auto counted, auto worded, auto... v) {
+            EXPECT_EQ(counted(n, v...), worded(JORM_WORD(n), v...)) << n;
+        };
+        const int32_t *const x = e.data(), *const y = s.data();
+        agree(jorm__elstride, jorm_elstride, y), agree(jorm__pixstride, jorm_pixstride, y);
+        agree(jorm__rowstride, jorm_rowstride, y), agree(jorm__rowstride2, jorm_rowstride2, x, y);
+        agree(jorm__pixpadding, jorm_pixpadding, x, y), agree(jorm__rowpadding, jorm_rowpadding, x, y);
+        agree(jorm_volume__height, jorm_volume_height, x), agree(jorm_volume__nchannels, jorm_volume_nchannels, x);
+        agree(jorm_volume__capacity, jorm_volume_capacity, x), agree(jorm_volume__pixcap, jorm_volume_pixcap, x);
+        agree(jorm_volume__capacity_$Q, jorm_volume_capacity_$Q, x);
+        agree(jorm_volume__pixcap_$Q, jorm_volume_pixcap_$Q, x), agree(jorm_volume__empty, jorm_volume_empty, x);
+    }
+    EXPECT_EQ(jorm__elstride(4, s.data()), 2);
+    EXPECT_EQ(jorm__pixstride(4, s.data()), 12);
+    EXPECT_EQ(jorm_volume__pixcap_$Q(3, Index{1 << 20, 1 << 20, 3}.data()), int64_t(1) << 40);
+    EXPECT_EQ(jorm_elpadding(), 0);
     Index v;
+    EXPECT_EQ(slots(_jorm_Nvolume__$(v.data())), (Index{1, 1, 1, 1}));
+    EXPECT_EQ(slots(_jorm_Nvolume__$1(v.data(), 3)), (Index{1, 1, 1, 3}));
     EXPECT_EQ(slots(_jorm_Nvolume__$2(v.data(), 7, 3)), (Index{1, 1, 7, 3}));
+    EXPECT_EQ(slots(_jorm_Nvolume__$3(v.data(), 5, 7, 3)), (Index{1, 5, 7, 3}));
+    EXPECT_EQ(slots(_jorm_Nvolume__$g1(v.data(), 7)), (Index{1, 1, 7, 1}));
+    EXPECT_EQ(slots(_jorm_Nvolume__$g2(v.data(), 5, 7)), (Index{1, 5, 7, 1}));
     EXPECT_EQ(slots(_jorm_Nvolume__$g3(v.data(), 2, 5, 7)), (Index{2, 5, 7, 1}));
+    char bytes[400];
+    const Index place = {0, 3, 2, 1};
+    const void *const want[] = {bytes + 40 + 3 * 64 + 2 * 12 + 2, bytes + 40 + 3 * 64 + 2 * 12};
+    EXPECT_EQ(jorm_base_advance(bytes, 40, 4, place.data(), s.data()), want[0]);
+    EXPECT_EQ(jorm_base_advance_$L(bytes, 40, JORM_WORD(3), &place[1], &s[1]), want[0]);
+    EXPECT_EQ(jorm_base_advance_$LS(bytes, 40, JORM_WORD(3), &place[1], &s[1]), want[0]);
+    EXPECT_EQ(jorm_base_at_$2d$pt(bytes, 40, &place[1], &s[1]), want[1]);
+    EXPECT_EQ(jorm_advance_ptr(want[1], 2), want[0]);
     EXPECT_EQ(jorm::element_size(15), 0);
     EXPECT_TRUE(jorm::well_formed(15) && !jorm::well_formed(5) && !jorm::well_formed(0x11));
 }

@@ -14,34 +14,69 @@ Pair of(const jorm_seshape *s) { return {slots(s->anchor), slots(s->extent)}; }
 Pair of(const jorm_brshape *b) { return {slots(b->low), slots(b->high)}; }
 Pair of(const jorm_site &s) { return {slots(s.origin), slots(s.size)}; }
 
-TEST(Seshape, ConstructorsAndParts) {
-    jorm_seshape s;
-    const int32_t a[] = {1, 0, 3}, e[] = {3, 4, 7};
-    EXPECT_EQ(of(__jorm_seshape__$(&s)), (Pair{{0, 2, 2, 0}, {1, 5, 5, 1}}));
-    EXPECT_EQ(of(__jorm_seshape__$g1(&s, -3)), (Pair{{0, 0, -1, 0}, {1, 1, -3, 1}}));
-    EXPECT_EQ(of(__jorm_seshape__$g2(&s, 4, 7)), (Pair{{0, 2, 3, 0}, {1, 4, 7, 1}}));
-    EXPECT_EQ(of(__jorm_seshape__$g3(&s, 3, 4, 7)), (Pair{{1, 2, 3, 0}, {3, 4, 7, 1}}));
-    EXPECT_EQ(of(__jorm_seshape__$g11(&s, 9, 7)), (Pair{{0, 0, 9, 0}, {1, 1, 7, 1}}));
-    EXPECT_EQ(of(__jorm_seshape__$g22(&s, 1, 2, 4, 7)), (Pair{{0, 1, 2, 0}, {1, 4, 7, 1}}));
-    EXPECT_EQ(of(__jorm_seshape__$g33(&s, 5, 1, 2, 3, 4, 7)), (Pair{{5, 1, 2, 0}, {3, 4, 7, 1}}));
-    EXPECT_EQ(of(__jorm_seshape__$gv(&s, 2, e)), (Pair{{0, 1, 2, 0}, {1, 3, 4, 1}}));
-    EXPECT_EQ(of(__jorm_seshape__$gv$L(&s, JORM_WORD(3), e)), (Pair{{1, 2, 3, 0}, {3, 4, 7, 1}}));
-    EXPECT_EQ(of(__jorm_seshape__$gvv(&s, 2, a, e)), (Pair{{0, 1, 0, 0}, {1, 3, 4, 1}}));
-    EXPECT_EQ(of(__jorm_seshape__$gvv$L(&s, JORM_WORD(1), a, e)), (Pair{{0, 0, 1, 0}, {1, 1, 3, 1}}));
-    EXPECT_EQ(of(jorm_seshape_setvol_$gv(&s, 3, e)), (Pair{{0, 0, 1, 0}, {3, 4, 7, 1}}));
-    EXPECT_EQ(of(jorm_seshape_rstanchor_$gn(&s, 2)), (Pair{{0, 2, 3, 0}, {3, 4, 7, 1}}));
-    EXPECT_EQ(of(jorm_seshape_setvol_$g1(&s, 9)), (Pair{{0, 2, 3, 0}, {1, 1, 9, 1}}));
-    EXPECT_EQ(of(jorm_seshape_rstanchor_$g1(&s)), (Pair{{0, 2, 4, 0}, {1, 1, 9, 1}}));
-    EXPECT_EQ(of(jorm_seshape_xsetvol_$g2(&s, 8, 6)), (Pair{{0, 4, 3, 0}, {1, 8, 6, 1}}));
-    EXPECT_EQ(of(jorm_seshape_vzero(&s)), (Pair{{0, 4, 3, 0}, {}}));
-    EXPECT_EQ(jorm_seshape_empty(&s), 1);
-    jorm_seshape_setvol_$g3(&s, 65536, 65536, -2);
-    EXPECT_EQ(jorm_seshape_capacity(&s), 0);
-    EXPECT_EQ(jorm_seshape_capacity_$Q(&s), 0);
-    jorm_seshape_setvol_$g3(&s, 65536, 65536, 2);
-    EXPECT_EQ(jorm_seshape_capacity_$Q(&s), int64_t(1) << 33);
-    EXPECT_EQ(jorm_seshape_empty(&s), 0);
-    EXPECT_EQ(__jorm_seshape__$gvv(nullptr, 3, nullptr, nullptr), nullptr);
+// All forms of one call on the same record: the result, and that null gives null.
+template <class S, class... Forms> void expect_forms(const S &old, const Pair &want, Forms... forms) {
+    int at = 0;
+    const auto check = [&](auto form) {
+        S s = old;
+        EXPECT_EQ(form(&s), &s);
+        EXPECT_EQ(of(&s), want) << "form " << at++;
+        EXPECT_EQ(form(static_cast<S *>(nullptr)), nullptr);
+    };
+    (check(forms), ...);
+}
+#define FORM(call) [&](auto *s) { return call; }
+
+TEST(Seshape, FormsOfConstructorsAndParts) {
+    Random r(2);
+    const Index ones = {1, 1, 1, 1}, was = {7, -8, 9, 6};
+    for (int round = 0; round < 100; ++round) {
+        const int32_t d = r.in(-3, 9), h = r.in(-3, 9), w = r.in(-3, 9), e[] = {d, h, w}, a[] = {w, d, h};
+        jorm_seshape old{{7, -8, 9, 6}, {5, 5, 5, 5}};
+        for (int k = 0; k <= 3; ++k) {
+            Index extent = ones, centre = {}, anchor = {}, part = was;
+            for (size_t i = size_t(3 - k); i < 3; ++i) {
+                extent[i] = e[i], anchor[i] = a[i];
+                centre[i] = part[i] = e[i] / 2;
+            }
+            const int32_t *const v = e + 3 - k, *const u = a + 3 - k;
+            const uint32_t word = JORM_WORD(k);
+            expect_forms(old, {centre, extent}, FORM(__jorm_seshape__$gv(s, k, v)),
+                         FORM(__jorm_seshape__$gv$L(s, word, v)), FORM(jorm_seshape_xsetvol_$gv(s, k, v)),
+                         FORM(jorm_seshape_xsetvol_$gv$L(s, word, v)));
+            expect_forms(old, {was, extent}, FORM(jorm_seshape_setvol_$gv(s, k, v)),
+                         FORM(jorm_seshape_setvol_$gv$L(s, word, v)));
+            expect_forms(old, {anchor, extent}, FORM(__jorm_seshape__$gvv(s, k, u, v)),
+                         FORM(__jorm_seshape__$gvv$L(s, word, u, v)));
+            jorm_seshape sized = old;
+            jorm_seshape_setvol_$g3(&sized, d, h, w);
+            const Pair moved = {part, {d, h, w, 1}};
+            expect_forms(sized, moved, FORM(jorm_seshape_rstanchor_$gn(s, k)));
+            if (k == 1) {
+                expect_forms(old, {centre, extent}, FORM(__jorm_seshape__$g1(s, w)),
+                             FORM(jorm_seshape_xsetvol_$g1(s, w)));
+                expect_forms(old, {was, extent}, FORM(jorm_seshape_setvol_$g1(s, w)));
+                expect_forms(old, {anchor, extent}, FORM(__jorm_seshape__$g11(s, h, w)));
+                expect_forms(sized, moved, FORM(jorm_seshape_rstanchor_$g1(s)));
+            } else if (k == 2) {
+                expect_forms(old, {centre, extent}, FORM(__jorm_seshape__$g2(s, h, w)),
+                             FORM(jorm_seshape_xsetvol_$g2(s, h, w)));
+                expect_forms(old, {was, extent}, FORM(jorm_seshape_setvol_$g2(s, h, w)));
+                expect_forms(old, {anchor, extent}, FORM(__jorm_seshape__$g22(s, d, h, h, w)));
+                expect_forms(sized, moved, FORM(jorm_seshape_rstanchor_$g2(s)));
+            } else if (k == 3) {
+                expect_forms(old, {centre, extent}, FORM(__jorm_seshape__$g3(s, d, h, w)),
+                             FORM(jorm_seshape_xsetvol_$g3(s, d, h, w)));
+                expect_forms(old, {was, extent}, FORM(jorm_seshape_setvol_$g3(s, d, h, w)));
+                expect_forms(old, {anchor, extent}, FORM(__jorm_seshape__$g33(s, w, d, h, d, h, w)));
+                expect_forms(sized, moved, FORM(jorm_seshape_rstanchor_$g3(s)), FORM(jorm_seshape_rstanchor(s)));
+            }
+        }
+        expect_forms(old, {{0, 2, 2, 0}, {1, 5, 5, 1}}, FORM(__jorm_seshape__$(s)));
+        expect_forms(old, {{}, {5, 5, 5, 5}}, FORM(jorm_seshape_azero(s)));
+        expect_forms(old, {was, {}}, FORM(jorm_seshape_vzero(s)));
+        expect_forms(old, {}, FORM(jorm_seshape_zero(s)));
+    }
 }
 
 TEST(Seshape, Adjustment) {
@@ -58,16 +93,75 @@ TEST(Seshape, Adjustment) {
     };
     const int32_t size[] = {30, 20, 10, 3};
     for (const auto &[k, in, out] : cases) {
-        jorm_seshape before, s;
-        jorm_strel t{}; // without data the same
-        std::memcpy(&before, &in, sizeof before);
-        std::memcpy(&t, &in, sizeof before);
-        EXPECT_EQ(jorm_seshape__adjust_$gv(&s, &before, k, size + 3 - k), 1);
-        EXPECT_EQ(of(&s), out);
-        EXPECT_EQ(of(&before), in);
-        EXPECT_EQ(jorm_strel__adjust_$gv$I(&t, k, size + 3 - k), 1);
-        std::memcpy(&s, &t, sizeof s);
-        EXPECT_EQ(of(&s), out);
+        const int axes = k; // a structured binding cannot be captured
+        const int32_t *const n = size + 3 - k;
+        const auto check = [&](auto old, auto adjust, auto in_place) {
+            std::memcpy(&old, &in, sizeof in);
+            auto copied = old;
+            EXPECT_EQ(adjust(&copied, &old), 1);
+            EXPECT_EQ(std::memcmp(&old, &in, sizeof in), 0);
+            EXPECT_EQ(in_place(&old), 1);
+            EXPECT_EQ(std::memcmp(&old, &out, sizeof out), 0);
+            EXPECT_EQ(std::memcmp(&copied, &out, sizeof out), 0);
+            EXPECT_EQ(in_place(static_cast<decltype(&old)>(nullptr)), 0);
+        };
+        const jorm_seshape window{};
+        const jorm_strel masked{}; // without data the same
+#define ADJUST(call) [&](auto *d, const auto *s) { return call; }
+        check(window, ADJUST(jorm_seshape__adjust_$gv(d, s, axes, n)), FORM(jorm_seshape__adjust_$gv$I(s, axes, n)));
+        check(masked, ADJUST(jorm_strel__adjust_$gv(d, s, axes, n)), FORM(jorm_strel__adjust_$gv$I(s, axes, n)));
+        if (k == 3) {
+            check(window, ADJUST(jorm_seshape_adjust(d, s, n)), FORM(jorm_seshape_adjust_$I(s, n)));
+            check(masked, ADJUST(jorm_strel_adjust(d, s, n)), FORM(jorm_strel_adjust_$I(s, n)));
+        }
+        if (k == 2) {
+            check(window, ADJUST(jorm_seshape_adjust_$g2(d, s, 20, 10)), FORM(jorm_seshape_adjust_$g2$I(s, 20, 10)));
+            check(masked, ADJUST(jorm_strel_adjust_$g2(d, s, 20, 10)), FORM(jorm_strel_adjust_$g2$I(s, 20, 10)));
+        }
+#undef ADJUST
+    }
+}
+
+TEST(Strel, LikeAWindow) {
+    const struct {
+        int32_t d, h, w, empty, capacity;
+        int64_t guarded;
+    } cases[] = {{2, 3, 4, 0, 24, 24},
+                 {65536, 65536, 2, 0, 0, int64_t(1) << 33},
+                 {65536, 65536, -2, 1, 0, 0},
+                 {0, 3, 4, 1, 0, 0},
+                 {-1, -1, 7, 1, 7, 0}};
+    for (const auto &c : cases) {
+        jorm_seshape s{{1, 2, 3, 4}, {c.d, c.h, c.w, 1}};
+        jorm_strel t{};
+        std::memcpy(&t, &s, sizeof s);
+        expect_each(c.empty, {jorm_seshape_empty(&s), jorm_strel_empty(&t)});
+        expect_each(c.capacity, {jorm_seshape_capacity(&s), jorm_strel_capacity(&t)});
+        expect_each(c.guarded, {jorm_seshape_capacity_$Q(&s), jorm_strel_capacity_$Q(&t)});
+        EXPECT_EQ(slots(jorm_strel_rstanchor(&t)->anchor), (Index{c.d / 2, c.h / 2, c.w / 2, 4}));
+        EXPECT_EQ(slots(jorm_strel_azero(&t)->anchor), Index{});
+    }
+    expect_each(0, {jorm_seshape_empty(nullptr), jorm_seshape_capacity(nullptr), jorm_seshape_capacity_$Q(nullptr),
+                    jorm_strel_empty(nullptr), jorm_strel_capacity(nullptr), jorm_strel_capacity_$Q(nullptr)});
+    EXPECT_TRUE(!jorm_strel_rstanchor(nullptr) && !jorm_strel_azero(nullptr));
+}
+
+TEST(Strel, SolidInEveryType) {
+    for (uint32_t type = 0; type < 16; ++type) {
+        const bool numbers = (type >= JORM_U8 && type <= JORM_U64) || (type > JORM_S8 && type <= JORM_F64);
+        alignas(8) uint8_t data[24] = {};
+        const int32_t bytes = bytes_of(type);
+        jorm_strel s{};
+        s.mask = {{1, 1, 3, 1}, {1, 1, 3, 1}, {0, 0, bytes, bytes}, 3, 0, type, 0, 0, data};
+        const auto paint = [&](int i, double v) {
+            const int64_t whole = int64_t(v);
+            std::memcpy(data + i * bytes, &whole, size_t(bytes));
+            if (type == JORM_F32 || type == JORM_F64) store(type, data + i * bytes, v);
+        };
+        for (int i = 0; i < 3; ++i) paint(i, 255);
+        EXPECT_EQ(jorm_strel_issolid_$v255(&s), numbers) << type;
+        paint(2, 254);
+        EXPECT_EQ(jorm_strel_issolid_$v255(&s), 0) << type;
     }
 }
 
@@ -96,23 +190,57 @@ TEST(Strel, MaskDataStayAndSolidityIsExact) {
     EXPECT_TRUE(jorm_strel_issolid_$v255(&s) && jorm_strel_issolid_$v255(nullptr));
 }
 
-TEST(Brshape, ConstructorsAndSizes) {
-    jorm_brshape b;
-    const int32_t before[] = {smallest, 2}, after[] = {3, 4}, size[] = {2, 10, 20, 3};
-    EXPECT_EQ(of(__jorm_brshape__$g1(&b, 3, 4)), (Pair{{0, 0, -3, 0}, {0, 0, 4, 0}}));
-    EXPECT_EQ(of(__jorm_brshape__$g3(&b, 1, 2, 3, 4, 5, 6)), (Pair{{-1, -2, -3, 0}, {4, 5, 6, 0}}));
-    EXPECT_EQ(of(__jorm_brshape__$gv$L(&b, JORM_WORD(2), before, after)), (Pair{{0, smallest, -2, 0}, {0, 3, 4, 0}}));
-    jorm_seshape s;
-    __jorm_brshape__$se(&b, __jorm_seshape__$g22(&s, 0, 3, 4, 5));
-    EXPECT_EQ(of(&b), (Pair{{0, 0, -3, 0}, {0, 3, 1, 0}}));
-    Index v, w;
-    EXPECT_EQ(slots(jorm_Nvolume_widen_$br(v.data(), size, &b)), (Index{2, 13, 24, 3}));
-    EXPECT_EQ(slots(jorm_Nvolume_narrow_$se(w.data(), v.data(), &s)), slots(size));
-    EXPECT_EQ(slots(jorm_Nvolume_narrow_$I$br(w.data(), &b)), (Index{2, 7, 16, 3}));
+TEST(Brshape, FormsOfConstructors) {
+    const jorm_brshape old{{9, 9, 9, 9}, {9, 9, 9, 9}};
+    const int32_t before[] = {smallest, 2, 3}, after[] = {4, 5, 6};
+    const Index low[] = {{}, {0, 0, -3, 0}, {0, -2, -3, 0}, {smallest, -2, -3, 0}};
+    const Index high[] = {{}, {0, 0, 6, 0}, {0, 5, 6, 0}, {4, 5, 6, 0}};
+    for (int k = 0; k <= 3; ++k)
+        expect_forms(old, {low[k], high[k]}, FORM(__jorm_brshape__$gv(s, k, before + 3 - k, after + 3 - k)),
+                     FORM(__jorm_brshape__$gv$L(s, JORM_WORD(k), before + 3 - k, after + 3 - k)));
+    expect_forms(old, {low[1], high[1]}, FORM(__jorm_brshape__$g1(s, 3, 6)));
+    expect_forms(old, {low[2], high[2]}, FORM(__jorm_brshape__$g2(s, 2, 3, 5, 6)));
+    expect_forms(old, {low[3], high[3]}, FORM(__jorm_brshape__$g3(s, smallest, 2, 3, 4, 5, 6)));
+    expect_forms(old, {}, FORM(__jorm_brshape__$(s)), FORM(jorm_brshape_zero(s)), FORM(jorm_brparm_zero(s)),
+                 FORM(__jorm_brshape__$se(s, nullptr)));
+    const jorm_seshape window{{0, 0, 3, 7}, {1, 4, 5, 7}};
+    expect_forms(old, {{0, 0, -3, 0}, {0, 3, 1, 0}}, FORM(__jorm_brshape__$se(s, &window)),
+                 FORM(__jorm_brparm__$se(s, &window)));
     const jorm_site outer{{0, -2, -3, 9}, {1, 14, 20, 3}}, inner{{0, 0, 1, 9}, {1, 10, 15, 1}};
-    EXPECT_EQ(of(__jorm_brshape__$ois(&b, &outer, &inner)), (Pair{{0, -2, -4, 0}, {0, 2, 1, 0}}));
-    EXPECT_EQ(jorm_brshape_empty(&b), 0);
-    EXPECT_EQ(jorm_brparm_empty(jorm_brparm_zero(&b)), 1);
+    expect_forms(old, {{0, -2, -4, 0}, {0, 2, 1, 0}}, FORM(__jorm_brshape__$ois(s, &outer, &inner)),
+                 FORM(jorm_brparm__compute_$gv(s, 3, outer.origin, outer.size, inner.origin, inner.size)));
+    expect_forms(
+        old, {{9, -2, -4, 0}, {9, 2, 1, 0}}, // the other axis stays
+        FORM(jorm_brshape__compute_$gv(s, 2, outer.origin + 1, outer.size + 1, inner.origin + 1, inner.size + 1)));
+    const jorm_brshape none{}, one{{}, {0, 0, 0, 1}};
+    expect_each(1, {jorm_brshape_empty(&none), jorm_brparm_empty(&none)});
+    expect_each(0, {jorm_brshape_empty(&one), jorm_brparm_empty(&old), jorm_brshape_empty(nullptr)});
+}
+
+TEST(Brshape, WidenedSizesNarrowBack) {
+    Random r(6);
+    for (int round = 0; round < 300; ++round) {
+        Index v, wide;
+        jorm_seshape s;
+        jorm_brshape b;
+        for (size_t i = 0; i < 4; ++i) {
+            v[i] = r.one_in(4) ? r.of(std::array{largest, smallest}) : r.in(0, 99);
+            s.anchor[i] = r.in(-9, 9), s.extent[i] = r.one_in(9) ? largest : r.in(-9, 9);
+            wide[i] = int32_t(uint32_t(v[i]) + (i < 3 ? uint32_t(s.extent[i]) - 1 : 0));
+        }
+        __jorm_brshape__$se(&b, &s);
+        const auto check = [&](auto widen, auto widen_in_place, auto narrow, auto narrow_in_place, const auto *by) {
+            Index out, in_place = v;
+            EXPECT_EQ(slots(widen(out.data(), v.data(), by)), wide);
+            EXPECT_EQ(slots(widen_in_place(in_place.data(), by)), wide);
+            EXPECT_EQ(slots(narrow(out.data(), wide.data(), by)), v);
+            EXPECT_EQ(slots(narrow_in_place(in_place.data(), by)), v);
+            EXPECT_EQ(slots(narrow(out.data(), wide.data(), nullptr)), wide);
+            EXPECT_EQ(widen(nullptr, v.data(), by), nullptr);
+        };
+        check(jorm_Nvolume_widen_$br, jorm_Nvolume_widen_$I$br, jorm_Nvolume_narrow_$br, jorm_Nvolume_narrow_$I$br, &b);
+        check(jorm_Nvolume_widen_$se, jorm_Nvolume_widen_$I$se, jorm_Nvolume_narrow_$se, jorm_Nvolume_narrow_$I$se, &s);
+    }
 }
 
 TEST(Brshape, Fitting) {
@@ -185,6 +313,10 @@ TEST(FillValues, VectorsOfEveryType) {
     EXPECT_TRUE(hi[1] == largest && lo[1] == smallest && hi[2] == 7 && lo[2] == 7);
     EXPECT_EQ(jorm_defillvals(JORM_F32, hi, nullptr, 3), 0);
     EXPECT_EQ(hi[2], 1);
+    for (const uint32_t type : {1u, 2u, 3u, 9u, 10u, 11u}) {
+        EXPECT_EQ(jorm_defillvals(type, hi, lo, 3), 0);
+        EXPECT_TRUE(hi[2] == highest(type) && lo[2] == lowest(type)) << type;
+    }
     EXPECT_EQ(jorm_defillvals(15, hi, lo, 1), JORM_ENOTSUP);
     EXPECT_EQ(jorm_defillvals(17, hi, lo, 1), JORM_EINVAL);
 }
@@ -194,9 +326,12 @@ TEST(FillValues, WordsAtAPhase) {
     Bytes bytes(24);
     scramble(r, bytes);
     for (int s = 0; s < 4; ++s) {
-        uint32_t w[4];
-        jorm_readifillvals4x4(&w[0], &w[1], &w[2], &w[3], &bytes[1], s);
-        EXPECT_EQ(std::memcmp(w, &bytes[size_t(1 + s)], sizeof w), 0);
+        uint32_t w[4][4] = {};
+        jorm_readifillvals4(&w[0][0], &bytes[1], s);
+        jorm_readifillvals4x2(&w[1][0], &w[1][1], &bytes[1], s);
+        jorm_readifillvals4x3(&w[2][0], &w[2][1], &w[2][2], &bytes[1], s);
+        jorm_readifillvals4x4(&w[3][0], &w[3][1], &w[3][2], &w[3][3], &bytes[1], s);
+        for (size_t n = 0; n < 4; ++n) EXPECT_EQ(std::memcmp(w[n], &bytes[size_t(1 + s)], 4 * (n + 1)), 0);
     }
 }
 

@@ -29,9 +29,25 @@ TEST(Vrng, Normalize) {
         {JORM_F64, {0.1, 0.2}, {0.1, 0.2}, {0.1, 0.2}},
     };
     for (const auto &[type, in, out, quantised] : cases) {
-        vrng r;
-        EXPECT_EQ(*jorm_vrng_normalize(type, &r, &in, nullptr), out);
-        EXPECT_EQ(*jorm_vrng_normalize_$Q(type, &r, &in, nullptr), quantised);
+        const uint32_t t = type; // structured bindings cannot be captured
+        const vrng &from = in;
+        const auto expect = [&](const vrng &want, auto... forms) {
+            const auto check = [&](auto form) {
+                vrng r = from;
+                EXPECT_EQ(*form(&r), want);
+            };
+            (check(forms), ...);
+        };
+#define FORM(call) [&](vrng *r) { return call; }
+        expect(out, FORM(jorm_vrng_normalize(t, r, &from, nullptr)), FORM(jorm_vrng_normalize_$I(t, r, nullptr)),
+               FORM(jorm_vrng_normalize_$cn(t, r, &from, nullptr, 1)),
+               FORM(jorm_vrng_normalize_$cn$I(t, r, nullptr, 1)));
+        expect(quantised, FORM(jorm_vrng_normalize_$Q(t, r, &from, nullptr)),
+               FORM(jorm_vrng_normalize_$QS(t, r, &from, nullptr)), FORM(jorm_vrng_normalize_$IQ(t, r, nullptr)),
+               FORM(jorm_vrng_normalize_$IQS(t, r, nullptr)), FORM(jorm_vrng_normalize_$cn$Q(t, r, &from, nullptr, 1)),
+               FORM(jorm_vrng_normalize_$cn$QS(t, r, &from, nullptr, 1)),
+               FORM(jorm_vrng_normalize_$cn$IQ(t, r, nullptr, 1)), FORM(jorm_vrng_normalize_$cn$IQS(t, r, nullptr, 1)));
+#undef FORM
     }
     Ranges three = {{10, 5}, {1.5, 2.5}, {inf, 0}};
     const Ranges defaults = {{3.5, 4}, {0, 0}, {7, 6}};
@@ -72,7 +88,9 @@ TEST(Vrng, Equality) {
                big3 = {1000000.01, 2};
     const vrng a[2] = {{0.5, 2.5}, {9, 1}}, b[2] = {{0, 3}, {0, 255}};
     expect_each(1, {jorm_vrng_equal(&unit, &near), jorm_vrng_equal(&big, &big3), jorm_vrng_equal_$S(nullptr, nullptr),
-                    jorm_vrng_xequal_$cn(JORM_U8, a, b, 2)});
+                    jorm_vrng_equal_$cn(a, a, 2), jorm_vrng_xequal_$cn(JORM_U8, a, b, 2),
+                    jorm_vrng_xequal_$cn$S(JORM_U8, a, b, 2), jorm_vrng_xequal_$S(JORM_U8, a, b),
+                    jorm_vrng_xequal(JORM_U8, nullptr, nullptr)});
     expect_each(0, {jorm_vrng_equal(&unit, &off), jorm_vrng_equal(&big, &big2),
                     jorm_vrng_equal_$cn$S(&unit, nullptr, 1), jorm_vrng_equal_$cn(a, b, 2),
                     jorm_vrng_xequal_$cn(JORM_S16, a, b, 2), jorm_vrng_xequal(JORM_F32, a, b)});
@@ -157,6 +175,27 @@ TEST(Vrng, FromExtrema) {
     EXPECT_EQ(__jorm_vrng__$cn$minmax(r, 4, &mm), r);
     EXPECT_EQ(r[3], (vrng{-4.5, 303.25}));
     EXPECT_EQ(*__jorm_vrng__$minmax$Q(JORM_S16, r, &mm), (vrng{-2, 301}));
+    EXPECT_EQ(*__jorm_vrng__$minmax(r, &mm), (vrng{-1.5, 300.25}));
+    EXPECT_EQ(__jorm_vrng__$cn$minmax$Q(JORM_S16, r, 4, nullptr)[0], (vrng{-1.5, 300.25}));
+    EXPECT_EQ(__jorm_vrng__$cn$minmax$Q(JORM_U8, r, 4, &mm)[3], (vrng{0, 255}));
+}
+
+TEST(Vrng, FromBounds) {
+    vrng r[4];
+    rngf64 d;
+    rngf32 f;
+    EXPECT_EQ(*__jorm_vrng__$2(r, -1.5, 7), (vrng{-1.5, 7}));
+    EXPECT_EQ(*__jorm_vrng__$(r), (vrng{0, 0}));
+    EXPECT_EQ(*__jorm_vrng__$2$Q(JORM_S16, r, -1.5, 7.5), (vrng{-2, 8}));
+    EXPECT_EQ(__jorm_vrng__$cn$2(r, 11, -1.5, 7.5)[3], (vrng{-1.5, 7.5}));
+    EXPECT_EQ(__jorm_vrng__$cn$2$Q(JORM_U8, r, 11, -1.5, 7.5)[3], (vrng{0, 8}));
+    EXPECT_EQ(jorm_vrng_saturate_$cn(JORM_U8, r + 1, r, 3), r + 1);
+    EXPECT_TRUE(__jorm_rngf64__$2(&d, 1, 2)->lo == 1 && d.hi == 2 && !__jorm_rngf64__$2(nullptr, 1, 2));
+    EXPECT_TRUE(__jorm_rngf32__$2(&f, 1, 2)->lo == 1 && f.hi == 2 && !__jorm_rngf32__$2(nullptr, 1, 2));
+    double scales[2], offsets[2];
+    const vrng to[] = {{10, 30}, {0, 1}}, from[] = {{-1, 4}, {0, 2}};
+    jorm_vrng_solve_$cn(scales, offsets, to, from, 2);
+    EXPECT_TRUE(scales[0] == 4 && offsets[0] == 14 && scales[1] == 0.5 && offsets[1] == 0);
 }
 
 } // namespace
