@@ -307,7 +307,8 @@ TEST(Toolkit, AccessorsAndCounts) {
     }
     EXPECT_EQ(jorm__elstride(4, s.data()), 2);
     EXPECT_EQ(jorm__pixstride(4, s.data()), 12);
-    EXPECT_EQ(jorm_volume__pixcap_$Q(3, Index{1 << 20, 1 << 20, 3}.data()), int64_t(1) << 40);
+    EXPECT_EQ(jorm_volume__pixcap_$Q(3, Index{1 << 10, 1 << 10, 3}.data()), 1 << 20);
+    EXPECT_EQ(jorm_volume__pixcap_$Q(3, Index{1 << 20, 1 << 20, 3}.data()), 0);
     EXPECT_EQ(jorm_elpadding(), 0);
     Index v;
     EXPECT_EQ(slots(_jorm_Nvolume__$(v.data())), (Index{1, 1, 1, 1}));

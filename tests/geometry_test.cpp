@@ -381,6 +381,19 @@ TEST(Moments, OfAreasAndPoints) {
         expect_near(f.perimeter(line, 3), std::sqrt(5.0L) + std::sqrt(20.0L) + std::sqrt(45.0L), 1e-14L);
     });
     const jorm_2d_pt whole[] = {{low, low}, {low, high}, {high, high}, {high, low}};
+    const jorm_2d_pt three[] = {{1, 2}, {2, 4}, {7, 9}};
+    jorm_f2d_pt f[3], mean;
+    jorm_r2d_pt r[3];
+    jorm_r2d_moment1 first;
+    jorm_f2d_ptv_cast_$i(f, three, 3), jorm_r2d_ptv_cast_$i(r, three, 3);
+    const auto is_mean = [](const auto &record, auto number) {
+        using T = decltype(number);
+        return members<T>(record) == std::array{T(10 / 3.0), T(5)};
+    };
+    EXPECT_TRUE(is_mean(*jorm_2d_ptv_moment1(&first, three, 3), 0.0));
+    EXPECT_TRUE(is_mean(*jorm_f2d_ptv_moment1(&first, f, 3), 0.0) && is_mean(*jorm_r2d_ptv_moment1(&first, r, 3), 0.0));
+    EXPECT_TRUE(is_mean(*jorm_2d_ptv_centroid_$f(&mean, three, 3), 0.0f));
+    EXPECT_TRUE(is_mean(*jorm_2d_ptv_centroid_f(&mean, three, 3), 0.0f));
     std::vector<jorm_r2d_pt> away(100001); // their sum rounds, and so their mean
     for (size_t i = 0; i < away.size(); ++i) away[i] = {1e15 + double(i % 2), double(i % 2)};
     const Real side = 4294967295.0L;
