@@ -4,6 +4,7 @@
 #include "peer_bench.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -84,6 +85,18 @@ struct Scene {
         values[0] = h.bins[40], values[1] = h.bins[100], values[2] = h.bins[180];
         jorm_hist_fini_$xe(&h, xe);
         return status;
+    }
+
+    // The disk of 15 by 15 that peers call an ellipse.
+    int64_t erode_ellipse() {
+        uint8_t mask[15][15] = {};
+        for (int y = 0; y < 15; ++y) {
+            const int reach = int(std::lrint(7 * std::sqrt((49 - (y - 7) * (y - 7)) / 49.0)));
+            std::memset(mask[y] + 7 - reach, 255, size_t(2 * reach + 1));
+        }
+        jorm_strel ellipse = {{0, 7, 7, 0}, {}};
+        jorm_array_make(&ellipse.mask, JORM_U8, 15, 15, 1, 0, mask);
+        return JormMorphop(xe, 0, &out8, &u8a, nullptr, nullptr, JORM_MORPH_ERODE, &ellipse);
     }
 
     // Minimum and maximum, then the row and the column of each.
@@ -169,6 +182,7 @@ const Case cases[] = {
     {"erode_u8_5x5", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_MIN, 5); }, true},
     {"erode_u8_31x31", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_MIN, 31); }, true},
     {"dilate_f32_5x5", out32f, 0, [](Scene &s) { return s.filter(s.out32f, s.f32a, JORM_FILTER_MAX, 5); }, true},
+    {"erode_u8_ellipse15", out8, 0, [](Scene &s) { return s.erode_ellipse(); }, true},
     {"close_u8_5x5", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_CLOSE, 5); }, true},
     {"tophat_u8_5x5", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_TOPHAT, 5); }, true},
     {"resize_nn_u8_to_960x540", &Planes::half, 0, [](Scene &s) { return JormResize(s.xe, 0, &s.half, &s.u8a, no, no, no); }, true, true},

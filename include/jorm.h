@@ -17,6 +17,7 @@
 #include "jorm/geometry.h"
 #include "jorm/matrix.h"
 #include "jorm/resample.h"
+#include "jorm/morphology.h"
 #include "jorm/shapes.h"
 #include "jorm/sort.h"
 #include "jorm/stats.h"

@@ -1,38 +1,10 @@
 // Minima, maxima, means, openings and closings of rectangular windows.
 #include "jorm/filter.h"
-#include "support/window_case.hpp"
+#include "support/extremum_case.hpp"
 
 namespace {
 
 constexpr uint32_t types[] = {JORM_U8, JORM_S16, JORM_S32, JORM_F32};
-
-// Extremum of the window of p; beyond the region it sees what `value` says.
-template <class Value> double extremum(const WindowCase &c, const Index &p, bool largest, Value value) {
-    double best = nan;
-    const jorm_seshape &s = c.shape;
-    each({s.extent[0], s.extent[1], s.extent[2], 1}, [&](const Index &q) {
-        const double v =
-            value(Index{p[0] - s.anchor[0] + q[0], p[1] - s.anchor[1] + q[1], p[2] - s.anchor[2] + q[2], p[3]});
-        if (std::isnan(best) || (largest ? v > best : v < best)) best = v;
-    });
-    return best;
-}
-
-// The second pass sees the first one's results within the region, around it what never wins.
-double twice(const WindowCase &c, const Index &p, bool closing) {
-    const auto once = [&](const Index &i) { return extremum(c, i, closing, [&](const Index &k) { return c.at(k); }); };
-    const double top = c.src.eltype == JORM_F32 ? double(FLT_MAX) : highest(c.src.eltype);
-    const double bottom = c.src.eltype == JORM_F32 ? -double(FLT_MAX) : lowest(c.src.eltype);
-    return extremum(c, p, !closing, [&](const Index &i) {
-        bool inside = true;
-        for (size_t k = 0; k < 3; ++k) inside = inside && i[k] >= 0 && i[k] < c.region.size[k];
-        return inside ? once(i) : closing ? top : bottom;
-    });
-}
-
-double difference(uint32_t type, double a, double b) {
-    return type == JORM_F32 ? float(a - b) : std::clamp(a - b, lowest(type), highest(type));
-}
 
 // The exact mean, rounded to nearest even.
 double mean(const WindowCase &c, const Index &p) {
@@ -50,24 +22,20 @@ double mean(const WindowCase &c, const Index &p) {
 }
 
 double wanted(const WindowCase &c, uint32_t kind, const Index &p) {
-    const auto source = [&](const Index &i) { return c.at(i); };
+    const ExtremumOracle oracle = {c, nullptr};
     switch (kind) {
     case JORM_FILTER_NUL:
         return c.at(p);
     case JORM_FILTER_MIN:
-        return extremum(c, p, false, source);
     case JORM_FILTER_MAX:
-        return extremum(c, p, true, source);
+        return oracle.once(p, kind == JORM_FILTER_MAX);
     case JORM_FILTER_BOX:
         return mean(c, p);
     case JORM_FILTER_CLOSE:
-        return twice(c, p, true);
     case JORM_FILTER_OPEN:
-        return twice(c, p, false);
-    case JORM_FILTER_BOTHAT:
-        return difference(c.src.eltype, twice(c, p, true), c.at(p));
+        return oracle.twice(p, kind == JORM_FILTER_CLOSE);
     default:
-        return difference(c.src.eltype, c.at(p), twice(c, p, false));
+        return oracle.hat(p, kind == JORM_FILTER_BOTHAT);
     }
 }
 

@@ -11,8 +11,8 @@ namespace {
 
 constexpr int64_t line = 64;
 
-// Calls f(row that comes in, row that goes) for every plane of the window of row y. At row 0 all rows come in; from then
-// on one comes in and one goes.
+// Calls f(row that comes in, row that goes) for every plane of the window of row y. At row 0 all rows come in; from
+// then on one comes in and one goes.
 template <class Enter, class Slide> void slide_columns(WindowRows &in, int64_t y, Enter enter, Slide slide) {
     const WindowCall &c = in.call();
     const int64_t top = y - c.before[1], height = c.extent[1];

@@ -61,7 +61,7 @@ void mean_bytes_of(u8 *to, const u16 *even, const u16 *odd, int64_t n, const Byt
     u8 *__restrict t = to;
     const u16 half = m.area / 2, area = m.area, factor = m.factor, shift = m.shift;
     // Of the windows that begin at columns 2i and 2i + 1.
-    const auto both = [&](int64_t i, u16 &first, u16 &second) __attribute__((always_inline)) {
+    const auto both = [&](int64_t i, u16 & first, u16 & second) __attribute__((always_inline)) {
         u16 shared = o[i];
         for (int k = 1; k < M; ++k) shared = u16(shared + e[i + k] + o[i + k]);
         if (OddWidth) shared = u16(shared + e[i + M]);
@@ -199,8 +199,7 @@ void mean_narrow_bytes(void *to, const void *sums, int64_t n, int64_t area) {
     u8 *__restrict t = elements<u8>(to);
     const s32 *__restrict s = elements<s32>(sums);
     const f32 inverse = 1.f / f32(area), first = area & 1 ? 0.f : 512.f, second = 12582912.f - first;
-    for (int64_t i = 0; i < n; ++i)
-        t[i] = u8(__builtin_bit_cast(s32, f32(s[i]) * inverse + first + second));
+    for (int64_t i = 0; i < n; ++i) t[i] = u8(__builtin_bit_cast(s32, f32(s[i]) * inverse + first + second));
 }
 
 void mean_real(void *to, const void *sums, int64_t n, int64_t area) {
@@ -219,7 +218,8 @@ struct Add {
 extern const ByteBoxRows byte_box_rows[];
 const ByteBoxRows byte_box_rows[] = {{enter_bytes, slide_bytes, mean_bytes}};
 
-#define LINE(T, Sum, mean_row) {sizeof(Sum), enter<T, Sum>, slide<T, Sum>, along<Sum>, mean_row}
+#define LINE(T, Sum, mean_row)                                                                                         \
+    { sizeof(Sum), enter<T, Sum>, slide<T, Sum>, along<Sum>, mean_row }
 extern const BoxRows box_rows[];
 const BoxRows box_rows[] = {LINE(u8, s32, mean_narrow_bytes), LINE(s16, s32, (mean<s16, s32>)),
                             LINE(u8, s64, (mean<u8, s64>)),   LINE(s16, s64, (mean<s16, s64>)),

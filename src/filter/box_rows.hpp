@@ -9,8 +9,8 @@ namespace jorm {
 
 // Windows of bytes of at most 256 pixels: sums fit 16 bits, and a division is a multiplication.
 struct ByteMean {
-    int32_t width; // of the window, at most 2 * max_half + 1
-    int32_t phase; // 1: the row of sums begins one column before the first window
+    int32_t width;                // of the window, at most 2 * max_half + 1
+    int32_t phase;                // 1: the row of sums begins one column before the first window
     uint16_t area, factor, shift; // (sum + area / 2) * factor / 2^16 * shift / 2^16 is the mean, but for ties
     static constexpr int max_half = 8;
 };

@@ -1,10 +1,12 @@
 #include "filter/chain.hpp"
 
 #include "array/parent.hpp"
+#include "convert/copy_block.hpp"
 #include "filter/shape.hpp"
 #include "jorm/filter.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace jorm {
 namespace {
@@ -80,6 +82,15 @@ MovedSites::MovedSites(uint32_t layout, const jorm_site *sites, const int32_t *s
             site[k].origin[i] = wrap_sub(site[k].origin[i], src_origin[i - first]);
     }
     get = site;
+}
+
+int64_t copy_call(WindowCall &c) {
+    if (!well_formed(c.type)) return JORM_EINVAL;
+    if (element_size(c.type) == 0) return JORM_ENOTSUP;
+    if (check_only(c)) return JORM_OK;
+    CopyBlock b = {4, {}, c.dst, c.src, c.element()};
+    for (int i = 0; i < 4; ++i) b.axis[i] = {i < 3 ? c.size[i] : c.channels, c.dst_stride[i], c.src_stride[i]};
+    return copy_block(c.xe, c.flags, std::move(b));
 }
 
 int64_t WindowFront::negotiate(jorm_xe *xe, uint64_t flags, const jorm_array *dst, const jorm_array *src,

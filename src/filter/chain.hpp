@@ -44,6 +44,27 @@ constexpr int window_line(uint32_t type) {
     return type == JORM_U8 ? 0 : type == JORM_S16 ? 1 : type == JORM_S32 ? 2 : type == JORM_F32 ? 3 : -1;
 }
 
+// The group of a channel code in the tables of kernels, those of one, three and four channels; -1 for none.
+constexpr int channel_group(uint32_t code) {
+    switch (code & 15) {
+    case 1:
+        return 0;
+    case 3:
+        return 1;
+    case 4:
+    case 11:
+        return 2;
+    default:
+        return -1;
+    }
+}
+
+// What the rectangular filters serve: one channel. Three and four have kernels, which refuse.
+inline int64_t rectangle_serves(const WindowCall &c) {
+    const int group = channel_group(c.code);
+    return window_line(c.type) < 0 || group < 0 ? JORM_EINVAL : group == 0 ? JORM_OK : JORM_ENOTSUP;
+}
+
 // The kernel of a group (of a channel count, -1 when there is none) and an element type in a table of four types a
 // group, or the one that refuses.
 template <class Proc, size_t N>
@@ -85,6 +106,9 @@ int64_t run_bordered(WINDOW_PARAMS, const jorm_seshape *shape, const jorm_border
     if (status == JORM_OK) status = set_border(call, border, sites);
     return status == JORM_OK ? run(call) : status;
 }
+
+// Copies the source's pixels: what operations without an effect do.
+int64_t copy_call(WindowCall &call);
 
 // The front end of the entries.
 class WindowFront {

@@ -6,49 +6,48 @@
 namespace jorm::JORM_LEVEL {
 namespace {
 
-template <class Op, class T, class Result, int N>
+// Of up to eight rows, and of what stands in `to` already.
+template <class Op, class T, class Result, int N, bool First>
 void columns_across_n(void *to, const void *const *rows, int64_t n) {
     Result *__restrict t = elements<Result>(to);
     const T *r[N];
     for (int k = 0; k < N; ++k) r[k] = elements<T>(rows[k]);
     for (int64_t i = 0; i < n; ++i) {
-        Result all = Result(r[0][i]);
+        Result all = First ? Result(r[0][i]) : Op::of(t[i], r[0][i]);
         for (int k = 1; k < N; ++k) all = Op::of(all, r[k][i]);
         t[i] = all;
     }
 }
 
-template <class Op, class T, class Result> void columns_into(void *to, const void *row, int64_t n) {
-    Result *__restrict t = elements<Result>(to);
-    const T *__restrict r = elements<T>(row);
-    for (int64_t i = 0; i < n; ++i) t[i] = Op::of(t[i], r[i]);
-}
-
-template <class Op, class T, class Result>
-void columns_across(void *to, const void *const *rows, int64_t count, int64_t n) {
+template <class Op, class T, class Result, bool First>
+void columns_across_few(void *to, const void *const *rows, int64_t count, int64_t n) {
     switch (count) {
     case 1:
-        return columns_across_n<Op, T, Result, 1>(to, rows, n);
+        return columns_across_n<Op, T, Result, 1, First>(to, rows, n);
     case 2:
-        return columns_across_n<Op, T, Result, 2>(to, rows, n);
+        return columns_across_n<Op, T, Result, 2, First>(to, rows, n);
     case 3:
-        return columns_across_n<Op, T, Result, 3>(to, rows, n);
+        return columns_across_n<Op, T, Result, 3, First>(to, rows, n);
     case 4:
-        return columns_across_n<Op, T, Result, 4>(to, rows, n);
+        return columns_across_n<Op, T, Result, 4, First>(to, rows, n);
     case 5:
-        return columns_across_n<Op, T, Result, 5>(to, rows, n);
+        return columns_across_n<Op, T, Result, 5, First>(to, rows, n);
     case 6:
-        return columns_across_n<Op, T, Result, 6>(to, rows, n);
+        return columns_across_n<Op, T, Result, 6, First>(to, rows, n);
     case 7:
-        return columns_across_n<Op, T, Result, 7>(to, rows, n);
+        return columns_across_n<Op, T, Result, 7, First>(to, rows, n);
     default:
-        columns_across_n<Op, T, Result, 8>(to, rows, n);
-        for (int64_t k = 8; k < count; ++k) columns_into<Op, T, Result>(to, rows[k], n);
+        return columns_across_n<Op, T, Result, 8, First>(to, rows, n);
     }
 }
 
 template <class Op, class T, class Result>
-void columns_join(void *to, const void *row, const void *suffix, int64_t n) {
+void columns_across(void *to, const void *const *rows, int64_t count, int64_t n) {
+    columns_across_few<Op, T, Result, true>(to, rows, count, n);
+    for (int64_t k = 8; k < count; k += 8) columns_across_few<Op, T, Result, false>(to, rows + k, count - k, n);
+}
+
+template <class Op, class T, class Result> void columns_join(void *to, const void *row, const void *suffix, int64_t n) {
     Result *__restrict t = elements<Result>(to);
     const T *__restrict r = elements<T>(row);
     const Result *__restrict s = elements<Result>(suffix);

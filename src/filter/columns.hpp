@@ -1,7 +1,7 @@
-// What a window sees in the columns of its rows, gathered by an operation that cannot take anything back: an extremum, a
-// sum in floating point. Few rows are looked at side by side; for more of them, blocks of as many rows as the window has
-// take three operations whatever its height (van Herk 1992; Gil and Werman 1993): the window is the end of one block and
-// the beginning of the next.
+// What a window sees in the columns of its rows, gathered by an operation that cannot take anything back: an extremum,
+// a sum in floating point. Few rows are looked at side by side; for more of them, blocks of as many rows as the window
+// has take three operations whatever its height (van Herk 1992; Gil and Werman 1993): the window is the end of one
+// block and the beginning of the next.
 #pragma once
 #include "filter/column_rows.hpp"
 #include "filter/window.hpp"

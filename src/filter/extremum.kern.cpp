@@ -71,6 +71,10 @@ template <class Kind, class T> void along(void *to, void *row, void *spare, int6
     for (int64_t i = 0; i < n; ++i) t[i] = Kind::of(Kind::of(r[i], r[i + second]), Kind::of(r[i + third], r[i + last]));
 }
 
+template <class Kind, class T> void pair(void *to, const void *row, int64_t n, int64_t apart) {
+    along_n<Kind, T, 2>(to, row, n, apart);
+}
+
 template <class T> [[gnu::always_inline]] inline T difference(T a, T b) {
     if constexpr (is_real<T>)
         return a - b;
@@ -88,7 +92,7 @@ template <class T> void subtract(void *to, const void *a, const void *b, int64_t
 } // namespace
 
 #define LINE(Kind, T)                                                                                                  \
-    { column_rows<Kind, T, T>, subtract<T>, along<Kind, T> }
+    { column_rows<Kind, T, T>, subtract<T>, pair<Kind, T>, along<Kind, T> }
 extern const ExtremumRows extremum_rows[];
 const ExtremumRows extremum_rows[] = {LINE(Least, u8),   LINE(Least, s16),   LINE(Least, s32),   LINE(Least, f32),
                                       LINE(Largest, u8), LINE(Largest, s16), LINE(Largest, s32), LINE(Largest, f32)};

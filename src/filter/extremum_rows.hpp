@@ -12,7 +12,10 @@ struct ExtremumRows {
     ColumnRows columns;
     // to = a - b, saturated.
     void (*subtract)(void *to, const void *a, const void *b, int64_t n);
-    // Of windows of k elements, `step` apart, along a row of n + (k - 1) * step; `spare` is as long. Both are destroyed.
+    // to = of each of n elements and the one `apart` further.
+    void (*pair)(void *to, const void *row, int64_t n, int64_t apart);
+    // Of windows of k elements, `step` apart, along a row of n + (k - 1) * step; `spare` is as long. Both are
+    // destroyed.
     void (*along)(void *to, void *row, void *spare, int64_t n, int64_t k, int64_t step);
 };
 

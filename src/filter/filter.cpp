@@ -4,7 +4,6 @@
 #include "filter/composite.hpp"
 #include "filter/extremum.hpp"
 
-#include "convert/copy_block.hpp"
 #include "jorm/arith.h"
 #include "jorm/filter.h"
 #include "kernel/proc.hpp"
@@ -18,29 +17,8 @@ static_assert(sizeof(jorm_filtparams) == 144 && offsetof(jorm_filtparams, shape)
 namespace jorm {
 namespace {
 
-// The group of a channel code in the tables of kernels: those of one, three and four channels.
-constexpr int channel_group(uint32_t code) {
-    switch (code & 15) {
-    case 1:
-        return 0;
-    case 3:
-        return 1;
-    case 4:
-    case 11:
-        return 2;
-    default:
-        return -1;
-    }
-}
-
-// What the rectangular filters serve: one channel. Those of three and four are known, and refused.
-int64_t serves(const WindowCall &c) {
-    const int group = channel_group(c.code);
-    return window_line(c.type) < 0 || group < 0 ? JORM_EINVAL : group == 0 ? JORM_OK : JORM_ENOTSUP;
-}
-
 template <Extreme which> int64_t run_extremum(WindowCall &c) {
-    if (const int64_t status = serves(c); status != JORM_OK || check_only(c)) return status;
+    if (const int64_t status = rectangle_serves(c); status != JORM_OK || check_only(c)) return status;
     PreparedCall prepared;
     if (const int64_t status = prepared.prepare(c); status != JORM_OK) return status;
     WindowRows rows;
@@ -51,28 +29,19 @@ template <Extreme which> int64_t run_extremum(WindowCall &c) {
 }
 
 int64_t run_box(WindowCall &c) {
-    const int64_t status = serves(c);
+    const int64_t status = rectangle_serves(c);
     return status != JORM_OK || check_only(c) ? status : box(c);
 }
 
 template <Composite which> int64_t run_composite(WindowCall &c) {
-    const int64_t status = serves(c);
+    const int64_t status = rectangle_serves(c);
     return status != JORM_OK || check_only(c) ? status : rectangular_composite(c, which);
-}
-
-int64_t run_copy(WindowCall &c) {
-    if (!well_formed(c.type)) return JORM_EINVAL;
-    if (element_size(c.type) == 0) return JORM_ENOTSUP;
-    if (check_only(c)) return JORM_OK;
-    CopyBlock b = {4, {}, c.dst, c.src, c.element()};
-    for (int i = 0; i < 4; ++i) b.axis[i] = {i < 3 ? c.size[i] : c.channels, c.dst_stride[i], c.src_stride[i]};
-    return copy_block(c.xe, c.flags, std::move(b));
 }
 
 int64_t run_filter(WindowCall &c, uint32_t kind) {
     switch (kind & 255) {
     case JORM_FILTER_NUL:
-        return run_copy(c);
+        return copy_call(c);
     case JORM_FILTER_MIN:
         return run_extremum<Extreme::least>(c);
     case JORM_FILTER_MAX:

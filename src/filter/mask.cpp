@@ -1,0 +1,109 @@
+#include "filter/mask.hpp"
+
+#include "filter/composite.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace jorm {
+
+// Calls f(row, start, length) for every run.
+template <class F> static void each_run(const jorm_strel &s, const WindowCall &c, F f) {
+    const char *const start = static_cast<const char *>(s.mask.base) + s.mask.loff;
+    for (int64_t row = 0; row < c.extent[0] * c.extent[1]; ++row) {
+        const char *const elements =
+            start + row / c.extent[1] * s.mask.stride[0] + row % c.extent[1] * s.mask.stride[1];
+        for (int64_t x = 0, length; x < c.extent[2]; x += length + 1) {
+            for (length = 0; x + length < c.extent[2] && uint8_t(elements[(x + length) * s.mask.stride[2]]) == 255;)
+                ++length;
+            if (length > 0) f(int32_t(row), int32_t(x), int32_t(length));
+        }
+    }
+}
+
+int64_t MaskRuns::open(jorm_xe *xe, const jorm_strel &strel, const WindowCall &c) {
+    each_run(strel, c, [&](int32_t, int32_t, int32_t) { ++count; });
+    memory_.emplace(xe, scratch_bytes(count + 1, sizeof(MaskRun) + sizeof(int32_t)), alignof(MaskRun));
+    if (!*memory_) return JORM_ENOMEM;
+    auto *const runs = memory_->as<MaskRun>();
+    auto *const all = reinterpret_cast<int32_t *>(runs + count);
+    int64_t n = 0;
+    each_run(strel, c, [&](int32_t row, int32_t start, int32_t size) {
+        runs[n] = {row, start, size};
+        all[n++] = size;
+    });
+    std::sort(all, all + n);
+    lengths = std::unique(all, all + n) - all;
+    for (int64_t i = 0; i < n; ++i) runs[i].line = int32_t(std::lower_bound(all, all + lengths, runs[i].line) - all);
+    run = runs;
+    length = all;
+    return JORM_OK;
+}
+
+int64_t MaskStage::open(WindowRows &in, Extreme which, const MaskRuns &runs) {
+    in_ = &in;
+    runs_ = &runs;
+    const WindowCall &c = in.call();
+    rows_ = &extremum_rows_of(c, which);
+    pitch_ = ring_pitch(in.whole() * c.element());
+    const size_t lines = scratch_bytes(c.extent[0], c.extent[1], std::max<int64_t>(runs.lengths, 1), pitch_);
+    const size_t rest = scratch_bytes(3, pitch_), list = scratch_bytes(runs.count, sizeof(void *));
+    if (lines > SIZE_MAX / 4 || rest > SIZE_MAX / 4 || list > SIZE_MAX / 4) return JORM_ENOMEM;
+    memory_.emplace(c.xe, lines + rest + list, 64);
+    if (!*memory_) return JORM_ENOMEM;
+    ring_ = memory_->as<char>();
+    row_ = ring_ + lines;
+    spare_ = row_ + pitch_;
+    neutral_ = spare_ + pitch_;
+    list_ = reinterpret_cast<const void **>(neutral_ + pitch_);
+    const NeutralPixel neutral(c, which);
+    for (int64_t i = 0; runs.count == 0 && i < c.size[2]; ++i)
+        std::memcpy(neutral_ + i * c.pixel(), neutral.bytes, size_t(c.pixel()));
+    return JORM_OK;
+}
+
+void MaskStage::begin_plane(int64_t z) {
+    in_->begin_plane(z);
+    taken_ = -in_->call().before[1];
+}
+
+char *MaskStage::line(int64_t d, int64_t v, int64_t line) const {
+    const int64_t height = in_->call().extent[1], slot = (v + in_->call().before[1]) % height;
+    return ring_ + ((d * height + slot) * runs_->lengths + line) * pitch_;
+}
+
+// The extrema of runs of all lengths in row v of plane d of the window.
+void MaskStage::take(int64_t d, int64_t v) {
+    const WindowCall &c = in_->call();
+    const int64_t e = c.element();
+    char *row = row_, *spare = spare_;
+    std::memcpy(row + in_->left * e, in_->row(d, v), size_t(in_->bare * e));
+    in_->complete(row, int32_t(e));
+    int64_t made = 1; // length of the runs that `row` holds
+    for (int64_t k = 0; k < runs_->lengths; ++k) {
+        const int64_t wanted = runs_->length[k];
+        for (; 2 * made <= wanted; made *= 2) {
+            rows_->pair(spare, row, in_->whole() - (2 * made - 1) * c.channels, made * c.channels);
+            std::swap(row, spare);
+        }
+        rows_->pair(line(d, v, k), row, in_->whole() - (wanted - 1) * c.channels, (wanted - made) * c.channels);
+    }
+}
+
+void MaskStage::produce(int64_t y, void *row) {
+    const WindowCall &c = in_->call();
+    if (runs_->count == 0) {
+        std::memcpy(row, neutral_, size_t(c.size[2] * c.pixel()));
+        return;
+    }
+    const int64_t top = y - c.before[1];
+    for (; taken_ < top + c.extent[1]; ++taken_)
+        for (int64_t d = 0; d < c.extent[0]; ++d) take(d, taken_);
+    for (int64_t i = 0; i < runs_->count; ++i) {
+        const MaskRun &r = runs_->run[i];
+        list_[i] = line(r.row / c.extent[1], top + r.row % c.extent[1], r.line) + r.start * c.pixel();
+    }
+    rows_->columns.across(row, list_, runs_->count, c.row_elements());
+}
+
+} // namespace jorm

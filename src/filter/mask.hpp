@@ -1,0 +1,48 @@
+// Minima and maxima over masks of any shape.
+#pragma once
+#include "filter/extremum.hpp"
+
+namespace jorm {
+
+// A run of mask elements that belong to the window, in a row of it.
+struct MaskRun {
+    int32_t row;   // planes and rows of the window counted through
+    int32_t start; // its first column
+    int32_t line;  // its length, as an index into the lengths that occur
+};
+
+// The runs of a mask.
+class MaskRuns {
+public:
+    int64_t open(jorm_xe *xe, const jorm_strel &strel, const WindowCall &call);
+
+    int64_t count = 0, lengths = 0;
+    const MaskRun *run = nullptr;
+    const int32_t *length = nullptr; // ascending
+
+private:
+    std::optional<Scratch> memory_;
+};
+
+// The extremum over the runs: in every source row those of each length that occurs, kept for as many rows as the window
+// has; a window is then as many elements as the mask has runs.
+class MaskStage : public RowStage {
+public:
+    int64_t open(WindowRows &in, Extreme which, const MaskRuns &runs);
+    void begin_plane(int64_t z) override;
+    void produce(int64_t y, void *row) override;
+
+private:
+    void take(int64_t d, int64_t v);
+    char *line(int64_t d, int64_t v, int64_t line) const;
+
+    WindowRows *in_ = nullptr;
+    const ExtremumRows *rows_ = nullptr;
+    const MaskRuns *runs_ = nullptr;
+    int64_t pitch_ = 0, taken_ = 0;
+    char *ring_ = nullptr, *row_ = nullptr, *spare_ = nullptr, *neutral_ = nullptr;
+    const void **list_ = nullptr;
+    std::optional<Scratch> memory_;
+};
+
+} // namespace jorm

@@ -1,0 +1,113 @@
+// Morphology with masks of any shape.
+#include "jorm/morphology.h"
+#include "support/extremum_case.hpp"
+
+namespace {
+
+constexpr uint32_t types[] = {JORM_U8, JORM_S16, JORM_S32, JORM_F32};
+
+struct Morphology : testing::Test {
+    Random r{21};
+    jorm_xe *xe = JormXEopen(nullptr, nullptr, 0);
+    ~Morphology() override {
+        JormXEclose(xe);
+        use_level(0);
+    }
+};
+
+// A mask of the case's window, in any layout: random, an ellipse, empty, solid.
+struct Mask {
+    Picture picture;
+    jorm_strel strel;
+
+    Mask(Random &r, const WindowCase &c)
+        : picture(r, JORM_U8, {c.shape.extent[0], c.shape.extent[1], c.shape.extent[2], 1}, false, c.src.ndims) {
+        const int kind = r.in(0, 9);
+        each(extent_of(picture.a), [&](const Index &q) {
+            const double y = (q[1] + 0.5) / c.shape.extent[1] - 0.5, x = (q[2] + 0.5) / c.shape.extent[2] - 0.5;
+            const bool in = kind == 0 ? false : kind == 1 ? true : kind < 5 ? y * y + x * x <= 0.25 : r.one_in(2);
+            *picture.at(q) = in ? 255 : uint8_t(r.in(0, 254));
+        });
+        std::copy(c.shape.anchor, c.shape.anchor + 4, strel.anchor);
+        strel.mask = picture.a;
+    }
+};
+
+TEST_F(Morphology, EveryOperationUnderEveryMask) {
+    struct {
+        uint32_t op;
+        double (*wanted)(const ExtremumOracle &, const Index &);
+    } const ops[] = {{JORM_MORPH_ERODE, [](const ExtremumOracle &o, const Index &p) { return o.once(p, false); }},
+                     {JORM_MORPH_DILATE, [](const ExtremumOracle &o, const Index &p) { return o.once(p, true); }},
+                     {JORM_MORPH_CLOSE, [](const ExtremumOracle &o, const Index &p) { return o.twice(p, true); }},
+                     {JORM_MORPH_OPEN, [](const ExtremumOracle &o, const Index &p) { return o.twice(p, false); }},
+                     {JORM_MORPH_BOTHAT, [](const ExtremumOracle &o, const Index &p) { return o.hat(p, true); }},
+                     {JORM_MORPH_TOPHAT, [](const ExtremumOracle &o, const Index &p) { return o.hat(p, false); }}};
+    for (int i = 0; i < 1500; ++i) {
+        use_level(r.in(0, jorm::level_count - 1));
+        const uint32_t type = r.of(types);
+        const int channels = r.of(std::array{1, 1, 3, 4});
+        WindowCase c(r, type, channels, r.one_in(4) ? 17 : 6);
+        if (type == JORM_F32) c.picture.fill([&] { return float(r.in(-9999, 9999)) / 8; });
+        if (c.roi) c.roi->size[3] = channels;
+        const Mask mask(r, c);
+        const auto &op = ops[size_t(r.in(0, c.region.size[1] * c.region.size[2] > 200 ? 1 : 5))];
+        SCOPED_TRACE(c.describe() + " operation " + std::to_string(op.op) + " channels " + std::to_string(channels));
+        const auto call = [&] {
+            return JormMorphop(xe, c.flags, &c.dst, c.source(), c.destination_region(), c.source_region(), op.op,
+                               &mask.strel);
+        };
+        const bool handed_over = op.op >= JORM_MORPH_CLOSE && jorm_strel_issolid_$v255(&mask.strel);
+        if (handed_over && channels > 1 && !c.region.empty) {
+            EXPECT_EQ(call(), JORM_ENOTSUP);
+            continue;
+        }
+        const ExtremumOracle oracle = {c, [&](const Index &q) { return *mask.picture.at(q) == 255; }};
+        c.check(
+            call, [&](const Index &p) { return op.wanted(oracle, p); },
+            [](double a, double b) { return same(a, b) || a == b; });
+        if (HasFailure()) return;
+    }
+}
+
+TEST_F(Morphology, WhatIsRefusedAndWhatIsCopied) {
+    uint8_t pixels[3 * 4 * 3], out[3 * 4 * 3] = {}, ones[9];
+    std::fill(std::begin(ones), std::end(ones), uint8_t(255));
+    for (uint8_t &p : pixels) p = uint8_t(&p - pixels);
+    jorm_array src, dst, grey, grey_out;
+    jorm_array_make(&src, JORM_U8, 3, 4, 3, 0, pixels);
+    jorm_array_make(&dst, JORM_U8, 3, 4, 3, 0, out);
+    jorm_array_make(&grey, JORM_U8, 3, 4, 1, 0, pixels);
+    jorm_array_make(&grey_out, JORM_U8, 3, 4, 1, 0, out);
+    jorm_strel solid = {{0, 1, 1, 0}, {}}, single = {}, outside, none = {{0, 1, 1, 0}, {}};
+    jorm_array_make(&solid.mask, JORM_U8, 3, 3, 1, 0, ones);
+    jorm_array_make(&single.mask, JORM_U8, 1, 1, 1, 0, ones);
+    outside = solid;
+    outside.anchor[1] = outside.anchor[2] = -1;
+    none.mask = solid.mask;
+    none.mask.base = nullptr;
+    const auto morph = [&](const jorm_array &d, const jorm_array &s, uint32_t op, const jorm_strel *strel) {
+        return JormMorphop(xe, 0, &d, &s, nullptr, nullptr, op, strel);
+    };
+    expect_each(JORM_EINVAL, {morph(grey_out, grey, JORM_MORPH_ERODE, &outside), morph(dst, src, 1, &solid),
+                              morph(dst, src, 10, &solid), morph(grey_out, grey, 2, nullptr)});
+    expect_each(JORM_ENOTSUP, {morph(dst, src, JORM_MORPH_ERODE, nullptr), morph(dst, src, JORM_MORPH_CLOSE, &solid)});
+    expect_each(JORM_ENOTIMP, {morph(dst, src, JORM_MORPH_GRADIENT, &solid), morph(grey_out, grey, 9, &none)});
+    for (const uint8_t &v : out) EXPECT_EQ(v, 0);
+    for (const uint32_t op : {0u, 2u, 3u, 9u, 15u}) EXPECT_EQ(morph(dst, src, op, &single), JORM_OK);
+    EXPECT_TRUE(std::equal(pixels, pixels + sizeof pixels, out));
+    // Without a mask an element is a rectangle.
+    uint8_t as_filter[12];
+    jorm_array filtered = grey_out;
+    filtered.base = as_filter;
+    jorm_seshape window;
+    EXPECT_EQ(morph(grey_out, grey, JORM_MORPH_CLOSE, &none), JORM_OK);
+    EXPECT_EQ(
+        JormFilter(xe, 0, &filtered, &grey, nullptr, nullptr, JORM_FILTER_CLOSE, __jorm_seshape__$g2(&window, 3, 3)),
+        JORM_OK);
+    EXPECT_TRUE(std::equal(as_filter, as_filter + 12, out));
+    EXPECT_STREQ(jorm_morphop_str(0x13), "erode");
+    EXPECT_STREQ(jorm_morphop_str(1), "unknown-morhop");
+}
+
+} // namespace
