@@ -18,6 +18,7 @@
 #include "jorm/matrix.h"
 #include "jorm/resample.h"
 #include "jorm/morphology.h"
+#include "jorm/sepfilter.h"
 #include "jorm/shapes.h"
 #include "jorm/sort.h"
 #include "jorm/stats.h"

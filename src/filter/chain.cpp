@@ -114,6 +114,14 @@ jorm_seshape WindowFront::adjusted(const jorm_seshape *shape) const {
     return s;
 }
 
+jorm_seshape WindowFront::adjusted_as_given(const jorm_seshape &shape) const {
+    jorm_seshape s = shape;
+    const int k = front_.axes() - 1;
+    if (!vec_positive(k, s.extent + spatial_axes - k)) return adjusted(&shape);
+    place_anchor(s.anchor, s.extent, k);
+    return s;
+}
+
 int64_t WindowFront::make(WindowCall &c, const jorm_seshape &shape) const {
     const Operand &dst = front_.operand[0], &src = front_.operand[1];
     if (dst.type != src.type) return JORM_EINVAL;

@@ -118,6 +118,8 @@ public:
                       const jorm_site *src_roi);
     // Adjusts a window (null: all zero) to the region.
     jorm_seshape adjusted(const jorm_seshape *shape) const;
+    // Keeps positive extents as they are, 1 by 1 included.
+    jorm_seshape adjusted_as_given(const jorm_seshape &shape) const;
     // The call, bordered by reflect101 where the picture ends.
     int64_t make(WindowCall &call, const jorm_seshape &shape) const;
 

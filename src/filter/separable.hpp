@@ -1,0 +1,42 @@
+// Separable convolution.
+#pragma once
+#include "filter/separable_rows.hpp"
+#include "filter/window.hpp"
+
+namespace jorm {
+
+// The weights of the spatial axes, as many as the window has places.
+struct SeparableWeights {
+    const double *axis[3]; // null: a single 1
+};
+
+// The weighted sums of the windows: down the columns first, then along the row. Weights that mirror each other about
+// their centre serve two rows or columns at once. Bytes and 16-bit elements go in single precision where that keeps the
+// promised accuracy, in double precision otherwise.
+class SeparableStage : public RowStage {
+public:
+    int64_t open(WindowRows &in, const SeparableWeights &weights);
+    void begin_plane(int64_t z) override { in_->begin_plane(z); }
+    void produce(int64_t y, void *row) override;
+
+private:
+    // A list of weights in the type of sums, and of the places that they belong to.
+    struct Taps {
+        WeightedRows rows;
+        int64_t places;
+        const void **row;     // of every weight, or pair
+        const int64_t *place; // of every row in the list
+    };
+    Taps make_taps(int64_t places, const double *weights, char *&memory) const;
+
+    WindowRows *in_ = nullptr;
+    const SeparableRows *rows_ = nullptr;
+    Taps down_ = {}, along_ = {};
+    char *sums_ = nullptr, *spare_ = nullptr;
+    std::optional<Scratch> memory_;
+};
+
+// Runs the convolution over a call that has been checked.
+int64_t separable(WindowCall &c, const SeparableWeights &weights);
+
+} // namespace jorm

@@ -1,0 +1,22 @@
+// What the layers of separable and Gaussian filters share.
+#pragma once
+#include "filter/chain.hpp"
+#include "filter/separable.hpp"
+
+namespace jorm {
+
+// The channels that are filtered of those that a code stores: one or three, the fourth stays as it is; 0 for others.
+constexpr int32_t weighted_channels(uint32_t code) {
+    const int group = channel_group(code);
+    return group < 0 ? 0 : group == 0 ? 1 : 3;
+}
+
+inline int64_t run_weights(WindowCall &c, const SeparableWeights &weights) {
+    const int32_t channels = weighted_channels(c.code);
+    if (window_line(c.type) < 0 || channels == 0) return JORM_EINVAL;
+    c.channels = channels;
+    if (check_only(c)) return JORM_OK;
+    return separable(c, weights);
+}
+
+} // namespace jorm
