@@ -1,0 +1,137 @@
+// Separable and Gaussian filters.
+#include "jorm/sepfilter.h"
+#include "support/window_case.hpp"
+
+namespace {
+
+constexpr uint32_t types[] = {JORM_U8, JORM_S16, JORM_S32, JORM_F32};
+
+struct SepFilter : testing::Test {
+    Random r{22};
+    jorm_xe *xe = JormXEopen(nullptr, nullptr, 0);
+    ~SepFilter() override {
+        JormXEclose(xe);
+        use_level(0);
+    }
+};
+
+// The weighted sum in long double, and how much the result may miss it by.
+long double weighted(const WindowCase &c, const Index &p, const std::vector<double> (&w)[3], long double &magnitude) {
+    long double sum = 0;
+    magnitude = 0;
+    c.each_in_window(p, [&](double v, const Index &q) {
+        const long double weight = (long double)w[0][size_t(q[0])] * w[1][size_t(q[1])] * w[2][size_t(q[2])];
+        sum += weight * v;
+        magnitude += fabsl(weight * v);
+    });
+    return sum;
+}
+
+bool close_enough(uint32_t type, double got, long double exact, long double magnitude, bool whole) {
+    if (type == JORM_F32) return fabsl(got - exact) <= magnitude * 4e-6L + 1e-30L;
+    const long double limit = std::clamp<long double>(exact, lowest(type), highest(type));
+    if (whole) return got == double(std::nearbyint(double(limit)));
+    return fabsl(got - limit) <= (type == JORM_U8 ? 0.5L + 1 / 256.L : 1.0L);
+}
+
+TEST_F(SepFilter, WeightsOfEveryKind) {
+    for (int i = 0; i < 2500; ++i) {
+        use_level(r.in(0, jorm::level_count - 1));
+        const uint32_t type = r.of(types);
+        const int stored = r.of(std::array{1, 1, 3, 4});
+        WindowCase c(r, type, stored, r.one_in(4) ? 40 : 6);
+        if (c.roi) c.roi->origin[3] = 0, c.roi->size[3] = 4;
+        if (type == JORM_F32) c.picture.fill([&] { return float(r.in(-9999, 9999)) / 8; });
+        const bool whole = r.one_in(3), mirrored_weights = r.one_in(2);
+        std::vector<double> w[3];
+        for (size_t k = 0; k < 3; ++k) {
+            const size_t n = size_t(c.shape.extent[k]);
+            w[k].resize(n);
+            double sum = 0;
+            for (double &v : w[k]) v = whole ? r.in(-3, 4) : r.in(-200, 1000) / 1000.0, sum += std::fabs(v);
+            for (size_t j = 0; j < n && mirrored_weights; ++j) w[k][n - 1 - j] = w[k][j];
+            for (double &v : w[k]) v = whole || sum == 0 ? v : v / sum;
+            if (n == 1 && c.src.ndims != 4) w[k][0] = k == 0 ? 1 : w[k][0];
+        }
+        const int first = 4 - c.src.ndims;
+        if (first == 1) w[0] = {1};
+        jorm_sepkernel kernel = {c.shape, {}};
+        for (int k = first; k < 3; ++k) kernel.kernel[k - first] = w[k].data();
+        SCOPED_TRACE(c.describe() + " channels " + std::to_string(stored));
+        if (stored == 4) c.region.size[3] = std::min(c.region.size[3], 3); // the fourth stays as it is
+        long double magnitude;
+        double exact_got = 0;
+        c.check(
+            [&] {
+                return JormSepFilter(xe, c.flags, &c.dst, c.source(), c.destination_region(), c.source_region(),
+                                     &kernel);
+            },
+            [&](const Index &p) {
+                // The comparison needs more than a number: what is wanted is what was got, if that is close enough.
+                const long double exact = weighted(c, p, w, magnitude);
+                const double got = load(type, element(c.dst, sum(p, c.region.origin[0])));
+                exact_got = double(exact);
+                return close_enough(type, got, exact, magnitude, whole) ? got : exact_got;
+            },
+            [](double a, double b) { return same(a, b); });
+        if (HasFailure()) return;
+    }
+}
+
+TEST_F(SepFilter, GaussianWeights) {
+    double w[9];
+    jorm__computegauskernel1(w, 2, 5, 1.1);
+    EXPECT_NEAR(w[0] + w[1] + w[2] + w[3] + w[4], 1, 1e-15);
+    EXPECT_DOUBLE_EQ(w[1] / w[2], std::exp(-1 / (2 * 1.1 * 1.1)));
+    EXPECT_EQ(w[0], w[4]);
+    jorm__computegauskernel1(w, 0, 1, 3);
+    EXPECT_EQ(w[0], 1);
+    const int32_t extent[4] = {1, 5, 3, 0};
+    const struct {
+        double given[2], used[2];
+    } cases[] = {{{0, 0}, {1.1, 0.8}}, {{0, 2}, {2, 2}}, {{1.5, 0}, {1.5, 1.5}}, {{1, 4}, {1, 4}}};
+    for (const auto &k : cases) {
+        double used[2];
+        jorm_adjustgaussigmas(JORM_WORD(3), used, extent, k.given);
+        EXPECT_DOUBLE_EQ(used[0], k.used[0]);
+        EXPECT_DOUBLE_EQ(used[1], k.used[1]);
+    }
+    double planes[3];
+    const double given[3] = {0, 0, 3};
+    jorm_adjustgaussigmas(JORM_WORD(4), planes, extent, given);
+    EXPECT_EQ(planes[0] + planes[1] + planes[2], 9);
+}
+
+// The Gaussian filter is the separable one with these weights; a null shape is 5 by 5.
+TEST_F(SepFilter, GaussianFilter) {
+    Picture src(r, JORM_U8, {1, 20, 33, 3}), a(r, JORM_U8, {1, 20, 33, 3}, true), b(r, JORM_U8, {1, 20, 33, 3}, true);
+    const double sigmas[2] = {1.3, 0.7};
+    double rows[5], columns[5];
+    jorm_sepkernel kernel = {{}, {rows, columns}};
+    __jorm_seshape__$(&kernel.shape);
+    jorm_computegauskernel(JORM_WORD(3), &kernel, sigmas);
+    EXPECT_EQ(JormGaussianFilter(xe, 0, &a.a, &src.a, nullptr, nullptr, nullptr, sigmas), JORM_OK);
+    EXPECT_EQ(JormSepFilter(xe, 0, &b.a, &src.a, nullptr, nullptr, &kernel), JORM_OK);
+    each({1, 20, 33, 3}, [&](const Index &i) { ASSERT_EQ(a.get(i), b.get(i)); });
+}
+
+TEST_F(SepFilter, Refusals) {
+    Picture one(r, JORM_U8, {1, 4, 4, 1}, true), two(r, JORM_U8, {1, 4, 4, 2}, true),
+        real(r, JORM_F64, {1, 4, 4, 1}, true), wide(r, JORM_S16, {1, 4, 4, 1}, true);
+    const double w[3] = {1, 2, 1};
+    const jorm_sepkernel kernel = {{{0, 1, 1, 0}, {1, 3, 3, 1}}, {w, w}}, missing = {kernel.shape, {w}};
+    const jorm_site nowhere = site_of({0, 9, 9, 0}, {1, 2, 2, 1});
+    const auto run = [&](const Picture &dst, const Picture &src, const jorm_sepkernel *k,
+                         const jorm_site *roi = nullptr) {
+        return JormSepFilter(xe, 0, &dst.a, &src.a, roi, nullptr, k);
+    };
+    expect_each(JORM_EINVAL, {run(one, two, &kernel), run(two, two, &kernel), run(real, real, &kernel),
+                              run(one, wide, &kernel), run(one, one, nullptr), run(one, one, &missing)});
+    expect_each(JORM_EEMPTY, {run(one, one, &kernel, &nowhere), run(one, one, nullptr, &nowhere)});
+    int32_t status;
+    EXPECT_EQ(jorma__sepfiltfun_imp(11, JORM_U8, &status), jorma__sepfilter_c3_u8);
+    jorma__sepfiltfun_imp(2, JORM_U8, &status);
+    EXPECT_EQ(status, JORM_EINVAL);
+}
+
+} // namespace
