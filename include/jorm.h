@@ -23,5 +23,6 @@
 #include "jorm/sort.h"
 #include "jorm/stats.h"
 #include "jorm/threshold.h"
+#include "jorm/watershed.h"
 
 #endif

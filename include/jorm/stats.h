@@ -30,9 +30,6 @@
 #include "jorm/types.h"
 #include "jorm/vrng.h"
 
-/* Bits 21 and 22 of the options: either chooses the fast kernels. */
-#define JORM_OPT_FAST UINT64_C(0x600000)
-
 /* ---- Entries ---- */
 
 /* The sum of each selected channel. */

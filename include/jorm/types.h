@@ -74,6 +74,7 @@ enum {
 #define JORM_OPT_NO_SIMD UINT64_C(2)           /* this call runs the kernels of the base level */
 #define JORM_OPT_CHANNELS UINT64_C(0xF0)       /* the channel selection */
 #define JORM_OPT_MASK_INVERT UINT64_C(0x20000) /* masks select what is not 255 instead of what is not 0 */
+#define JORM_OPT_FAST UINT64_C(0x600000)       /* either bit chooses the fast kernels of sums and floods */
 
 /* Packed count word for n used slots, 1 <= n <= 4. */
 #define JORM_WORD(n) (UINT32_C(1024) | (uint32_t)(4 - (n)) << 4 | (uint32_t)(n))
