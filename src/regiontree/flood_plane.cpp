@@ -1,0 +1,328 @@
+// The flood without pixel lists, through a plane of one byte for each pixel and an array of waiting pixels for each
+// level. Less memory is touched than through words, and what is touched lies closer together.
+//
+// The visits are those of the flood through words. A byte of 255 says that a pixel has been seen, so levels get codes
+// from 0 to 254: with 256 levels in use the two neighbouring ones that are rarest together share a code. Pixels of that
+// code take a slow road which looks their levels up in the picture.
+#include "regiontree/flood.hpp"
+#include "regiontree/lanes.hpp"
+#include "xe/scratch.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace jorm {
+namespace {
+
+constexpr uint32_t seen = 255, none = levels;
+
+// Codes of the levels: a level above `split` has the code one less. Of the two that share the code `split` the lower
+// one may be unused; when both are used, `pair` is their code.
+struct Coding {
+    uint32_t split = none, pair = none;
+    uint32_t of(uint32_t level) const { return level - (level > split); }
+    uint32_t level(uint32_t code) const { return code + (code >= split); }
+};
+
+void count_row(uint32_t (*count)[levels], const FloodSource &s, int64_t r) {
+    const uint8_t *const from = s.row(r);
+    const int64_t step = s.pixel_stride;
+    int32_t c = 0;
+    for (; c + 4 <= s.columns; c += 4)
+        for (int k = 0; k < 4; ++k) ++count[k][from[(c + k) * step]];
+    for (; c < s.columns; ++c) ++count[0][from[c * step]];
+}
+
+void count_levels(uint32_t *histogram, const FloodSource &s) {
+    uint32_t count[4][levels] = {};
+    for (int64_t r = 0; r < s.rows; ++r)
+        if (s.takes_part(r)) count_row(count, s, r);
+    std::memset(histogram, 0, levels * sizeof *histogram);
+    for (int v = 0; v < levels; ++v)
+        histogram[s.level(uint8_t(v))] += count[0][v] + count[1][v] + count[2][v] + count[3][v];
+}
+
+Coding choose_coding(const uint32_t *histogram) {
+    Coding coding;
+    if (histogram[255] == 0) return coding;
+    coding.split = 0;
+    for (uint32_t l = 0; l < 255; ++l) {
+        if (histogram[l] == 0) return {l, none};
+        const auto together = [=](uint32_t k) { return uint64_t(histogram[k]) + histogram[k + 1]; };
+        if (together(l) < together(coding.split)) coding.split = l;
+    }
+    coding.pair = coding.split;
+    return coding;
+}
+
+// Pixels that wait, the latest on top.
+struct Pile {
+    uint32_t *base = nullptr, *top = nullptr;
+    bool empty() const { return top == base; }
+    void push(uint32_t pixel) { *top++ = pixel; }
+    uint32_t pop() { return *--top; }
+};
+
+template <int smallest> class PlaneFlood {
+public:
+    PlaneFlood(jorm_fwtsres *store, const FloodSource &source, int64_t stride, const Coding &coding)
+        : source_(source), stride_(stride), coding_(coding),
+          components_(store, uint32_t(stride), uint32_t(source.columns)) {}
+
+    void build(uint8_t *memory);
+    void lay_out(uint32_t *memory, const uint32_t *histogram);
+    int64_t run();
+
+    // Bytes and entries that build() and lay_out() fill.
+    static size_t plane_bytes(const FloodSource &s, int64_t stride) { return size_t(stride) * (size_t(s.rows) + 2); }
+
+private:
+    static constexpr auto no_list = [](uint32_t, int, uint32_t) {};
+
+    enum class Way { down, up, failed };
+    [[gnu::cold, gnu::noinline]] Way run_pair(bool fell);
+    bool upper(uint32_t pixel) const {
+        const uint8_t sample = source_.row(pixel / stride_)[pixel % stride_ * source_.pixel_stride];
+        return source_.level(sample) > coding_.pair;
+    }
+
+    const FloodSource &source_;
+    const int64_t stride_;
+    const Coding coding_;
+    uint8_t *plane_ = nullptr;
+    uint32_t *top_of_[levels], *base_of_[levels]; // what waits at each code; [seen] takes pixels that have been seen
+    uint32_t seen_[4];
+    Pile pair_[2]; // what waits at the two levels of the pair; what was pushed meanwhile waits under the code
+    Components components_;
+    // Where the flood stands, between the fast road and the slow one.
+    Component *top_ = components_.bottom();
+    uint32_t pixel_ = 0, code_ = 0, done_ = 0;
+};
+
+template <int smallest> void PlaneFlood<smallest>::build(uint8_t *memory) {
+    const FloodSource &s = source_;
+    std::memset(memory, seen, size_t(stride_));
+    plane_ = memory + stride_;
+    for (int64_t r = 0; r < s.rows; ++r) {
+        uint8_t *const to = plane_ + r * stride_;
+        const uint8_t *const from = s.row(r);
+        if (!s.takes_part(r)) {
+            std::memset(to, seen, size_t(stride_));
+            continue;
+        }
+        const uint8_t invert = s.invert, shift = s.shift, split = uint8_t(std::min(coding_.split, 255u));
+        const auto code = [=](uint8_t sample) {
+            const uint8_t level = uint8_t(uint8_t(sample ^ invert) >> shift);
+            return uint8_t(level - uint8_t(level > split));
+        };
+        if (s.pixel_stride == 1)
+            for (int32_t c = 0; c < s.columns; ++c) to[c] = code(from[c]);
+        else
+            for (int32_t c = 0; c < s.columns; ++c) to[c] = code(from[c * s.pixel_stride]);
+        to[0] = seen;
+        std::memset(to + s.columns, seen, size_t(stride_ - s.columns));
+    }
+    std::memset(plane_ + s.rows * stride_, seen, size_t(stride_));
+}
+
+// A pile for each code, above an end mark.
+template <int smallest> void PlaneFlood<smallest>::lay_out(uint32_t *memory, const uint32_t *histogram) {
+    uint32_t room[levels] = {};
+    for (uint32_t l = 0; l < levels; ++l) room[coding_.of(l)] += histogram[l];
+    for (uint32_t code = 0; code < seen; ++code) {
+        *memory++ = no_pixel;
+        top_of_[code] = base_of_[code] = memory;
+        memory += room[code];
+    }
+    top_of_[seen] = seen_;
+    base_of_[seen] = nullptr; // never looks empty
+    if (coding_.pair == none) return;
+    for (uint32_t i = 0; i < 2; ++i) {
+        pair_[i].base = pair_[i].top = memory;
+        memory += histogram[coding_.pair + i];
+    }
+}
+
+// Visits the pixels of the two levels that share a code, one neighbour after the other: from pixel_ on, or from what
+// waits there; until the flood leaves for a lower code or nothing waits at these levels any more.
+template <int smallest> typename PlaneFlood<smallest>::Way PlaneFlood<smallest>::run_pair(bool fell) {
+    const uint32_t code = coding_.pair;
+    uint32_t p = pixel_;
+    uint32_t which = 0; // the upper one of the two levels?
+    const auto rise_to = [&](uint32_t to) {
+        which = to;
+        p = pair_[which].pop();
+        return rise<smallest>(components_, top_, int32_t(code + which), p, done_, no_list);
+    };
+    if (!fell) {
+        for (const uint32_t *q = base_of_[code]; q != top_of_[code]; ++q) pair_[upper(*q)].push(*q);
+        top_of_[code] = base_of_[code];
+        if (!rise_to(pair_[0].empty())) return Way::failed;
+    } else {
+        which = upper(p);
+    }
+    for (;;) {
+        const int64_t neighbours[] = {int64_t(p) + 1, int64_t(p) - 1, p - stride_, p + stride_};
+        bool lower = false;
+        for (const int64_t at : neighbours) {
+            const uint32_t v = plane_[at], q = uint32_t(at);
+            if (v == seen) continue;
+            plane_[at] = seen;
+            if (v < code) {
+                *top_of_[code]++ = p;
+                pixel_ = q;
+                code_ = v;
+                return Way::down;
+            }
+            if (v > code) {
+                *top_of_[v]++ = q;
+            } else if (const bool u = upper(q); u >= which) {
+                pair_[u].push(q);
+            } else {
+                pair_[1].push(p);
+                p = q;
+                which = 0;
+                fell = lower = true;
+                break;
+            }
+        }
+        if (lower) continue;
+        if (fell) components_.open(top_, code + which, p, done_);
+        fell = false;
+        top_->head = p;
+        ++done_;
+        if (!pair_[which].empty())
+            p = pair_[which].pop();
+        else if (which == 0 && !pair_[1].empty()) {
+            if (!rise_to(1)) return Way::failed;
+        } else
+            return Way::up;
+    }
+}
+
+template <int smallest> int64_t PlaneFlood<smallest>::run() {
+    uint8_t *const plane = plane_;
+    const int64_t stride = stride_;
+    Component *top = top_;
+    uint32_t done = 0;
+    uint32_t p = uint32_t(source_.start_row * stride + source_.start_column);
+    uint32_t code = plane[p];
+    plane[p] = seen;
+    bool fell = true; // down to p, where nothing is open at this level yet; otherwise up, to what waits there
+    for (;;) {
+        if (!fell) {
+            top_of_[code] = base_of_[code];
+            do ++code;
+            while (top_of_[code] == base_of_[code]);
+            if (code == seen) break;
+        }
+        if (code == coding_.pair) {
+            pixel_ = p;
+            top_ = top;
+            done_ = done;
+            const Way way = run_pair(fell);
+            if (way == Way::failed) return JORM_ENOMEM;
+            top = top_;
+            done = done_;
+            fell = way == Way::down;
+            if (fell) p = pixel_, code = code_;
+            continue;
+        }
+        // The waiting pixels of the present code: `next`, then those below sp.
+        uint32_t *sp = base_of_[code] - 1, next = no_pixel;
+        if (!fell) {
+            sp = top_of_[code] - 1;
+            p = *sp;
+            if (!rise<smallest>(components_, top, int32_t(coding_.level(code)), p, done, no_list)) return JORM_ENOMEM;
+            next = *--sp;
+        }
+        for (;;) {
+            uint8_t *const at = plane + p;
+            const uint32_t v0 = at[1], v1 = at[-1], v2 = at[-stride], v3 = at[stride];
+            const uint32_t q0 = p + 1, q1 = p - 1, q2 = uint32_t(p - stride), q3 = uint32_t(p + stride);
+            const int32_t t0 = int32_t(v0 - code), t1 = int32_t(v1 - code), t2 = int32_t(v2 - code),
+                          t3 = int32_t(v3 - code);
+            const auto push = [&](uint32_t v, uint32_t q) { push_lane(top_of_, sp, next, v, code, q); };
+            if ((t0 | t1 | t2 | t3) < 0) {
+                // Down to the first lower neighbour; those before it are pushed, then the pixel itself.
+                uint32_t lowest = v3;
+                p = q3;
+                select_negative(p, lowest, t2, q2, v2);
+                select_negative(p, lowest, t1, q1, v1);
+                select_negative(p, lowest, t0, q0, v0);
+                const int32_t stop0 = t0 >> 31, stop1 = (t0 | t1) >> 31, stop2 = (t0 | t1 | t2) >> 31;
+                at[1] = uint8_t(v0 | ~uint32_t(stop0));
+                at[-1] = uint8_t(v1 | ~uint32_t(stop1));
+                at[-stride] = uint8_t(v2 | ~uint32_t(stop2));
+                push(uint8_t(v0 | uint32_t(stop0)), q0);
+                push(uint8_t(v1 | uint32_t(stop1)), q1);
+                push(uint8_t(v2 | uint32_t(stop2)), q2);
+                top_of_[seen] = seen_;
+                sp[0] = next;
+                sp[1] = uint32_t(at - plane);
+                top_of_[code] = sp + 2;
+                code = lowest;
+                plane[p] = seen;
+                fell = true;
+                break;
+            }
+            if (fell) components_.open(top, coding_.level(code), p, done);
+            fell = false;
+            at[1] = at[-1] = at[-stride] = at[stride] = seen;
+            push(v0, q0);
+            push(v1, q1);
+            push(v2, q2);
+            push(v3, q3);
+            top_of_[seen] = seen_;
+            top->head = p;
+            ++done;
+            if (next == no_pixel) break;
+            p = next;
+            next = *--sp;
+            __builtin_prefetch(plane + sp[-6]);
+            __builtin_prefetch(plane + sp[-6] - stride);
+            __builtin_prefetch(plane + sp[-6] + stride);
+        }
+    }
+    return components_.finish(top, done) ? JORM_OK : JORM_ENOMEM;
+}
+
+// Rows a multiple of 1024 bytes apart would meet in few sets of the cache.
+int64_t plane_stride(int32_t columns) { return columns >= 1024 && columns % 1024 == 0 ? columns + 64 : columns; }
+
+} // namespace
+
+template <int smallest>
+int64_t flood_with(jorm_xe *xe, jorm_fwtsres *store, const FloodSource &source) {
+    using Flood = PlaneFlood<smallest>;
+    constexpr size_t ahead = 8; // what looks ahead in a pile may look below it
+    uint32_t histogram[levels];
+    count_levels(histogram, source);
+    const Coding coding = choose_coding(histogram);
+    const int64_t stride = plane_stride(source.columns);
+    size_t entries = ahead + levels;
+    for (uint32_t l = 0; l < levels; ++l) entries += histogram[l];
+    if (coding.pair != none) entries += histogram[coding.pair] + histogram[coding.pair + 1];
+    const size_t bytes = entries * sizeof(uint32_t) + Flood::plane_bytes(source, stride);
+
+    void *const stack = xe ? JormXEmmstack(xe) : store->storage;
+    void *const memory = jorm_mmstack_alloca(stack, bytes, 64);
+    if (!memory) return JORM_ENOMEM;
+    int64_t status;
+    {
+        Flood flood(store, source, stride, coding);
+        auto *const waiting = static_cast<uint32_t *>(memory);
+        std::fill_n(waiting, ahead, 0u);
+        flood.lay_out(waiting + ahead, histogram);
+        flood.build(reinterpret_cast<uint8_t *>(waiting + entries));
+        status = flood.run();
+    }
+    jorm_mmstack_freea(stack, memory);
+    return status;
+}
+
+int64_t flood_plane(jorm_xe *xe, jorm_fwtsres *store, const FloodSource &source, int smallest) {
+    return smallest == 1 ? flood_with<1>(xe, store, source) : flood_with<16>(xe, store, source);
+}
+
+} // namespace jorm

@@ -1,0 +1,90 @@
+// Selections that must not become branches: what a neighbour of the visited pixel is cannot be foretold. Compilers turn
+// a conditional expression back into a branch where they see fit, so x86-64 gets its conditional moves by name.
+#pragma once
+#include <cstdint>
+
+namespace jorm {
+
+#if defined(__x86_64__) && defined(__GNUC__)
+#define JORM_CMOV 1
+#endif
+
+inline uint32_t smaller(uint32_t a, uint32_t b) {
+#if JORM_CMOV
+    asm("cmpl %[b], %[a]\n\tcmoval %[b], %[a]" : [a] "+r"(a) : [b] "r"(b) : "cc");
+    return a;
+#else
+    const uint32_t m = 0 - uint32_t(a < b);
+    return (a & m) | (b & ~m);
+#endif
+}
+
+// a < b ? yes : no
+inline uint32_t select_below(uint32_t a, uint32_t b, uint32_t yes, uint32_t no) {
+#if JORM_CMOV
+    asm("cmpl %[b], %[a]\n\tcmovbl %[yes], %[no]"
+        : [no] "+r"(no)
+        : [a] "r"(a), [b] "ri"(b), [yes] "r"(yes)
+        : "cc");
+    return no;
+#else
+    const uint32_t m = 0 - uint32_t(a < b);
+    return (yes & m) | (no & ~m);
+#endif
+}
+
+// When a == b: link = next, next = pixel.
+inline void link_lane(uint32_t &link, uint32_t &next, uint32_t a, uint32_t b, uint32_t pixel) {
+#if JORM_CMOV
+    asm("cmpl %[b], %[a]\n\tcmovel %[next], %[link]\n\tcmovel %[pixel], %[next]"
+        : [link] "+r"(link), [next] "+r"(next)
+        : [a] "r"(a), [b] "r"(b), [pixel] "r"(pixel)
+        : "cc");
+#else
+    const uint32_t m = 0 - uint32_t(a == b);
+    link = (next & m) | (link & ~m);
+    next = (pixel & m) | (next & ~m);
+#endif
+}
+
+// When t < 0: a = x, b = y.
+inline void select_negative(uint32_t &a, uint32_t &b, int32_t t, uint32_t x, uint32_t y) {
+#if JORM_CMOV
+    asm("testl %[t], %[t]\n\tcmovsl %[x], %[a]\n\tcmovsl %[y], %[b]"
+        : [a] "+r"(a), [b] "+r"(b)
+        : [t] "r"(t), [x] "r"(x), [y] "r"(y)
+        : "cc");
+#else
+    const uint32_t m = uint32_t(t >> 31);
+    a = (x & m) | (a & ~m);
+    b = (y & m) | (b & ~m);
+#endif
+}
+
+// Pushes a pixel on the pile of its code, top[v]. The pile of the present code lies in `sp` and `next`: when v == code,
+// the pixel becomes next, and what was next is pushed under it.
+inline void push_lane(uint32_t **top, uint32_t *&sp, uint32_t &next, uint32_t v, uint32_t code, uint32_t pixel) {
+    uint32_t *to = top[v], *after;
+    uint32_t value = pixel;
+#if JORM_CMOV
+    asm("cmpl %[code], %[v]\n\tcmovel %[next], %[value]\n\tcmovel %[pixel], %[next]\n\tcmoveq %[sp], %[to]\n\t"
+        "leaq 4(%[to]), %[after]\n\tcmoveq %[after], %[sp]"
+        : [value] "+&r"(value), [next] "+&r"(next), [to] "+&r"(to), [sp] "+&r"(sp), [after] "=&r"(after)
+        : [v] "r"(v), [code] "r"(code), [pixel] "r"(pixel)
+        : "cc");
+#else
+    const bool equal = v == code;
+    const uint32_t m = 0 - uint32_t(equal);
+    value = (next & m) | (pixel & ~m);
+    next = (pixel & m) | (next & ~m);
+    const uintptr_t wide = 0 - uintptr_t(equal);
+    const uintptr_t here = reinterpret_cast<uintptr_t>(sp);
+    to = reinterpret_cast<uint32_t *>((here & wide) | (reinterpret_cast<uintptr_t>(to) & ~wide));
+    after = to + 1;
+    sp += equal;
+#endif
+    *to = value;
+    top[v] = after;
+}
+
+} // namespace jorm
