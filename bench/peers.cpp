@@ -35,12 +35,39 @@ struct Planes : pb::Data {
         std::free(framed16.data);
         std::free(half.data);
         std::free(two_thirds.data);
+    pb::Plane smooth;            // u8a smoothed, as the peers' cases of that name have it
+
+    explicit Planes(const pb::Data &d) : pb::Data(d), framed2(frame(2)), framed16(frame(16)), smooth(frame(0)) {
+        if (filters) smoothen();
+    }
+    ~Planes() {
+        std::free(framed2.data);
+        std::free(framed16.data);
+        std::free(smooth.data);
     }
     Planes(const Planes &) = delete;
 
 private:
     pb::Plane frame(int margin) const { return plane(w + 2 * margin, h + 2 * margin); }
     static pb::Plane plane(int w, int h) {
+    // A Gaussian of 7 x 7 pixels, sigma 1.5, mirrored at the edges.
+    void smoothen() {
+        double weight[7], sum = 0;
+        for (int k = 0; k < 7; ++k) sum += weight[k] = std::exp(-(k - 3) * (k - 3) / (2 * 1.5 * 1.5));
+        const auto mirror = [](int i, int n) { return i < 0 ? -i : i >= n ? 2 * n - 2 - i : i; };
+        std::vector<double> across(size_t(w) * h);
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x)
+                for (int k = 0; k < 7; ++k)
+                    across[size_t(y) * w + x] += weight[k] / sum * u8a.as<uint8_t>()[y * u8a.stride + mirror(x + k - 3, w)];
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) {
+                double v = 0;
+                for (int k = 0; k < 7; ++k) v += weight[k] / sum * across[size_t(mirror(y + k - 3, h)) * w + x];
+                smooth.as<uint8_t>()[size_t(y) * w + x] = uint8_t(std::lround(v));
+            }
+    }
+    pb::Plane frame(int margin) const {
         constexpr size_t block = size_t(2) << 20;
         pb::Plane p = {nullptr, w, h, 1, pb::Elem::u8, size_t(w)};
         const size_t bytes = (p.count() + block - 1) / block * block;
@@ -54,7 +81,10 @@ struct Scene {
     Planes planes;
     jorm_array u8a, u8b, u8c3, mask, s16a, s16b, s16w, f32a, f32b, f32w, out8, out16, out32f, framed2, framed16;
     jorm_array half, two_thirds;
+    jorm_array u8a, u8b, u8c3, mask, s16a, s16b, s16w, f32a, f32b, f32w, out8, out16, out32f, framed2, framed16,
+        smooth;
     jorm_xe *xe;
+    jorm_mser mser = {};
     double values[8];
 
     explicit Scene(const pb::Data &d)
@@ -65,6 +95,21 @@ struct Scene {
           half(describe(planes.half)), two_thirds(describe(planes.two_thirds)), xe(JormXEopen(nullptr, nullptr, 0)) {}
           xe(JormXEopen(nullptr, nullptr, 0)) {}
     ~Scene() { JormXEclose(xe); }
+          out32f(describe(d.out32f)), framed2(describe(planes.framed2)), framed16(describe(planes.framed16)), smooth(describe(planes.smooth)),
+          xe(JormXEopen(nullptr, nullptr, 0)) {
+        const float pixels = float(d.w) * float(d.h);
+        mser.delta = 5;
+        mser.min_area_fraction = 60 / pixels;
+        mser.max_area_fraction = 14400 / pixels;
+        mser.max_variation = 0.25f;
+        mser.min_diversity = 0.2f;
+    }
+    ~Scene() {
+        JormFWTSRESfini(mser.dark_store);
+        JormFWTSRESfini(mser.bright_store);
+        _UlMfree(mser.regions.data);
+        JormXEclose(xe);
+    }
 
     // Carries one range of values onto another.
     int64_t spread(const jorm_array &dst, vrng to, const jorm_array &src, vrng from) {
@@ -107,6 +152,14 @@ struct Scene {
         const jorm_extremum &lo = mm.min[0], &hi = mm.max[0];
         const double found[] = {lo.f, hi.f, double(lo.row), double(lo.column), double(hi.row), double(hi.column)};
         std::copy(found, found + 6, values);
+        return status;
+    }
+
+    // How many stable regions, dark ones (0) or both kinds (2).
+    int64_t stable(const jorm_array &a, uint16_t passes) {
+        mser.passes = passes;
+        const int64_t status = JormGenerateFMSERs(xe, 0, &a, nullptr, &mser);
+        values[0] = double(mser.regions.count);
         return status;
     }
 };
@@ -187,6 +240,10 @@ const Case cases[] = {
     {"tophat_u8_5x5", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_TOPHAT, 5); }, true},
     {"resize_nn_u8_to_960x540", &Planes::half, 0, [](Scene &s) { return JormResize(s.xe, 0, &s.half, &s.u8a, no, no, no); }, true, true},
     {"resize_nn_u8_to_1280x720", &Planes::two_thirds, 0, [](Scene &s) { return JormResize(s.xe, 0, &s.two_thirds, &s.u8a, no, no, no); }, true, true},
+    {"mser_one_u8", nullptr, 1, [](Scene &s) { return s.stable(s.u8a, 0); }, true},
+    {"mser_both_u8", nullptr, 1, [](Scene &s) { return s.stable(s.u8a, 2); }, true},
+    {"mser_one_u8_smooth", nullptr, 1, [](Scene &s) { return s.stable(s.smooth, 0); }, true},
+    {"mser_both_u8_smooth", nullptr, 1, [](Scene &s) { return s.stable(s.smooth, 2); }, true},
 };
 // clang-format on
 

@@ -119,6 +119,11 @@ template <int smallest> int64_t run(jorm_fwtsres *store, uint32_t *words, const 
         }
         p = next;
         next = words[p];
+        // The pixel after the next one; the end mark asks for nothing that matters.
+        const uint32_t *const soon = words + words[select_below(next, no_pixel, next, p)];
+        __builtin_prefetch(soon);
+        __builtin_prefetch(soon - row);
+        __builtin_prefetch(soon + row);
     }
     return components.finish(top, done) ? JORM_OK : JORM_ENOMEM;
 }
