@@ -1,54 +1,36 @@
 // Floods against the slow one of the support folder: whole trees, pixel lists, guard words.
 #include "jorm/xe.h"
 #include "support/flood_case.hpp"
+#include "support/heap.hpp"
 
 namespace {
 
-struct Env {
-    jorm_xe xe = {};
-    Env() { JormXEinit(&xe, nullptr); }
-    ~Env() { JormXEclose(&xe); }
-    operator jorm_xe *() { return &xe; }
-};
-
-struct Store : jorm_fwtsres {
-    Store() : jorm_fwtsres{} { JormFWTSRESinit(this, nullptr, nullptr); }
-    ~Store() { JormFWTSRESfini(this); }
-};
-
-jorm_array describe(std::vector<uint8_t> &samples, int H, int W) {
-    jorm_array a;
-    const int32_t extent[] = {H, W, 1};
-    _jorm_array__$xtrn(&a, JORM_U8, 3, extent, nullptr, samples.data());
-    return a;
-}
-
-TEST(Watershed, TreesAndListsOfSmallPictures) {
+TEST(Watershed, TreesAndListsOfPictures) {
     Random r(1);
     Env xe;
     Store plain, listed;
     for (int round = 0; round < 6000; ++round) {
-        const int kind = round % flood_kinds;
-        const int H = r.one_in(6) ? r.in(1, 3) : r.in(1, 40), W = r.one_in(6) ? r.in(2, 4) : r.in(2, 40);
-        std::vector<uint8_t> samples = flood_picture(r, H, W, kind);
+        const int kind = round % flood_kinds, most = round % 100 ? 40 : 140; // large ones use all 256 levels
+        const int H = r.one_in(6) ? r.in(1, 3) : r.in(1, most), W = r.one_in(6) ? r.in(2, 4) : r.in(2, most);
+        const Samples samples = flood_picture(r, H, W, kind);
         SlowFlood::Options o;
         o.inverted = r.one_in(2);
-        o.shift = r.one_in(2) ? 0 : r.in(0, 7);
+        o.shift = r.one_in(2) ? 0 : r.in(0, 8);
         o.row = r.in(0, H - 1);
         o.column = r.in(1, W - 1);
-        const bool fast = r.one_in(3) ? false : true;
+        const bool fast = !r.one_in(3);
         o.smallest = fast ? 16 : 1;
         const SlowFlood slow(samples, H, W, o);
 
-        const jorm_array image = describe(samples, H, W);
+        const FloodArray image(r, samples, H, W);
         std::vector<uint32_t> buffer(slow.buffer.size() + 2, 0xABCDABCD);
         listed.buffer = &buffer[1];
         for (Store *const store : {&plain, &listed}) {
-            jorm_fwtsparams params = {store, o.inverted ? 1 : r.in(2, 3) % 3, uint16_t(o.shift), int32_t(o.row),
+            jorm_fwtsparams params = {store, o.inverted ? 1 : r.in(2, 3) % 3,
+                                      uint16_t(o.shift == 8 ? r.in(8, 40) : o.shift), int32_t(o.row),
                                       int32_t(o.column) - 1};
             const uint64_t options = fast ? (r.one_in(2) ? 0x200000 : 0x400000) : 0;
-            jorm_xe *const env = r.one_in(8) ? nullptr : &xe.xe;
-            ASSERT_EQ(JormWatershed(env, options, &image, nullptr, &params), JORM_OK);
+            ASSERT_EQ(JormWatershed(r.one_in(8) ? nullptr : &xe.xe, options, &image.a, nullptr, &params), JORM_OK);
             expect_same_tree(slow.root, store->root);
             if (HasFatalFailure()) FAIL() << "round " << round << ", kind " << kind << ", " << H << " x " << W;
         }
@@ -57,6 +39,258 @@ TEST(Watershed, TreesAndListsOfSmallPictures) {
         EXPECT_EQ(buffer.front(), 0xABCDABCD);
         EXPECT_EQ(buffer.back(), 0xABCDABCD);
         ASSERT_EQ(std::vector(buffer.begin() + 1, buffer.end() - 1), slow.buffer) << "round " << round;
+    }
+}
+
+// Rows a power of two long lie farther apart in the plane than in the picture.
+TEST(Watershed, WideRowsAndSharedLevels) {
+    Random r(2);
+    Env xe;
+    for (const int W : {1024, 2048})
+        for (const int kind : {0, 3, 10, 11}) {
+            const Samples samples = flood_picture(r, 60, W, kind);
+            const SlowFlood slow(samples, 60, W, {.row = 7, .column = 5});
+            const FloodArray image(r, samples, 60, W);
+            Store store;
+            jorm_fwtsparams params = {&store, 0, 0, 7, 4};
+            ASSERT_EQ(JormWatershed(xe, JORM_OPT_FAST, &image.a, nullptr, &params), JORM_OK);
+            expect_same_tree(slow.root, store.root);
+        }
+}
+
+TEST(Watershed, Masks) {
+    Random r(3);
+    Env xe;
+    Store store;
+    int dropped = 0, found_before = 0, nothing = 0;
+    for (int round = 0; round < 3000; ++round) {
+        const int H = r.in(1, 14), W = r.in(2, 14), rarity = r.in(1, 40);
+        const Samples samples = flood_picture(r, H, W, round % flood_kinds);
+        const bool inverted = r.one_in(2), fast = !r.one_in(3);
+        const uint8_t off = inverted ? 255 : 0;
+        Samples mask(samples.size());
+        for (uint8_t &m : mask) m = r.one_in(rarity) ? uint8_t(r.in(1, 254)) : off;
+        const int row = r.one_in(2) ? 0 : r.in(0, H - 1), column = r.one_in(2) ? 0 : r.in(0, W - 1);
+        const auto on = [&](int y, int x) { return mask[size_t(y * W + x)] != off; };
+
+        // The start: the first pixel selected from the seed on, then from the beginning.
+        int start = -1;
+        for (int i = row * W + column; i < H * W && start < 0; ++i)
+            if (on(i / W, i % W)) start = i;
+        for (int i = 0; i < row * W + column && start < 0; ++i)
+            if (on(i / W, i % W)) start = i, ++found_before;
+        const int drop = start >= 0 && row == 0 && column == 0 ? start / W : 0, x = start % W;
+        const bool empty = start < 0 || x + 1 >= W;
+        nothing += empty;
+        dropped += drop > 0;
+
+        const FloodArray image(r, samples, H, W), masks(r, mask, H, W);
+        jorm_fwtsparams params = {&store, 0, 0, row, column};
+        std::vector<uint32_t> buffer(size_t(H * W + 2 * W + 4));
+        store.buffer = r.one_in(2) ? buffer.data() : nullptr;
+        const uint64_t options = (inverted ? JORM_OPT_MASK_INVERT : 0) | (fast ? JORM_OPT_FAST : 0);
+        ASSERT_EQ(JormWatershedEx(xe, options, &image.a, &masks.a, nullptr, nullptr, &params), JORM_OK);
+        if (empty) {
+            EXPECT_EQ(store.root, nullptr);
+            EXPECT_EQ(store.words, nullptr);
+            continue;
+        }
+        SlowFlood::Options o = {.row = start / W - drop, .column = x + 1, .smallest = fast ? 16 : 1};
+        for (int y = drop; y < H; ++y) o.rows.push_back(on(y, x));
+        const SlowFlood slow(Samples(samples.begin() + drop * W, samples.end()), H - drop, W, o);
+        expect_same_tree(slow.root, store.root);
+        if (store.buffer) {
+            buffer.resize(slow.buffer.size());
+            ASSERT_EQ(buffer, slow.buffer);
+        }
+        if (HasFatalFailure()) FAIL() << "round " << round;
+    }
+    EXPECT_GT(std::min({dropped, found_before, nothing}), 20);
+}
+
+// Every layer gives what the entry gives; regions, planes and the packed call find their part of the picture.
+TEST(Watershed, LayersRegionsAndPlanes) {
+    Random r(4);
+    Env xe;
+    const int H = 20, W = 24, planes = 3;
+    Samples samples;
+    for (int z = 0; z < planes; ++z) {
+        const Samples plane = flood_picture(r, H, W, z);
+        samples.insert(samples.end(), plane.begin(), plane.end());
+    }
+    jorm_array a;
+    const int32_t extent[] = {planes, H, W, 1}, origin[] = {1, 3, 4, 0}, size[] = {2, 15, 16, 1};
+    _jorm_array__$xtrn(&a, JORM_U8, 4, extent, nullptr, samples.data());
+    Samples part;
+    for (int y = 0; y < 15; ++y)
+        for (int x = 0; x < 16; ++x) part.push_back(samples[size_t((2 * H + y + 3) * W + x + 4)]);
+    const SlowFlood slow(part, 15, 16, {.row = 2, .column = 4}),
+        slow_all(part, 15, 16, {.row = 2, .column = 4, .smallest = 1});
+    std::vector<uint8_t> mask(samples.size(), 1);
+    jorm_array m = a;
+    m.base = mask.data();
+
+    Store store;
+    jorm_fwtsparams p = {&store, 0, 0, 2, 3};
+    const auto check = [&](int64_t status, const SlowFlood &wanted) {
+        EXPECT_EQ(status, JORM_OK);
+        expect_same_tree(wanted.root, store.root);
+        JormFWTSRESinit(&store, nullptr, nullptr);
+        EXPECT_EQ(store.root, nullptr);
+    };
+    const jorm_site site = {{1, 3, 4, 0}, {2, 15, 16, 1}};
+    constexpr uint64_t fast = JORM_OPT_FAST;
+    check(JormWatershed(xe, fast, &a, &site, &p), slow);
+    check(JormWatershed(xe, 0, &a, &site, &p), slow_all);
+    check(JormWatershedEx(xe, fast, &a, nullptr, origin, size, &p), slow);
+    check(JormWatershedEx(xe, fast, &a, &m, origin, size, &p), slow);
+    check(JormWatershedEx(xe, 0, &a, &m, origin, size, &p), slow_all);
+
+    const int32_t flat[] = {15, 16, 1}, stride[] = {W, 1, 1};
+    const uint8_t *const data = &samples[size_t((2 * H + 3) * W + 4)];
+    const uint32_t w = JORM_WORD(3), u8 = JORM_U8;
+    const uint8_t *const on = mask.data();
+    check(JormTGAwatershed(xe, fast, &p, w, flat, u8, data, stride), slow);
+    check(JormTGAwatershed(xe, 0, &p, w, flat, u8, data, stride), slow_all);
+    check(JormTGAwatershedEx(xe, fast, &p, w, flat, u8, data, stride, u8, on, stride), slow);
+    check(JormTGAwatershedEx(xe, 0, &p, w, flat, u8, data, stride, 0, nullptr, nullptr), slow_all);
+    const int32_t from[] = {0, 2 * H + 3, 4, 0}, steps[] = {0, W, 1, 1};
+    check(jorma_fwatershed(xe, 0, w, flat, u8, samples.data(), from + 1, steps + 1, &p), slow);
+    check(jorma_watershed(xe, fast, w, flat, u8, samples.data(), from + 1, steps + 1, &p), slow_all);
+    check(jorma_fwatershed_xm(xe, 0, w, flat, u8, samples.data(), from + 1, steps + 1, u8, on, from + 1, steps + 1, &p),
+          slow);
+    check(jorma_watershed_xm(xe, 0, w, flat, u8, samples.data(), from + 1, steps + 1, u8, on, from + 1, steps + 1, &p),
+          slow_all);
+    check(jorma__fwatershed(xe, 0, w, flat, u8, data, stride, &p), slow);
+    check(jorma__watershed(xe, 0, w, flat, u8, data, stride, &p), slow_all);
+    check(jorma__fwatershed_xm(xe, 0, w, flat, u8, data, stride, u8, on, stride, &p), slow);
+    check(jorma__watershed_xm(xe, 0, w, flat, u8, data, stride, u8, on, stride, &p), slow_all);
+    check(_jorma__fwatershed_c1_u8(xe, 0, w, flat, data, stride, &p), slow);
+    check(_jorma__fwatershed_xm_c1_u8(xe, 0, w, flat, data, stride, on, stride, &p), slow);
+}
+
+TEST(Watershed, Refusals) {
+    Env xe;
+    Store store;
+    Samples samples(64);
+    std::vector<uint32_t> buffer(200, 7);
+    store.buffer = buffer.data();
+    jorm_array a;
+    const int32_t extent[] = {8, 8, 1}, stride[] = {8, 1, 1};
+    _jorm_array__$xtrn(&a, JORM_U8, 3, extent, nullptr, samples.data());
+    jorm_fwtsparams p = {&store, 0, 0, 0, 0}, homeless = {};
+    const jorm_site outside = {{0, 9, 0, 0}, {1, 3, 3, 1}};
+    const auto flat = [&](uint32_t type, int32_t H, int32_t W, int32_t c) {
+        const int32_t size[] = {H, W, c};
+        return jorma__fwatershed(xe, 0, JORM_WORD(3), size, type, samples.data(), stride, &p);
+    };
+    jorm_array two = a, floats = a, mask2 = a;
+    two.extent[3] = mask2.extent[3] = 2;
+    two.extent[2] = mask2.extent[2] = 4;
+    floats.eltype = JORM_S16;
+    floats.extent[2] = 4;
+    floats.stride[2] = floats.stride[3] = 2;
+    expect_each(JORM_EINVAL,
+                {JormWatershed(xe, 0, &a, nullptr, nullptr), JormWatershed(xe, 0, nullptr, nullptr, &p),
+                 JormWatershed(xe, 0, &a, nullptr, &homeless), JormWatershedEx(xe, 0, &a, &mask2, nullptr, nullptr, &p),
+                 flat(JORM_S8, 8, 8, 1), flat(0, 8, 8, 1), flat(JORM_U8, 1 << 14, 1 << 13, 1),
+                 flat(JORM_U8, 1 << 30, 1 << 30, 1), flat(JORM_U8, 0, 8, 1)});
+    expect_each(JORM_EEMPTY, {JormWatershed(xe, 0, &a, &outside, &p)});
+    expect_each(JORM_ENOTSUP, {JormWatershed(xe, 0, &two, nullptr, &p), JormWatershed(xe, 0, &floats, nullptr, &p),
+                               flat(JORM_U8, 8, 4, 2), flat(JORM_F64, 1, 1, 1)});
+    EXPECT_EQ(std::count(buffer.begin(), buffer.end(), 7u), 200);
+
+    // Nothing to flood: the seed is outside or in the last column, or there is but the first column.
+    for (const auto &[row, column] : {std::pair{8, 0}, {-1, 0}, {0, 8}, {0, -1}, {0, 7}, {INT32_MAX, INT32_MAX}}) {
+        p.seed_row = row;
+        p.seed_column = column;
+        EXPECT_EQ(JormWatershed(xe, 0, &a, nullptr, &p), JORM_OK);
+        EXPECT_EQ(store.root, nullptr);
+    }
+    p.seed_row = p.seed_column = 0;
+    EXPECT_EQ(flat(JORM_U8, 8, 1, 1), JORM_OK);
+    EXPECT_EQ(store.root, nullptr);
+    EXPECT_EQ(flat(JORM_U8, 1, 2, 1), JORM_OK);
+    ASSERT_NE(store.root, nullptr);
+    EXPECT_EQ(store.root->area, 1);
+}
+
+TEST(ResultStore, KeepsItsMemoryAndGivesItBack) {
+    Random r(5);
+    const Samples samples = flood_picture(r, 60, 60, 0);
+    const FloodArray image(r, samples, 60, 60);
+    Env xe;
+    void *const storage = UlSMEMSTGopen(nullptr, 0, 0);
+    void *const before = UlSMEMSTGaalloc(storage, 10, 8, 0);
+    jorm_fwtsres store[2] = {};
+    for (jorm_fwtsres &s : store) ASSERT_EQ(JormFWTSRESinit(&s, nullptr, storage), &s);
+    Store own;
+    const auto flood = [&](jorm_fwtsres *s, uint64_t options) {
+        jorm_fwtsparams p = {s, 0, 0, 3, 3};
+        return JormWatershed(xe, options, &image.a, nullptr, &p);
+    };
+    const auto flood_all = [&] {
+        for (jorm_fwtsres *s : std::array<jorm_fwtsres *, 3>{&store[0], &own, &store[1]})
+            ASSERT_EQ(flood(s, 0), JORM_OK);
+    };
+    for (int i = 0; i < 20; ++i) flood_all();
+    const int calls = heap_calls;
+    for (int i = 0; i < 200; ++i) flood_all();
+    EXPECT_EQ(heap_calls, calls);
+
+    // Two stores of one storage keep their trees apart.
+    const SlowFlood slow(samples, 60, 60, {.row = 3, .column = 4, .smallest = 1});
+    for (jorm_fwtsres &s : store) expect_same_tree(slow.root, s.root);
+
+    jorm_fwtsr *const region = JormFWTSRESnewregion(&own, 12, 34);
+    ASSERT_NE(region, nullptr);
+    EXPECT_EQ(std::tuple(region->head, region->seed, region->level, region->area),
+              std::tuple(JORM_NO_PIXEL, 12, 34, 0));
+    void *const block = JormFWTSRESalloca(&own, 100, 0);
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(block) % 16, 0u);
+    JormFWTSRES_freea(&own, block);
+    EXPECT_EQ(JormFWTSRESalloca(&own, 100, 16), block);
+    for (jorm_fwtsres &s : store) {
+        EXPECT_EQ(JormFWTSRESfini(&s), &s);
+        EXPECT_EQ(std::tuple(s.root, s.storage), std::tuple(nullptr, nullptr));
+    }
+    void *const next = UlSMEMSTGaalloc(storage, 10, 8, 0);
+    EXPECT_LT(static_cast<char *>(next) - static_cast<char *>(before), 64);
+    UlMEMSTGclose(storage);
+}
+
+TEST(ResultStore, MemoryThatCannotBeHad) {
+    if (!own_heap) GTEST_SKIP();
+    Random r(6);
+    const Samples samples = flood_picture(r, 90, 90, 0);
+    const FloodArray image(r, samples, 90, 90);
+    const SlowFlood slow(samples, 90, 90, {.column = 1, .smallest = 1});
+    std::vector<uint32_t> buffer(slow.buffer.size());
+    for (const bool listed : {false, true}) {
+        int fails = 0;
+        for (int64_t calls = 0;; ++calls) {
+            const int64_t blocks = heap_blocks;
+            Env xe;
+            jorm_fwtsres store = {};
+            JormFWTSRESinit(&store, listed ? buffer.data() : nullptr, nullptr);
+            jorm_fwtsparams p = {&store, 0, 0, 0, 0};
+            heap_calls_left = calls;
+            const int64_t status = JormWatershed(xe, 0, &image.a, nullptr, &p);
+            heap_calls_left = INT64_MAX;
+            if (status != JORM_OK) {
+                ASSERT_EQ(status, JORM_ENOMEM);
+                ASSERT_EQ(store.root, nullptr);
+                ASSERT_EQ(store.words, nullptr);
+                ASSERT_EQ(JormWatershed(xe, 0, &image.a, nullptr, &p), JORM_OK);
+                ++fails;
+            }
+            expect_same_tree(slow.root, store.root);
+            JormFWTSRESfini(&store);
+            JormXEfini(xe);
+            ASSERT_EQ(heap_blocks, blocks);
+            if (status == JORM_OK) break;
+        }
+        EXPECT_GT(fails, 2);
     }
 }
 

@@ -14,11 +14,11 @@ struct FloodSource {
     const uint8_t *data;
     int64_t row_stride, pixel_stride;
     int32_t rows, columns;
-    uint8_t invert; // 255 or 0
-    uint8_t shift;  // at most 8
+    uint8_t invert;                    // 255 or 0
+    uint8_t shift;                     // at most 8
     const uint8_t *row_mask = nullptr; // the byte that decides about row 0, null: all rows take part
     int64_t row_mask_stride = 0;
-    uint8_t off = 0; // the byte that leaves a row out
+    uint8_t off = 0;                 // the byte that leaves a row out
     int32_t start_row, start_column; // in the buffer, so the column is at least 1
 
     int64_t pixels() const { return int64_t(rows) * columns; }
@@ -69,9 +69,9 @@ private:
     Component entry_[levels + 1]; // open levels fall strictly, above a bottom that is higher than all
 };
 
-// Rises to `level`, where `pixel` waits. The pixel that a descent left behind waits at the level of the component below,
-// so that one is never passed: either it has the level and swallows the top, or the top is lifted. `join` links the
-// last pixel of the top's list to the pixel given.
+// Rises to `level`, where `pixel` waits. The pixel that a descent left behind waits at the level of the component
+// below, so that one is never passed: either it has the level and swallows the top, or the top is lifted. `join` links
+// the last pixel of the top's list to the pixel given.
 template <int smallest, class Join>
 [[gnu::always_inline]] inline bool rise(Components &components, Component *&top, int32_t level, uint32_t pixel,
                                         uint32_t done, Join join) {

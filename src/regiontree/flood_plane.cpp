@@ -292,8 +292,7 @@ int64_t plane_stride(int32_t columns) { return columns >= 1024 && columns % 1024
 
 } // namespace
 
-template <int smallest>
-int64_t flood_with(jorm_xe *xe, jorm_fwtsres *store, const FloodSource &source) {
+template <int smallest> int64_t flood_with(jorm_xe *xe, jorm_fwtsres *store, const FloodSource &source) {
     using Flood = PlaneFlood<smallest>;
     constexpr size_t ahead = 8; // what looks ahead in a pile may look below it
     uint32_t histogram[levels];

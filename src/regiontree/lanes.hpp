@@ -22,10 +22,7 @@ inline uint32_t smaller(uint32_t a, uint32_t b) {
 // a < b ? yes : no
 inline uint32_t select_below(uint32_t a, uint32_t b, uint32_t yes, uint32_t no) {
 #if JORM_CMOV
-    asm("cmpl %[b], %[a]\n\tcmovbl %[yes], %[no]"
-        : [no] "+r"(no)
-        : [a] "r"(a), [b] "ri"(b), [yes] "r"(yes)
-        : "cc");
+    asm("cmpl %[b], %[a]\n\tcmovbl %[yes], %[no]" : [no] "+r"(no) : [a] "r"(a), [b] "ri"(b), [yes] "r"(yes) : "cc");
     return no;
 #else
     const uint32_t m = 0 - uint32_t(a < b);

@@ -187,9 +187,9 @@ int64_t jorma_fmser(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t 
                  const int32_t *mask_origin, const int32_t *mask_strides, jorm_mser *mser) {                           \
         const void *const data = start_of(word, base, origin, strides);                                                \
         const void *const mask_data = start_of(word, mask, mask_origin, mask_strides);                                 \
-        return generate_mser({xe, options, word, size, operand(type, data, strides),                                   \
-                              operand(mask_type, mask_data, mask_strides)},                                            \
-                             kind, mser);                                                                              \
+        return generate_mser(                                                                                          \
+            {xe, options, word, size, operand(type, data, strides), operand(mask_type, mask_data, mask_strides)},      \
+            kind, mser);                                                                                               \
     }
 MSER_XM_ADAPTER(jorma_fmser_xm, FloodKind::fast)
 MSER_XM_ADAPTER(jorma_mser_xm, FloodKind::standard)

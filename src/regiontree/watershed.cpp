@@ -47,9 +47,8 @@ int64_t JormTGAwatershed(jorm_xe *xe, uint64_t options, jorm_fwtsparams *params,
 int64_t JormTGAwatershedEx(jorm_xe *xe, uint64_t options, jorm_fwtsparams *params, uint32_t word, const int32_t *size,
                            uint32_t type, const void *data, const int32_t *strides, uint32_t mask_type,
                            const void *mask, const int32_t *mask_strides) {
-    return watershed(
-        {xe, options, word, size, operand(type, data, strides), operand(mask_type, mask, mask_strides)},
-        flood_kind(options), params);
+    return watershed({xe, options, word, size, operand(type, data, strides), operand(mask_type, mask, mask_strides)},
+                     flood_kind(options), params);
 }
 
 #define FLOOD_LAYERS(adapter, xm_adapter, dispatcher, kind)                                                            \
@@ -64,9 +63,9 @@ int64_t JormTGAwatershedEx(jorm_xe *xe, uint64_t options, jorm_fwtsparams *param
                        jorm_fwtsparams *params) {                                                                      \
         const void *const data = start_of(word, base, origin, strides);                                                \
         const void *const mask_data = start_of(word, mask, mask_origin, mask_strides);                                 \
-        return watershed({xe, options, word, size, operand(type, data, strides),                                       \
-                          operand(mask_type, mask_data, mask_strides)},                                                \
-                         kind, params);                                                                                \
+        return watershed(                                                                                              \
+            {xe, options, word, size, operand(type, data, strides), operand(mask_type, mask_data, mask_strides)},      \
+            kind, params);                                                                                             \
     }                                                                                                                  \
     int64_t dispatcher(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t type,               \
                        const void *data, const int32_t *strides, jorm_fwtsparams *params) {                            \
@@ -91,9 +90,9 @@ int64_t _jorma__fwatershed_c1_u8(jorm_xe *xe, uint64_t options, uint32_t word, c
     return watershed({xe, options, word, size, operand(JORM_U8, data, strides)}, FloodKind::fast, params);
 }
 
-int64_t _jorma__fwatershed_xm_c1_u8(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size,
-                                    const void *data, const int32_t *strides, const void *mask,
-                                    const int32_t *mask_strides, jorm_fwtsparams *params) {
+int64_t _jorma__fwatershed_xm_c1_u8(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, const void *data,
+                                    const int32_t *strides, const void *mask, const int32_t *mask_strides,
+                                    jorm_fwtsparams *params) {
     return watershed({xe, options, word, size, operand(JORM_U8, data, strides), operand(JORM_U8, mask, mask_strides)},
                      FloodKind::fast, params);
 }

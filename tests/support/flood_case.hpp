@@ -7,6 +7,36 @@
 
 namespace {
 
+using Samples = std::vector<uint8_t>;
+
+struct Env {
+    jorm_xe xe = {};
+    Env() { JormXEinit(&xe, nullptr); }
+    ~Env() { JormXEclose(&xe); }
+    operator jorm_xe *() { return &xe; }
+};
+
+struct Store : jorm_fwtsres {
+    Store() : jorm_fwtsres{} { JormFWTSRESinit(this, nullptr, nullptr); }
+    ~Store() { JormFWTSRESfini(this); }
+};
+
+// Samples in any layout.
+struct FloodArray {
+    jorm_array a;
+    FloodArray(Random &r, const Samples &samples, int H, int W) {
+        int64_t bytes;
+        std::tie(a, bytes) = lay_out(r, JORM_U8, 3, {1, H, W, 1});
+        memory.resize(size_t(bytes));
+        a.base = memory.data();
+        each({1, H, W, 1}, [&](const Index &i) { *element(a, i) = samples[size_t(i[1] * W + i[2])]; });
+    }
+    FloodArray(const FloodArray &) = delete;
+
+private:
+    Bytes memory;
+};
+
 // The flood as it is defined: a bucket for each level, linked through the words, and a stack of open regions.
 struct SlowFlood {
     static constexpr uint32_t end = 0x7FFFFFFF, fresh = 0x80000000;
@@ -22,10 +52,10 @@ struct SlowFlood {
         int shift = 0;
         int64_t row = 0, column = 0; // where the flood starts, in the buffer
         int smallest = 16;
-        std::vector<bool> rows; // that take part; empty: all
+        std::vector<bool> rows = {}; // that take part; empty: all
     };
 
-    SlowFlood(const std::vector<uint8_t> &samples, int64_t H, int64_t W, const Options &o)
+    SlowFlood(const Samples &samples, int64_t H, int64_t W, const Options &o)
         : W(W), buffer(size_t(W * H + 2 * (W + 2))) {
         uint32_t *const words = &buffer[size_t(W + 2)];
         for (int64_t i = 0; i < W * H; ++i) {
@@ -114,8 +144,8 @@ private:
 };
 
 // Pictures of many kinds, by number.
-inline std::vector<uint8_t> flood_picture(Random &r, int H, int W, int kind) {
-    std::vector<uint8_t> s(size_t(H) * size_t(W));
+inline Samples flood_picture(Random &r, int H, int W, int kind) {
+    Samples s(size_t(H) * size_t(W));
     const int few = r.in(2, 9), a = r.in(1, 60), b = r.in(1, 60), base = r.in(0, 255);
     for (int y = 0; y < H; ++y)
         for (int x = 0; x < W; ++x) {

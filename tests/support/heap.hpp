@@ -1,4 +1,4 @@
-// A heap that counts its calls and can be made to fail; the sanitizers have allocators of their own.
+// A heap that counts its calls and its blocks and can be made to fail; the sanitizers have allocators of their own.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -6,14 +6,32 @@
 
 static size_t heap_limit = SIZE_MAX; // larger requests fail
 static int heap_calls = 0;
+static int64_t heap_blocks = 0;             // obtained and not given back
+static int64_t heap_calls_left = INT64_MAX; // requests that still succeed
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool own_heap = false;
 #else
 constexpr bool own_heap = true;
 extern "C" void *__libc_malloc(size_t);
-extern "C" void *malloc(size_t bytes) noexcept {
+extern "C" void *__libc_realloc(void *, size_t);
+extern "C" void __libc_free(void *);
+static bool heap_refuses(size_t bytes) {
     ++heap_calls;
-    return bytes > heap_limit ? nullptr : __libc_malloc(bytes);
+    return bytes > heap_limit || heap_calls_left-- <= 0;
+}
+extern "C" void *malloc(size_t bytes) noexcept {
+    void *const p = heap_refuses(bytes) ? nullptr : __libc_malloc(bytes);
+    heap_blocks += p != nullptr;
+    return p;
+}
+extern "C" void *realloc(void *old, size_t bytes) noexcept {
+    void *const p = heap_refuses(bytes) ? nullptr : __libc_realloc(old, bytes);
+    heap_blocks += p && !old;
+    return p;
+}
+extern "C" void free(void *p) noexcept {
+    heap_blocks -= p != nullptr;
+    __libc_free(p);
 }
 #endif
