@@ -24,5 +24,9 @@
 #include "jorm/stats.h"
 #include "jorm/threshold.h"
 #include "jorm/watershed.h"
+#include "jorm/regiontree.h"
+#include "jorm/shapes.h"
+#include "jorm/sort.h"
+#include "jorm/stats.h"
 
 #endif

@@ -1,0 +1,72 @@
+// What the queries over floods share: growable vectors, the pixels of regions.
+#pragma once
+
+#include "regiontree/treewalk.hpp"
+
+#include "jorm/watershed.h"
+#include "jorm/xe.h"
+
+namespace jorm {
+
+/// Room for `more` further entries, exactly; false when it cannot be had, and nothing has changed then.
+inline bool reserve(jorm_vector &v, uint64_t more, size_t entry_bytes) {
+    uint64_t wanted = 0, bytes = 0;
+    if (__builtin_add_overflow(v.count, more, &wanted)) return false;
+    if (wanted <= v.capacity) return true;
+    if (__builtin_mul_overflow(wanted, entry_bytes, &bytes) || bytes > uint64_t(PTRDIFF_MAX)) return false;
+    void *const moved = _UlMrealloc(v.data, bytes);
+    if (!moved) return false;
+    v.data = moved;
+    v.capacity = wanted;
+    return true;
+}
+
+template <class Entry> Entry *end_of(jorm_vector &v) { return static_cast<Entry *>(v.data) + v.count; }
+
+/// A vector that is freed at the end of the scope.
+struct LocalVector : jorm_vector {
+    LocalVector() : jorm_vector{} {}
+    ~LocalVector() { _UlMfree(data); }
+    LocalVector(const LocalVector &) = delete;
+    LocalVector &operator=(const LocalVector &) = delete;
+};
+
+struct Pixel {
+    int32_t row, column;
+};
+
+inline int32_t proper_count(const jorm_fwtsr *region) {
+    int64_t n = region->area;
+    for (const jorm_fwtsr *child = region->child; child; child = child->next) n -= child->area;
+    return int32_t(n);
+}
+
+/// each(pixel index) for the first n pixels of the region's list; returns how many there were.
+template <class Each> int32_t for_list(const jorm_fwtsr *region, const uint32_t *words, int32_t n, Each each) {
+    uint32_t pixel = uint32_t(region->head);
+    int32_t done = 0;
+    for (; done < n && pixel < JORM_NO_PIXEL; ++done) {
+        each(int32_t(pixel));
+        pixel = words[pixel];
+    }
+    return done;
+}
+
+/// The same for the pixels of a region and its descendants, region by region in pre-order; never more than its area.
+template <class Each> int32_t for_subtree(const jorm_fwtsr *start, const uint32_t *words, Each each) {
+    int32_t left = start->area;
+    if (left <= 0) return 0;
+    walk_preorder(start, [&](const jorm_fwtsr *region, int32_t) {
+        const int32_t proper = proper_count(region);
+        left -= for_list(region, words, proper < left ? proper : left, each);
+        return 1;
+    });
+    return start->area - left;
+}
+
+/// Writes the pixels of a region and its descendants, at most its area; returns how many.
+inline int32_t write_subtree(Pixel *to, const jorm_fwtsr *region, const uint32_t *words, int32_t width) {
+    return for_subtree(region, words, [&](int32_t pixel) { *to++ = {pixel / width, pixel % width}; });
+}
+
+} // namespace jorm
