@@ -132,6 +132,21 @@ struct Scene {
         return status;
     }
 
+    int64_t gauss(const jorm_array &dst, const jorm_array &src, int32_t n, double sigma) {
+        jorm_seshape window;
+        const double sigmas[2] = {sigma, sigma};
+        return JormGaussianFilter(xe, 0, &dst, &src, nullptr, nullptr, __jorm_seshape__$g2(&window, n, n), sigmas);
+    }
+    int64_t weigh7(const double *weights) {
+        const jorm_sepkernel kernel = {{{0, 3, 3, 0}, {1, 7, 7, 1}}, {weights, weights}};
+        return JormSepFilter(xe, 0, &out8, &u8a, nullptr, nullptr, &kernel);
+    }
+    int64_t weigh7_symmetric() {
+        double weights[7];
+        jorm__computegauskernel1(weights, 3, 7, 1.4);
+        return weigh7(weights);
+    }
+
     // The disk of 15 by 15 that peers call an ellipse.
     int64_t erode_ellipse() {
         uint8_t mask[15][15] = {};
@@ -177,6 +192,7 @@ struct Case {
 constexpr std::nullptr_t no = nullptr; // the whole picture, from its start
 constexpr double c37[] = {37}, c1_75[] = {1.75}, c93[] = {93}, c128[] = {128}, c255[] = {255}, c0[] = {0};
 constexpr jorm_thhmethod otsu = {JORM_THRESHOLD_OTSU, 0, {}, {}};
+constexpr double any7[] = {-0.05, 0.11, 0.23, 0.37, 0.29, 0.12, -0.07};
 constexpr jorm_border reflect101 = {JORM_BORDER_REFLECT101, 0, {}};
 constexpr int32_t margin2[] = {0, -2, -2, 0}, margin16[] = {0, -16, -16, 0};
 constexpr auto out8 = &pb::Data::out8, out16 = &pb::Data::out16, out32f = &pb::Data::out32f;
@@ -235,6 +251,11 @@ const Case cases[] = {
     {"erode_u8_5x5", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_MIN, 5); }, true},
     {"erode_u8_31x31", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_MIN, 31); }, true},
     {"dilate_f32_5x5", out32f, 0, [](Scene &s) { return s.filter(s.out32f, s.f32a, JORM_FILTER_MAX, 5); }, true},
+    {"gauss_u8_5x5", out8, 0, [](Scene &s) { return s.gauss(s.out8, s.u8a, 5, 1.1); }, true},
+    {"gauss_u8_15x15", out8, 0, [](Scene &s) { return s.gauss(s.out8, s.u8a, 15, 2.6); }, true},
+    {"gauss_f32_5x5", out32f, 0, [](Scene &s) { return s.gauss(s.out32f, s.f32a, 5, 1.1); }, true},
+    {"sepfilter_u8_7x7_sym", out8, 0, [](Scene &s) { return s.weigh7_symmetric(); }, true},
+    {"sepfilter_u8_7x7_any", out8, 0, [](Scene &s) { return s.weigh7(any7); }, true},
     {"erode_u8_ellipse15", out8, 0, [](Scene &s) { return s.erode_ellipse(); }, true},
     {"close_u8_5x5", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_CLOSE, 5); }, true},
     {"tophat_u8_5x5", out8, 0, [](Scene &s) { return s.filter(s.out8, s.u8a, JORM_FILTER_TOPHAT, 5); }, true},

@@ -1,7 +1,7 @@
 #include "filter/box.hpp"
 
-#include "filter/box_rows.hpp"
 #include "filter/columns.hpp"
+#include "filter/mean_rows.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -52,7 +52,7 @@ public:
     int64_t open(WindowRows &in, const ByteMean &mean) {
         in_ = &in;
         mean_ = mean;
-        rows_ = JORM_OF_LEVEL(byte_box_rows, in.call().which);
+        rows_ = JORM_OF_LEVEL(byte_mean_rows, in.call().which);
         // Pairs of columns are pairs of bytes of the bare part, wherever that begins.
         mean_.phase = int32_t(in.left & 1);
         half_ = ring_pitch((in.whole() + 4) / 2 * int64_t(sizeof(uint16_t)));
@@ -82,7 +82,7 @@ private:
     uint16_t *plane(int k) const { return reinterpret_cast<uint16_t *>(sums_->as<char>() + k * half_); }
 
     WindowRows *in_ = nullptr;
-    const ByteBoxRows *rows_ = nullptr;
+    const ByteMeanRows *rows_ = nullptr;
     ByteMean mean_ = {};
     int64_t half_ = 0; // bytes of the sums of every other column
     std::optional<Scratch> sums_;
@@ -109,7 +109,7 @@ public:
         in_ = &in;
         area_ = area;
         const WindowCall &c = in.call();
-        rows_ = JORM_OF_LEVEL(box_rows, c.which) + box_line(c, area);
+        rows_ = JORM_OF_LEVEL(mean_rows, c.which) + box_line(c, area);
         pitch_ = ring_pitch(in.whole() * rows_->sum_bytes);
         sums_.emplace(c.xe, scratch_bytes(3, pitch_), line);
         if (!*sums_) return JORM_ENOMEM;
@@ -139,7 +139,7 @@ public:
 
 private:
     WindowRows *in_ = nullptr;
-    const BoxRows *rows_ = nullptr;
+    const MeanRows *rows_ = nullptr;
     int64_t area_ = 0, pitch_ = 0;
     std::optional<Scratch> sums_;
     Columns columns_; // in single precision

@@ -1,6 +1,6 @@
 // Rows of means.
-#include "filter/box_rows.hpp"
 #include "filter/column_rows.kern.hpp"
+#include "filter/mean_rows.hpp"
 
 namespace jorm::JORM_LEVEL {
 namespace {
@@ -215,15 +215,15 @@ struct Add {
 
 } // namespace
 
-extern const ByteBoxRows byte_box_rows[];
-const ByteBoxRows byte_box_rows[] = {{enter_bytes, slide_bytes, mean_bytes}};
+extern const ByteMeanRows byte_mean_rows[];
+const ByteMeanRows byte_mean_rows[] = {{enter_bytes, slide_bytes, mean_bytes}};
 
 #define LINE(T, Sum, mean_row)                                                                                         \
     { sizeof(Sum), enter<T, Sum>, slide<T, Sum>, along<Sum>, mean_row }
-extern const BoxRows box_rows[];
-const BoxRows box_rows[] = {LINE(u8, s32, mean_narrow_bytes), LINE(s16, s32, (mean<s16, s32>)),
-                            LINE(u8, s64, (mean<u8, s64>)),   LINE(s16, s64, (mean<s16, s64>)),
-                            LINE(s32, s64, (mean<s32, s64>)), {sizeof(f64), nullptr, nullptr, along<f64>, mean_real}};
+extern const MeanRows mean_rows[];
+const MeanRows mean_rows[] = {LINE(u8, s32, mean_narrow_bytes), LINE(s16, s32, (mean<s16, s32>)),
+                              LINE(u8, s64, (mean<u8, s64>)),   LINE(s16, s64, (mean<s16, s64>)),
+                              LINE(s32, s64, (mean<s32, s64>)), {sizeof(f64), nullptr, nullptr, along<f64>, mean_real}};
 
 extern const ColumnRows real_sum_columns[];
 const ColumnRows real_sum_columns[] = {column_rows<Add, f32, f64>};

@@ -318,14 +318,6 @@ FILTER_MF(_jorm_fmserfilt__$mf)
 
 // ---- Listed regions ----
 
-jorm_mser *jorm_fmserf_setimvol(jorm_mser *mser, int32_t ndim, const int32_t *dims, const int32_t *strides) {
-    if (!mser) return nullptr;
-    jorm_wtslsc layout;
-    JormWTSLSCsetimvol(&layout, ndim, dims, strides);
-    std::memcpy(mser->volume, layout.volume, sizeof mser->volume);
-    return mser;
-}
-
 jorm_vector *jorm_fmserf_regions(jorm_vector *out, const jorm_mser *mser, const jorm_mserfilt *filter) {
     if (!out || !mser) return out;
     const Selection kept(*mser, filter);

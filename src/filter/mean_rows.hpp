@@ -14,7 +14,7 @@ struct ByteMean {
     uint16_t area, factor, shift; // (sum + area / 2) * factor / 2^16 * shift / 2^16 is the mean, but for ties
     static constexpr int max_half = 8;
 };
-struct ByteBoxRows {
+struct ByteMeanRows {
     // Column sums, those of even and of odd columns apart, of n columns: a row comes in, another one goes.
     void (*enter)(uint16_t *even, uint16_t *odd, const uint8_t *row, int64_t n);
     void (*slide)(uint16_t *even, uint16_t *odd, const uint8_t *in, const uint8_t *out, int64_t n);
@@ -22,7 +22,7 @@ struct ByteBoxRows {
 };
 
 // All other windows: sums down the columns, then along them.
-struct BoxRows {
+struct MeanRows {
     int32_t sum_bytes;
     void (*enter)(void *columns, const void *row, int64_t n); // integers only: single precision never takes away
     void (*slide)(void *columns, const void *in, const void *out, int64_t n);
@@ -33,8 +33,8 @@ struct BoxRows {
 // Narrow sums have 32 bits.
 enum BoxLine : int { box_u8_narrow, box_s16_narrow, box_u8, box_s16, box_s32, box_f32 };
 
-JORM_LEVEL_TABLE(const ByteBoxRows, byte_box_rows);
-JORM_LEVEL_TABLE(const BoxRows, box_rows);
+JORM_LEVEL_TABLE(const ByteMeanRows, byte_mean_rows);
+JORM_LEVEL_TABLE(const MeanRows, mean_rows);
 JORM_LEVEL_TABLE(const ColumnRows, real_sum_columns);
 
 } // namespace jorm
