@@ -6,6 +6,7 @@ Usage: tool_test.py TOOL SCRATCH
 import base64
 import json
 import pathlib
+import re
 import shutil
 import struct
 import subprocess
@@ -35,45 +36,68 @@ def write_pgm(name, width, samples, colour=False):
                                  bytes(samples))
 
 
-def write_rgba(name, width, height, samples):
-    """A PNG with an alpha channel, without filters."""
-    rows = b"".join(b"\0" + bytes(samples[4 * width * y:4 * width * (y + 1)]) for y in range(height))
+def write_wide_pgm(name, width, samples):
+    (SCRATCH / name).write_bytes(b"P5 %d %d 65535\n" % (width, len(samples) // width) +
+                                 struct.pack(">%dH" % len(samples), *samples))
+
+
+CHANNELS = {0: 1, 2: 3, 3: 1, 4: 2, 6: 4}  # of the PNG colour types
+ADAM7 = [(0, 0, 8, 8), (4, 0, 8, 8), (0, 4, 4, 8), (2, 0, 4, 4), (0, 2, 2, 4), (1, 0, 2, 2), (0, 1, 1, 2)]
+
+
+def write_png(name, width, samples, colour, depth=8, interlaced=False, extra=()):
+    """A PNG without filters; extra are chunks before the data."""
+    n = CHANNELS[colour]
+    height = len(samples) // width // n
 
     def chunk(kind, data):
         return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
-    header = struct.pack(">IIBBBBB", width, height, 8, 6, 0, 0, 0)
-    (SCRATCH / name).write_bytes(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(rows)) +
+
+    def row(values):
+        bits = "".join(format(v, "0%db" % depth) for v in values)
+        return b"\0" + bytes(int(bits[i:i + 8].ljust(8, "0"), 2) for i in range(0, len(bits), 8))
+    data = b""
+    for x0, y0, dx, dy in ADAM7 if interlaced else [(0, 0, 1, 1)]:
+        for y in range(y0, height, dy):
+            line = [samples[(y * width + x) * n + c] for x in range(x0, width, dx) for c in range(n)]
+            data += row(line) if line else b""
+    header = struct.pack(">IIBBBBB", width, height, depth, colour, 0, 0, int(interlaced))
+    (SCRATCH / name).write_bytes(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) +
+                                 b"".join(chunk(*e) for e in extra) + chunk(b"IDAT", zlib.compress(data)) +
                                  chunk(b"IEND", b""))
 
 
 def read_png(name):
-    """Channels and samples of an 8-bit PNG."""
-    data, at, packed = (SCRATCH / name).read_bytes(), 8, b""
+    """Channels and samples of a PNG of 8 or 16 bits, given as a file's name or its bytes."""
+    data, at, packed = name if isinstance(name, bytes) else (SCRATCH / name).read_bytes(), 8, b""
     while at < len(data):
         length, kind = struct.unpack(">I4s", data[at:at + 8])
         body = data[at + 8:at + 8 + length]
         if kind == b"IHDR":
-            width, height, _, colour = struct.unpack(">IIBB", body[:10])
-            channels = {0: 1, 4: 2, 2: 3, 6: 4}[colour]
+            width, height, depth, colour = struct.unpack(">IIBB", body[:10])
+            channels = CHANNELS[colour]
         packed += body if kind == b"IDAT" else b""
         at += 12 + length
-    raw, out, above = zlib.decompress(packed), [], [0] * (width * channels)
+    step = channels * depth // 8
+    raw, out, above = zlib.decompress(packed), [], [0] * (width * step)
     for y in range(height):
-        line = raw[y * (width * channels + 1):(y + 1) * (width * channels + 1)]
+        line = raw[y * (width * step + 1):(y + 1) * (width * step + 1)]
         row = []
         for i, x in enumerate(line[1:]):
-            a, b = (row[i - channels] if i >= channels else 0), above[i]
-            c = above[i - channels] if i >= channels else 0
+            a, b = (row[i - step] if i >= step else 0), above[i]
+            c = above[i - step] if i >= step else 0
             p = a + b - c
             paeth = min((abs(p - a), 0, a), (abs(p - b), 1, b), (abs(p - c), 2, c))[2]
             row.append((x + (0, a, b, (a + b) // 2, paeth)[line[0]]) & 255)
         out += row
         above = row
-    return channels, out
+    return channels, out if depth == 8 else [256 * h + low for h, low in zip(out[::2], out[1::2])]
 
 
 class Tool(unittest.TestCase):
     A, B = [0, 1, 100, 200, 255, 255, 77, 128], [0, 255, 100, 100, 1, 255, 33, 64]
+    WIDE_A = [0, 1, 40000, 30000, 65535, 65535, 257, 32768]
+    WIDE_B = [0, 65535, 30000, 40000, 1, 65535, 33, 64]
 
     @classmethod
     def setUpClass(cls):
@@ -81,25 +105,41 @@ class Tool(unittest.TestCase):
         SCRATCH.mkdir(parents=True)
         write_pgm("a.pgm", 4, cls.A)
         write_pgm("b.pgm", 4, cls.B)
+        write_wide_pgm("wide_a.pgm", 4, cls.WIDE_A)
+        write_wide_pgm("wide_b.pgm", 4, cls.WIDE_B)
 
     def test_samples(self):
-        for words, expected in [
-            (["add"], lambda a, b: min(255, a + b)),
-            (["add", "--wrap"], lambda a, b: (a + b) & 255),
-            (["sub"], lambda a, b: max(0, a - b)),
-            (["sub", "--wrap"], lambda a, b: (a - b) & 255),
-            (["diff"], lambda a, b: abs(a - b)),
-            (["mul"], lambda a, b: round(a * b / 256)),
-            (["blend", "--weight", "0.25"], lambda a, b: round(a / 4 + b * 3 / 4)),
-            (["and"], lambda a, b: a & b),
-            (["or"], lambda a, b: a | b),
-            (["xor"], lambda a, b: a ^ b),
-        ]:
-            run(*words, "a.pgm", "b.pgm", "-o", "out.png")
-            self.assertEqual(read_png("out.png"), (1, [expected(a, b) for a, b in zip(self.A, self.B)]), words)
+        for top, names, first, second in [(255, ["a.pgm", "b.pgm"], self.A, self.B),
+                                          (65535, ["wide_a.pgm", "wide_b.pgm"], self.WIDE_A, self.WIDE_B)]:
+            for words, expected in [
+                (["add"], lambda a, b: min(top, a + b)),
+                (["add", "--wrap"], lambda a, b: (a + b) & top),
+                (["sub"], lambda a, b: max(0, a - b)),
+                (["sub", "--wrap"], lambda a, b: (a - b) & top),
+                (["diff"], lambda a, b: abs(a - b)),
+                (["min"], min),
+                (["max"], max),
+                (["mul"], lambda a, b: round(a * b / (top + 1))),
+                (["blend", "--weight", "0.25"], lambda a, b: round(a / 4 + b * 3 / 4)),
+                (["and"], lambda a, b: a & b),
+                (["or"], lambda a, b: a | b),
+                (["xor"], lambda a, b: a ^ b),
+            ]:
+                run(*words, *names, "-o", "out.png")
+                self.assertEqual(read_png("out.png"), (1, [expected(a, b) for a, b in zip(first, second)]), words)
+            for words, expected in [
+                (["negate"], lambda a: top - a),
+                (["min", "--constant", "100"], lambda a: min(a, 100)),
+                (["max", "--constant", "100"], lambda a: max(a, 100)),
+                (["clamp", "--low", "100", "--high", "200"], lambda a: min(max(a, 100), 200)),
+                (["gain", "--scale", "1.5", "--offset=-20"], lambda a: min(top, max(0, round(1.5 * a - 20)))),
+                (["crop", "--at", "0,0", "--size", "4x2"], lambda a: a),
+            ]:
+                run(*words, names[0], "-o", "out.png")
+                self.assertEqual(read_png("out.png"), (1, [expected(a) for a in first]), words)
 
     def test_colour_and_alpha(self):
-        write_rgba("c.png", 2, 2, range(0, 16))
+        write_png("c.png", 2, range(0, 16), 6)
         run("negate", "c.png", "-o", "out.png")
         self.assertEqual(read_png("out.png"), (4, [v if v % 4 == 3 else 255 - v for v in range(16)]))
         write_pgm("c.ppm", 2, range(12), colour=True)
@@ -107,11 +147,88 @@ class Tool(unittest.TestCase):
         self.assertEqual(read_png("out.png")[1], [v if v % 4 == 3 else v + v // 4 * 3 + v % 4 for v in range(16)])
         run("add", "c.ppm", "c.ppm", "c.ppm", "-o", "out.png")
         self.assertEqual(read_png("out.png"), (3, [3 * v for v in range(12)]))
+        write_png("p.png", 1, [1, 2, 3, 4], 6)
+        white, grey = [255] * 4, [9, 9, 9, 255]
+        for words, expected in [
+            (["border", "--margin", "1", "--colour", "9"], 4 * grey + [1, 2, 3, 4] + 4 * grey),
+            (["border", "--margin", "1", "--mode", "const"], 4 * [0, 0, 0, 255] + [1, 2, 3, 4] + 4 * [0, 0, 0, 255]),
+            (["border", "--margin", "1", "--colour", "5,6,7,8"], 4 * [5, 6, 7, 8] + [1, 2, 3, 4] + 4 * [5, 6, 7, 8]),
+            (["border", "--margin", "1"], 9 * [1, 2, 3, 4]),
+            (["crop", "--at", "0,0", "--size", "2x1", "--colour", "255"], [1, 2, 3, 4] + white),
+            (["fill", "--colour", "9"], [9, 9, 9, 4]),
+            (["fill", "--colour", "9,8,7"], [9, 8, 7, 4]),
+            (["fill", "--colour", "9,8,7,6"], [9, 8, 7, 6]),
+            (["gain", "--scale", "1,2,3", "--offset", "10"], [11, 14, 19, 4]),
+            (["convert", "--scale", "257", "--depth", "16"], [257, 514, 771, 1028]),
+            (["convert", "--from", "0,255", "--depth", "16"], [257, 514, 771, 1028]),
+        ]:
+            run(*words, "p.png", "-o", "out.png")
+            self.assertEqual(read_png("out.png"), (4, expected), words)
 
-    def test_jpeg(self):
+    def test_masks(self):
+        colours = [0, 0, 0, 0, 0, 7, 255, 255, 255, 255, 255, 0]  # pixels of nothing, some blue, white, yellow
+        write_png("m.png", 4, colours, 2)
+        write_png("wide_m.png", 4, [0, 0, 256, 1], 0, 16)
+        write_png("clear.png", 4, [0, 255, 1, 255, 0, 0, 0, 0], 4)
+        write_pgm("row.pgm", 4, [1, 2, 3, 4])
+        write_pgm("ten.pgm", 4, [10] * 4)
+        for words, expected in [
+            (["mask", "row.pgm", "ten.pgm", "m.png"], [1, 10, 10, 10]),
+            (["mask", "row.pgm", "ten.pgm", "m.png", "--invert"], [10, 10, 3, 10]),
+            (["mask", "row.pgm", "ten.pgm", "wide_m.png"], [1, 2, 10, 10]),
+            (["fill", "row.pgm", "--colour", "10", "--mask", "clear.png"], [1, 10, 3, 4]),
+        ]:
+            run(*words, "-o", "out.png")
+            self.assertEqual(read_png("out.png"), (1, expected), words)
+
+    def test_kinds_of_png(self):
+        """Samples are read as they stand, whatever chunks about colours say."""
+        grey, wide = list(range(0, 250, 2)), list(range(300, 65535, 521))[:125]
+        palette = bytes(range(16 * 3))
+        looked_up = [v for i in range(125) for v in palette[3 * (i % 16):3 * (i % 16) + 3]]
+        gamma, see_through = (b"gAMA", struct.pack(">I", 100000)), (b"tRNS", b"\x00\x80")
+        for colour, depth, samples, extra, expected in [
+            (0, 8, grey, [gamma], (1, grey)),
+            (0, 16, wide, [gamma], (1, wide)),
+            (2, 8, grey * 3, [gamma], (3, grey * 3)),
+            (6, 16, wide * 4, [gamma], (4, wide * 4)),
+            (4, 8, grey * 2, [], (2, grey * 2)),
+            (0, 1, [i % 2 for i in range(125)], [], (1, [i % 2 * 255 for i in range(125)])),
+            (0, 2, [i % 4 for i in range(125)], [], (1, [i % 4 * 85 for i in range(125)])),
+            (0, 4, [i % 16 for i in range(125)], [], (1, [i % 16 * 17 for i in range(125)])),
+            (3, 4, [i % 16 for i in range(125)], [(b"PLTE", palette)], (3, looked_up)),
+            (3, 8, [i % 16 for i in range(125)], [(b"PLTE", palette)], (3, looked_up)),
+            (3, 4, [i % 2 for i in range(125)], [(b"PLTE", palette), see_through],
+             (4, [v for i in range(125) for v in ([0, 1, 2, 0], [3, 4, 5, 128])[i % 2]])),
+        ]:
+            for interlaced in False, True:
+                write_png("kind.png", 25, samples, colour, depth, interlaced, extra)
+                run("crop", "kind.png", "--at", "0,0", "--size", "25x5", "-o", "out.png")
+                self.assertEqual(read_png("out.png"), expected, (colour, depth, interlaced))
+        self.assertIn("4 channels of 8 bits (PNG, palette of 4 bits, transparent colours, interlaced)",
+                      run("info", "kind.png").stdout)
+
+    def test_other_files(self):
         (SCRATCH / "grey.jpg").write_bytes(JPEG)
         run("negate", "grey.jpg", "-o", "out.png")
         self.assertEqual(read_png("out.png"), (1, [55] * 64))
+        for name, content, expected in [
+            ("t1.pbm", b"P1 3 2\n# bits\n101 0 1 0", [0, 255, 0, 255, 0, 255]),
+            ("t4.pbm", b"P4 3 2\n\xa0\x40", [0, 255, 0, 255, 0, 255]),
+            ("t2.pgm", b"P2 # grey\n2 1 255 7\n9", [7, 9]),
+            ("t2wide.pgm", b"P2 2 1 65535 7 900", [7, 900]),
+            ("t3.ppm", b"P3 1 1 255 1 2 3", [1, 2, 3]),
+        ]:
+            (SCRATCH / name).write_bytes(content)
+            run("min", name, "--constant", "65535" if "wide" in name else "255", "-o", "out.png")
+            self.assertEqual(read_png("out.png")[1], expected, name)
+        for source, suffix in ("a.pgm", "pgm"), ("wide_a.pgm", "pgm"), ("t3.ppm", "ppm"), ("grey.jpg", "jpg"):
+            run("gain", source, "-o", "copy." + suffix)
+            run("diff", source, "copy." + suffix, "-o", "out.png")
+            self.assertEqual(set(read_png("out.png")[1]), {0}, source)
+        piped = subprocess.run([TOOL, "negate", "-", "-o", "-"], input=(SCRATCH / "a.pgm").read_bytes(),
+                               capture_output=True, check=True)
+        self.assertEqual(read_png(piped.stdout)[1], [255 - v for v in self.A])
 
     def test_several_into_a_folder(self):
         run("negate", "a.pgm", "b.pgm", "-o", "negated")
@@ -150,13 +267,16 @@ class Tool(unittest.TestCase):
             run("resize", "r.pgm", *words, "-o", "out.png", status=2)
 
     def test_matrix(self):
-        write_rgba("c.png", 2, 1, [10, 20, 30, 40, 200, 100, 0, 7])
+        write_png("c.png", 2, [10, 20, 30, 40, 200, 100, 0, 7], 6)
         run("matrix", "c.png", "--by", "swap", "-o", "out.png")
         self.assertEqual(read_png("out.png"), (4, [30, 20, 10, 40, 0, 100, 200, 7]))
         run("matrix", "c.png", "--by", "1,1,0,0,-1,0.25,0,0,2", "-o", "out.png")
         self.assertEqual(read_png("out.png")[1], [30, 0, 60, 40, 255, 0, 0, 7])
         run("matrix", "c.png", "--by", "gray", "-o", "out.png")
         self.assertEqual(read_png("out.png")[1][:4], [18] * 3 + [40])
+        write_png("wide_c.png", 1, [1000, 20000, 65535], 2, 16)
+        run("matrix", "wide_c.png", "--by", "0,0,1,0,4,0,0.5,0,0", "-o", "out.png")
+        self.assertEqual(read_png("out.png"), (3, [65535, 65535, 500]))
         for by in "other", "1,2,3", "1,2,3,4,5,6,7,8,9,10":
             self.assertIn("--by", run("matrix", "c.png", "--by", by, "-o", "out.png", status=2).stderr)
         self.assertIn("colour", run("matrix", "a.pgm", "--by", "gray", "-o", "out.png", status=2).stderr)
@@ -167,22 +287,39 @@ class Tool(unittest.TestCase):
         self.assertEqual(read_png("out.png"), (3, 5 * [0, 0, 0] + [255, 64, 64] + 2 * [0, 0, 0]))
         self.assertIn("2 pixels\n", run("hull", "dot.pgm", "--level", 127, "-o", "out.png").stdout)
 
-    def test_stats_and_convert(self):
+    def test_stats(self):
         write_pgm("s.pgm", 4, [9, 200, 30, 40, 50, 60, 9, 200])
         write_pgm("half.pgm", 4, [0] * 4 + [1] * 4)
         self.assertIn("9           0,0   200           1,0    74.750             598", run("stats", "s.pgm").stdout)
-        both = json.loads(run("stats", "--json", "--mask", "half.pgm", "s.pgm", "a.pgm").stdout)
+        both = json.loads(run("stats", "--json", "--mask", "half.pgm", "s.pgm", "wide_a.pgm").stdout)
         least, largest = {"value": 9, "x": 2, "y": 1}, {"value": 200, "x": 3, "y": 1}
         self.assertEqual(both[0]["channels"], [{"min": least, "max": largest, "mean": 79.75, "sum": 319}])
-        self.assertEqual([p["picture"] for p in both], ["s.pgm", "a.pgm"])
-        for words, expected in [
-            ([], [0, 255, 28, 41, 55, 68, 0, 255]),
-            (["--to", "10,20"], [10, 20, 11, 12, 12, 13, 10, 20]),
-            (["--from", "0,102"], [22, 255, 75, 100, 125, 150, 22, 255]),
-            (["--scale", "0.5", "--offset", "100"], [100, 196, 110, 116, 120, 126, 100, 196]),
+        self.assertEqual([p["picture"] for p in both], ["s.pgm", "wide_a.pgm"])
+        self.assertEqual((both[1]["depth"], both[1]["channels"][0]["max"]["value"], both[1]["channels"][0]["sum"]),
+                         (16, 65535, sum(self.WIDE_A[4:])))
+        write_pgm("black.pgm", 4, [0] * 8)
+        nothing = json.loads(run("stats", "--json", "--mask", "black.pgm", "s.pgm").stdout)
+        self.assertEqual(nothing[0]["channels"], [{"min": None, "max": None, "mean": None, "sum": 0}])
+
+    def test_convert(self):
+        samples = [9, 200, 30, 40, 50, 60, 9, 200]
+        write_pgm("s.pgm", 4, samples)
+        write_png("rgb.png", 2, [10, 20, 30, 110, 80, 40], 2)
+        for name, words, expected in [
+            ("s.pgm", [], [round((v - 9) * 255 / 191) for v in samples]),
+            ("s.pgm", ["--to", "10,20"], [10, 20, 11, 12, 12, 13, 10, 20]),
+            ("s.pgm", ["--from", "0,102"], [22, 255, 75, 100, 125, 150, 22, 255]),
+            ("s.pgm", ["--from", "30,60", "--to", "100,200"], [100, 200, 100, 133, 167, 200, 100, 200]),
+            ("s.pgm", ["--from", "30,60", "--to", "100,200", "--refit"], [30, 255, 100, 133, 167, 200, 30, 255]),
+            ("s.pgm", ["--from", "40,40", "--to", "5,9"], [5] * 8),
+            ("s.pgm", ["--scale", "0.5", "--offset", "100"], [round(v / 2 + 100) for v in samples]),
+            ("s.pgm", ["--depth", "16", "--from", "0,255"], [257 * v for v in samples]),
+            ("wide_a.pgm", ["--depth", "8", "--from", "0,65535"], [round(v / 257) for v in self.WIDE_A]),
+            ("wide_a.pgm", ["--depth", "8", "--refit"], [round(v / 257) for v in self.WIDE_A]),
+            ("rgb.png", [], [0, 26, 51, 255, 178, 76]),
         ]:
-            run("convert", "s.pgm", *words, "-o", "out.png")
-            self.assertEqual(read_png("out.png"), (1, expected), words)
+            run("convert", name, *words, "-o", "out.png")
+            self.assertEqual(read_png("out.png")[1], expected, (name, words))
 
     def test_compare_and_threshold(self):
         for words, holds in [
@@ -194,7 +331,14 @@ class Tool(unittest.TestCase):
         ]:
             run(words[0], "a.pgm", *words[1:], "-o", "out.png")
             self.assertEqual(read_png("out.png"), (1, [255 * holds(a, b) for a, b in zip(self.A, self.B)]), words)
-        write_rgba("c.png", 2, 2, range(0, 16))
+        for words, holds in [
+            (["compare", "wide_b.pgm"], lambda a, b: a > b),
+            (["compare", "--to", "32768", "--relation", "less"], lambda a, b: a < 32768),
+            (["threshold", "--level", "256,40000"], lambda a, b: 256 < a <= 40000),
+        ]:
+            run(words[0], "wide_a.pgm", *words[1:], "-o", "out.png")
+            self.assertEqual(read_png("out.png")[1], [255 * holds(a, b) for a, b in zip(self.WIDE_A, self.WIDE_B)])
+        write_png("c.png", 2, range(0, 16), 6)
         run("compare", "c.png", "--to", "4,5,200", "--relation", "less", "-o", "out.png")
         self.assertEqual(read_png("out.png"), (3, [255 * (v < (4, 5, 200)[v % 4]) for v in range(16) if v % 4 < 3]))
 
@@ -203,6 +347,11 @@ class Tool(unittest.TestCase):
         self.assertEqual(json.loads(run("hist", "--json", "--bins", 16, "h.pgm").stdout),
                          [[2, 1, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 3]])
         self.assertIn("  0.. 85          3\n 86..170          2\n", run("hist", "--bins", 3, "h.pgm").stdout)
+        wide = [0, 255, 256, 511, 32767, 32768, 65279, 65280, 65535]
+        write_wide_pgm("wide_h.pgm", 3, wide)
+        for bins in 256, 2, 1000:
+            self.assertEqual(json.loads(run("hist", "--json", "--bins", bins, "wide_h.pgm").stdout)[0],
+                             [sum(v * bins // 65536 == i for v in wide) for i in range(bins)])
         write_pgm("h.ppm", 1, [255, 0, 0, 255, 128, 0], colour=True)
         write_pgm("last.pgm", 1, [0, 9])
         counts = json.loads(run("hist", "h.ppm", "--json", "--mask", "last.pgm", "-o", "out.png").stdout)
@@ -213,44 +362,122 @@ class Tool(unittest.TestCase):
         self.assertEqual([pixel(60 + 2 * 255, 12), pixel(60 + 2 * 128, 150), pixel(60, 267), pixel(100, 100)],
                          [[255, 0, 0], [0, 255, 0], [0, 0, 255], [0, 0, 0]])
 
-    def test_info_and_help(self):
-        self.assertIn("a.pgm: 4x2, 1 channel", run("info", "a.pgm").stdout)
-        self.assertIn("blend", run("--help").stdout)
-        self.assertIn("--weight", run("blend", "--help").stdout)
+    def test_help(self):
+        self.assertIn("a.pgm: 4x2, 1 channel of 8 bits (PNM, grey)", run("info", "a.pgm").stdout)
+        self.assertRegex(run("--version").stdout, r"^jorm-tool \d+\.\d+\.\d+\n$")
+        commands = [line.split()[0] for line in run("--help").stdout.split("\n\n")[1].splitlines()
+                    if line.startswith("  ") and line[2] != " "]
+        self.assertIn("blend", commands)
+        for command in commands:
+            text = run(command, "--help").stdout
+            for option in re.findall(r"^  (?:-o, )?(--\w+.*)$", text, re.MULTILINE):
+                self.assertRegex(option, r"^--\w+( [\w,]+)?  ")
+        self.assertIn("(0.5 if not given)", run("blend", "--help").stdout)
+        self.assertIn("(required)", " ".join(run("crop", "--help").stdout.split()))
+
+    def test_manual_and_completion(self):
+        """The files in docs/ are what the tables give."""
+        docs = pathlib.Path(__file__).resolve().parent.parent / "docs"
+        for option, name in ("--manual", "jorm-tool.1"), ("--completion", "jorm-tool.bash"):
+            self.assertEqual(run(option).stdout, (docs / name).read_text(), "scripts/update-manual brings it up to date")
+        if not shutil.which("bash"):
+            return
+        for words, expected in [(["bl"], ["blend"]), (["blend", "--w"], ["--weight"]), (["blend", "x"], []),
+                                (["crop", "--mode", "re"], ["replicate", "reflect", "reflect101"]),
+                                (["paint", "sh"], ["shapes"])]:
+            script = f"""source '{docs / "jorm-tool.bash"}'; COMP_WORDS=(jorm-tool {" ".join(words)})
+                COMP_CWORD={len(words)}; _jorm_tool; printf '%s\n' "${{COMPREPLY[@]}}" """
+            done = subprocess.run(["bash", "-c", script], capture_output=True, text=True, check=True)
+            self.assertEqual(done.stdout.split(), expected, words)
 
     def test_faults(self):
+        def bytes_of(name):
+            return (SCRATCH / name).read_bytes()
         write_pgm("small.pgm", 2, [1, 2])
-        (SCRATCH / "noise.png").write_bytes(b"\x89PNG\r\n\x1a\nnothing")
-        (SCRATCH / "cut.jpg").write_bytes(JPEG[:60])
-        (SCRATCH / "cut.pgm").write_bytes(b"P5 100 100 255\nx")
+        write_pgm("rgb.ppm", 4, [0] * 24, colour=True)
         write_pgm("black.pgm", 4, [0] * 8)
+        write_png("alpha.png", 1, [1, 2, 3, 4], 6)
+        run("paint", "blobs", "--size", "64x48", "-o", "whole.jpg")
+        run("paint", "blobs", "--size", "64x48", "-o", "whole.png")
+        cmyk = bytes.fromhex("ffd8ffc0001408000800080401110002110003110004110 0ffda000e0401000200030004000 03f00ffd9"
+                             .replace(" ", ""))
+        for name, content in [
+            ("noise.png", b"\x89PNG\r\n\x1a\nnothing"), ("cut_head.jpg", JPEG[:60]), ("cmyk.jpg", cmyk),
+            ("cut.jpg", bytes_of("whole.jpg")[:-300]), ("cut.png", bytes_of("whole.png")[:-300]),
+            ("endless.png", bytes_of("whole.png")[:-12]), ("cut.pgm", b"P5 100 100 255\nx"),
+            ("ten_bits.pgm", b"P5 1 1 1023\n\0\0"), ("odd.pgm", b"P2 2 1 255 7 -9"), ("empty.png", b""),
+            ("text.png", b"some text"),
+        ]:
+            (SCRATCH / name).write_bytes(content)
+        (SCRATCH / "inside").mkdir(exist_ok=True)
+        shutil.copy(SCRATCH / "alpha.png", SCRATCH / "inside")
+        to = ["-o", "x.png"]
         for words, message in [
             ([], "usage"),
             (["frobnicate"], "unknown command"),
-            (["add", "a.pgm", "b.pgm"], "no output"),
-            (["add", "a.pgm", "-o", "x.png"], "at least 2"),
-            (["add", "a.pgm", "small.pgm", "-o", "x.png"], "sizes differ"),
-            (["add", "a.pgm", "b.pgm", "--sideways", "-o", "x.png"], "unknown option"),
+            (["add", "a.pgm", "b.pgm"], "--output is required"),
+            (["crop", "a.pgm", "--at", "0,0", *to], "--size is required"),
+            (["fill", "a.pgm", *to], "--colour is required"),
+            (["add", "a.pgm", *to], "at least 2"),
+            (["add", "a.pgm", "small.pgm", *to], "sizes differ"),
+            (["add", "a.pgm", "rgb.ppm", *to], "channels differ"),
+            (["add", "a.pgm", "wide_a.pgm", *to], "depths differ"),
+            (["add", "a.pgm", "b.pgm", "--sideways", *to], "unknown option"),
             (["add", "a.pgm", "b.pgm", "-o"], "needs a value"),
-            (["blend", "a.pgm", "b.pgm", "--weight", "heavy", "-o", "x.png"], "wants a number"),
-            (["paint", "cats", "-o", "x.png"], "cannot paint"),
-            (["paint", "text", "--size", "0x5", "-o", "x.png"], "WIDTHxHEIGHT"),
+            (["add", "a.pgm", "b.pgm", "-o", "x.gif"], "cannot tell"),
+            (["add", "a.pgm", "b.pgm", "-o", "x"], "cannot tell"),
+            (["add", "a.pgm", "b.pgm", *to, *to], "--output is given twice"),
+            (["add", "a.pgm", "b.pgm", "--wrap", "--wrap", *to], "--wrap is given twice"),
+            (["min", "a.pgm", *to], "another picture or --constant"),
+            (["min", "a.pgm", "b.pgm", "--constant", "3", *to], "another picture or --constant"),
+            (["clamp", "a.pgm", "--low", "9", "--high", "8", *to], "--low is above --high"),
+            (["blend", "a.pgm", "b.pgm", "--weight", "heavy", *to], "wants a number"),
+            (["blend", "a.pgm", "b.pgm", "--weight", "2", *to], "from 0 to 1"),
+            (["paint", "cats", *to], "cannot paint"),
+            (["paint", "text", "--size", "0x5", *to], "WIDTHxHEIGHT"),
+            (["paint", "text", "--channels", "2", *to], "one of 1, 3"),
+            (["border", "a.pgm", "--mode", "mirror", *to], "one of const"),
+            (["border", "a.pgm", "--mode", "wrap", "--colour", "3", *to], "--mode const only"),
+            (["border", "a.pgm", "--colour", "1,2", *to], "--colour wants 1 value "),
+            (["border", "alpha.png", "--colour", "1,2", *to], "1 or 3 values (with alpha 4)"),
+            (["fill", "a.pgm", "--colour", "256", *to], "from 0 to 255"),
+            (["fill", "a.pgm", "--colour", "1,", *to], "numbers with commas"),
             (["stats", "a.pgm", "--mask", "small.pgm"], "sizes differ"),
-            (["convert", "a.pgm", "--to", "9", "-o", "x.png"], "LOW,HIGH"),
-            (["convert", "a.pgm", "--to", "0,9", "--scale", "2", "-o", "x.png"], "do not go with"),
-            (["compare", "a.pgm", "b.pgm", "--relation", "alike", "-o", "x.png"], "one of equal, less,"),
-            (["threshold", "a.pgm", "--level", "1,2,3", "-o", "x.png"], "1 to 2 numbers"),
-            (["hull", "black.pgm", "-o", "x.png"], "no sample of black.pgm reaches 128"),
-            (["info", "missing.png"], "missing.png"),
-            (["info", "."], "cannot read"),
+            (["convert", "a.pgm", "--to", "9", *to], "LOW,HIGH"),
+            (["convert", "a.pgm", "--to", "0,256", *to], "from 0 to 255"),
+            (["convert", "a.pgm", "--to", "0,9", "--scale", "2", *to], "do not go with"),
+            (["compare", "a.pgm", "b.pgm", "--relation", "alike", *to], "one of equal, less,"),
+            (["compare", "a.pgm", *to], "another picture or --to"),
+            (["threshold", "a.pgm", "--level", "1,2,3", *to], "1 or 2 numbers"),
+            (["threshold", "a.pgm", "--level", "256", *to], "from 0 to 255"),
+            (["hull", "black.pgm", *to], "no sample of black.pgm reaches 128"),
+            (["info", "missing.png"], "cannot read missing.png: No such file"),
+            (["info", "."], "it is a folder"),
+            (["info", "empty.png"], "it is empty"),
+            (["info", "text.png"], "not a PNG, JPEG or PNM"),
             (["info", "noise.png"], "noise.png"),
-            (["info", "cut.jpg"], "cannot read cut.jpg"),
+            (["info", "cut_head.jpg"], "cannot read cut_head.jpg"),
+            (["info", "cut.jpg"], "cannot read cut.jpg: it is cut short"),
+            (["info", "cmyk.jpg"], "CMYK"),
+            (["info", "cut.png"], "cannot read cut.png: it is cut short"),
+            (["info", "endless.png"], "it is cut short"),
             (["info", "cut.pgm"], "cut short"),
+            (["info", "ten_bits.pgm"], "255 or 65535"),
+            (["info", "odd.pgm"], "not a number"),
             (["negate", "a.pgm", "-o", "nowhere/x.png"], "cannot write"),
+            (["negate", "a.pgm", "b.pgm", *to], "go into a folder"),
+            (["negate", "a.pgm", "b.pgm", "-o", "-"], "go into a folder"),
+            (["negate", "a.pgm", "sub/a.pgm", "-o", "out"], "two pictures would be written"),
+            (["negate", "inside/alpha.png", "-o", "inside"], "would be overwritten"),
+            (["gain", "alpha.png", "-o", "x.jpg"], "no alpha"),
+            (["gain", "wide_a.pgm", "-o", "x.jpg"], "8 bits per sample"),
+            (["gain", "rgb.ppm", "-o", "x.pgm"], "one channel"),
         ]:
             done = run(*words, status=2)
             self.assertIn(message, done.stderr, words)
-            self.assertFalse((SCRATCH / "x.png").exists(), words)
+            for suffix in "png", "jpg", "pgm":
+                self.assertFalse((SCRATCH / ("x." + suffix)).exists(), words)
+        self.assertEqual((SCRATCH / "inside/alpha.png").read_bytes(), (SCRATCH / "alpha.png").read_bytes())
 
 
 unittest.main(argv=sys.argv[:1])

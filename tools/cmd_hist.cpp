@@ -11,13 +11,15 @@ namespace {
 class Histograms {
 public:
     Histograms(Picture &picture, Picture *mask, int bins) {
-        const jorm_array a = picture.colours();
+        Picture exact = picture.as(picture.exact_type());
+        const jorm_array a = exact.colours();
+        top_ = picture.top();
         jorm_histdesc d[3] = {};
-        for (jorm_histdesc &each : d) each.nbins = uint32_t(bins), each.hi = 255;
+        for (jorm_histdesc &each : d) each.nbins = uint32_t(bins), each.hi = top_;
         code_ = a.extent[3];
         check(_jorm_histogram__$n$ia(code_, of_, d), "hist");
         if (mask) {
-            const jorm_array m = mask->channel(0);
+            const jorm_array m = mask->view();
             check(JormHistogramEx(env(), 0, &a, &m, nullptr, nullptr, 0, of_), "hist");
         } else {
             check(JormHistogram(env(), 0, &a, nullptr, 0, of_), "hist");
@@ -28,7 +30,10 @@ public:
 
     int channels() const { return int(code_); }
     int bins() const { return int(of_[0].nbins); }
-    int first_value(int bin) const { return (bin * 256 + bins() - 1) / bins(); } // of those in a bin
+    int first_value(int bin) const {
+        return int((int64_t(bin) * (top_ + 1) + bins() - 1) / bins());
+    } // of those in a bin
+    int top() const { return top_; }
     uint32_t count(int channel, int bin) const { return of_[channel].bins[bin]; }
     uint32_t largest() const {
         uint32_t most = 0;
@@ -39,25 +44,26 @@ public:
 
 private:
     uint32_t code_;
+    int top_;
     jorm_histogram of_[3];
 };
 
-void print_table(const Histograms &h) {
+void print_table(std::FILE *to, const Histograms &h) {
     for (int i = 0; i < h.bins(); ++i) {
-        std::printf("%3d..%3d", h.first_value(i), h.first_value(i + 1) - 1);
-        for (int c = 0; c < h.channels(); ++c) std::printf(" %10u", h.count(c, i));
-        std::printf("\n");
+        std::fprintf(to, h.top() == 255 ? "%3d..%3d" : "%5d..%5d", h.first_value(i), h.first_value(i + 1) - 1);
+        for (int c = 0; c < h.channels(); ++c) std::fprintf(to, " %10u", h.count(c, i));
+        std::fprintf(to, "\n");
     }
 }
 
-void print_json(const Histograms &h) {
-    std::printf("[");
+void print_json(std::FILE *to, const Histograms &h) {
+    std::fprintf(to, "[");
     for (int c = 0; c < h.channels(); ++c) {
-        std::printf("%s[", c ? ",\n " : "");
-        for (int i = 0; i < h.bins(); ++i) std::printf("%s%u", i ? ", " : "", h.count(c, i));
-        std::printf("]");
+        std::fprintf(to, "%s[", c ? ",\n " : "");
+        for (int i = 0; i < h.bins(); ++i) std::fprintf(to, "%s%u", i ? ", " : "", h.count(c, i));
+        std::fprintf(to, "]");
     }
-    std::printf("]\n");
+    std::fprintf(to, "]\n");
 }
 
 // Each channel in its own colour over black, so that colours mix where bars overlap.
@@ -80,7 +86,7 @@ Picture draw(const Histograms &h) {
     fill(whole, site(left - 1, top, 1, height + 1), grey);
     fill(whole, site(left - 1, base, width + 1, 1), grey);
     for (int value = 0; value <= 256; value += 64) {
-        const std::string text = std::to_string(std::min(value, 255));
+        const std::string text = std::to_string(std::min(value * ((h.top() + 1) / 256), h.top()));
         const int x = left + value * width / 256;
         fill(whole, site(x - (value == 256), base, 1, 5), grey);
         draw_text(whole, x - int(text.size()) * glyph_width / 2, base + 8, 1, text, grey);
@@ -97,21 +103,16 @@ Picture draw(const Histograms &h) {
 } // namespace
 
 void run_hist(const Args &args) {
-    args.want_files(1, 1);
-    const int bins = args.number("bins", 256, 1, 256);
+    const std::string out = args.has("output") ? args.output() : "";
     Picture picture = read_picture(args.files[0]), mask;
-    if (args.has("mask")) {
-        mask = read_picture(args.text("mask", ""));
-        if (mask.width != picture.width || mask.height != picture.height)
-            throw Failure("sizes differ: the mask is " + mask.shape() + ", " + args.files[0] + " is " +
-                          picture.shape());
-    }
+    const int bins = args.number("bins", 1, picture.top() + 1);
+    if (args.has("mask")) mask = read_mask(args.text("mask"), picture);
     const Histograms h(picture, args.has("mask") ? &mask : nullptr, bins);
-    if (args.has("output")) {
+    if (!out.empty()) {
         Picture drawing = draw(h);
-        write_png(args.output(), drawing);
+        write_picture(out, drawing);
     }
-    if (args.has("json") || !args.has("output")) (args.has("json") ? print_json : print_table)(h);
+    if (args.has("json") || out.empty()) (args.has("json") ? print_json : print_table)(args.report(), h);
 }
 
 } // namespace tool

@@ -10,9 +10,8 @@ namespace {
 using Points = std::vector<jorm_2d_pt>;
 
 bool is_set(const Picture &picture, int x, int y, int level) {
-    const size_t at = (size_t(y) * picture.width + x) * picture.channels;
-    for (int c = 0; c < (picture.channels < 3 ? 1 : 3); ++c)
-        if (picture.bytes[at + c] >= level) return true;
+    for (int c = 0; c < picture.colour_count(); ++c)
+        if (picture.sample(x, y, c) >= level) return true;
     return false;
 }
 
@@ -79,10 +78,9 @@ jorm_r2d_ell ellipse_of(const Points &all) {
 } // namespace
 
 void run_hull(const Args &args) {
-    args.want_files(1, 1);
-    const std::string &out = args.output();
-    const int level = args.number("level", 128, 1, 255);
+    const std::string out = args.output();
     const Picture picture = read_picture(args.files[0]);
+    const int level = args.has("level") ? args.number("level", 1, picture.top()) : picture.top() / 2 + 1;
     Points ends, all = set_pixels(picture, level, ends);
     if (all.empty()) throw Failure("no sample of " + args.files[0] + " reaches " + std::to_string(level));
 
@@ -113,15 +111,17 @@ void run_hull(const Args &args) {
     pen.outline(least.pt, 4, yellow);
     pen.outline(curve.data(), int(curve.size()), green);
     pen.outline(corners.data(), int(corners.size()), red);
-    write_png(out, drawing);
+    write_picture(out, drawing);
+    std::FILE *text = args.report();
 
-    std::printf("%zu pixels\n", all.size());
-    std::printf("hull (red): %zu points, area %g\n", hull.size(), jorm_2d_poly_area(hull.data(), int(hull.size())));
-    std::printf("bounding box (blue): %d,%d %dx%d\n", box.x, box.y, box.width, box.height);
-    std::printf("least rectangle (yellow): %g x %g\n", jorm_r2d_pt_dist(&least.pt[0], &least.pt[3]),
-                jorm_r2d_pt_dist(&least.pt[0], &least.pt[1]));
-    std::printf("ellipse (green): centre %g,%g, semi-axes %g and %g, angle %g\n", ellipse.centre.x, ellipse.centre.y,
-                ellipse.semi1, ellipse.semi2, ellipse.angle);
+    std::fprintf(text, "%zu pixels\n", all.size());
+    std::fprintf(text, "hull (red): %zu points, area %g\n", hull.size(),
+                 jorm_2d_poly_area(hull.data(), int(hull.size())));
+    std::fprintf(text, "bounding box (blue): %d,%d %dx%d\n", box.x, box.y, box.width, box.height);
+    std::fprintf(text, "least rectangle (yellow): %g x %g\n", jorm_r2d_pt_dist(&least.pt[0], &least.pt[3]),
+                 jorm_r2d_pt_dist(&least.pt[0], &least.pt[1]));
+    std::fprintf(text, "ellipse (green): centre %g,%g, semi-axes %g and %g, angle %g\n", ellipse.centre.x,
+                 ellipse.centre.y, ellipse.semi1, ellipse.semi2, ellipse.angle);
 }
 
 } // namespace tool

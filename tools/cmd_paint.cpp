@@ -142,16 +142,15 @@ void run_paint(const Args &args) {
         const char *name;
         void (*paint)(Picture &, Random &);
     } kinds[] = {{"gradient", paint_gradient}, {"blobs", paint_blobs}, {"shapes", paint_shapes}, {"text", paint_text}};
-    args.want_files(1, 1);
-    const auto [width, height] = args.size("size", "640x480");
-    Random random{uint64_t(args.number("seed", 1, 0, INT32_MAX))};
-    const int channels = args.number("channels", 3, 1, 3);
-    if (channels == 2) throw Failure("--channels wants 1 or 3");
+    const std::string out = args.output();
+    const auto [width, height] = args.size("size");
+    Random random{uint64_t(args.number("seed", 0, INT32_MAX))};
+    const int channels = args.number("channels", 1, 3);
     for (const auto &kind : kinds)
         if (args.files[0] == kind.name) {
             Picture picture(width, height, channels);
             kind.paint(picture, random);
-            write_png(args.output(), picture);
+            write_picture(out, picture);
             return;
         }
     throw Failure("cannot paint '" + args.files[0] + "': gradient, blobs, shapes or text");

@@ -26,6 +26,18 @@ Picture reduce(Picture &picture, int step) {
     return result;
 }
 
+// The upper of 16 bits, rounded.
+Picture to_bytes(Picture picture) {
+    if (picture.depth() == 8) return picture;
+    Picture numbers = picture.as(JORM_F32);
+    Picture result(picture.width, picture.height, picture.channels);
+    const jorm_array dst = result.view(), src = numbers.view();
+    const double share = 1.0 / 257;
+    const Colour scale = {share, share, share, share}, zero = {0, 0, 0, 0};
+    check(JormMulAddCC(env(), 0, &dst, &src, scale, zero, nullptr, nullptr, 0, 0), "sheet");
+    return result;
+}
+
 // Small pictures get pixels of several dots. Grey goes into all three channels; an alpha channel is left out.
 void place(Picture &sheet, int x, int y, Picture &picture, int dots) {
     for (int c = 0; c < 3; ++c) {
@@ -42,11 +54,11 @@ void place(Picture &sheet, int x, int y, Picture &picture, int dots) {
 } // namespace
 
 void run_sheet(const Args &args) {
-    args.want_files(1);
-    const std::string &out = args.output();
+    const std::string out = args.output();
     const int count = int(args.files.size());
-    const auto [cell_width, cell_height] = args.size("cell", "320x240");
-    const int columns = args.number("columns", std::min(count, int(std::ceil(std::sqrt(count)))), 1, 1000);
+    const auto [cell_width, cell_height] = args.size("cell");
+    const int square = std::min(count, int(std::ceil(std::sqrt(count))));
+    const int columns = args.has("columns") ? args.number("columns", 1, 1000) : square;
     const int rows = (count + columns - 1) / columns;
     Picture sheet(gap + columns * (cell_width + gap), gap + rows * (cell_height + caption + gap), 3);
     const jorm_array whole = sheet.view();
@@ -55,7 +67,7 @@ void run_sheet(const Args &args) {
 
     Progress progress(args.files.size());
     for (int i = 0; i < count; ++i) {
-        Picture picture = read_picture(args.files[i]);
+        Picture picture = to_bytes(read_picture(args.files[i]));
         const int step =
             std::max((picture.width + cell_width - 1) / cell_width, (picture.height + cell_height - 1) / cell_height);
         const int x = gap + i % columns * (cell_width + gap), y = gap + i / columns * (cell_height + caption + gap);
@@ -66,7 +78,7 @@ void run_sheet(const Args &args) {
         draw_text(whole, x, y + cell_height + glyph_height / 2, 1, name, ink);
         progress.step(args.files[i]);
     }
-    write_png(out, sheet);
+    write_picture(out, sheet);
 }
 
 } // namespace tool

@@ -14,12 +14,13 @@ struct Numbers {
 };
 
 Numbers measure(Picture &picture, Picture *mask) {
-    const jorm_array a = picture.colours();
+    Picture exact = picture.as(picture.exact_type());
+    const jorm_array a = exact.colours();
     Numbers n = {};
     n.channels = int(a.extent[3]);
     n.extrema.request = JORM_WANT_MIN | JORM_WANT_MAX;
     if (mask) {
-        const jorm_array m = mask->channel(0);
+        const jorm_array m = mask->view();
         check(JormSumEx(env(), 0, &a, &m, nullptr, nullptr, n.sum), "stats");
         check(JormMeanEx(env(), 0, &a, &m, nullptr, nullptr, n.mean), "stats");
         check(JormMinmaxEx(env(), 0, &a, &m, nullptr, nullptr, &n.extrema), "stats");
@@ -65,60 +66,28 @@ std::string json(const jorm_extremum &e) {
 }
 
 void print_json(const std::string &path, const Picture &picture, const Numbers &n) {
-    std::printf("{\"picture\": %s, \"width\": %d, \"height\": %d, \"channels\": [", quoted(path).c_str(), picture.width,
-                picture.height);
-    for (int c = 0; c < n.channels; ++c)
-        std::printf("%s{\"min\": %s, \"max\": %s, \"mean\": %.17g, \"sum\": %.17g}", c ? ", " : "",
-                    json(n.extrema.min[c]).c_str(), json(n.extrema.max[c]).c_str(), n.mean[c], n.sum[c]);
+    std::printf("{\"picture\": %s, \"width\": %d, \"height\": %d, \"depth\": %d, \"channels\": [", quoted(path).c_str(),
+                picture.width, picture.height, picture.depth());
+    for (int c = 0; c < n.channels; ++c) {
+        char mean[32] = "null";
+        if (n.extrema.min[c].row >= 0) std::snprintf(mean, sizeof mean, "%.17g", n.mean[c]);
+        std::printf("%s{\"min\": %s, \"max\": %s, \"mean\": %s, \"sum\": %.17g}", c ? ", " : "",
+                    json(n.extrema.min[c]).c_str(), json(n.extrema.max[c]).c_str(), mean, n.sum[c]);
+    }
     std::printf("]}");
-}
-
-vrng range(const Args &args, const char *option, const char *otherwise) {
-    std::istringstream in(args.text(option, otherwise));
-    vrng r = {};
-    char comma = 0;
-    if (!(in >> r.lo >> comma >> r.hi) || comma != ',' || !(in >> std::ws).eof() || !(r.lo <= r.hi))
-        throw Failure(std::string("--") + option + " wants LOW,HIGH");
-    return r;
 }
 
 } // namespace
 
 void run_stats(const Args &args) {
-    args.want_files(1);
-    Picture mask;
-    if (args.has("mask")) mask = read_picture(args.text("mask", ""));
     for (size_t i = 0; i < args.files.size(); ++i) {
-        Picture picture = read_picture(args.files[i]);
-        if (args.has("mask") && (mask.width != picture.width || mask.height != picture.height))
-            throw Failure("sizes differ: the mask is " + mask.shape() + ", " + args.files[i] + " is " +
-                          picture.shape());
+        Picture picture = read_picture(args.files[i]), mask;
+        if (args.has("mask")) mask = read_mask(args.text("mask"), picture);
         const Numbers n = measure(picture, args.has("mask") ? &mask : nullptr);
         if (args.has("json")) std::printf(i ? ",\n " : "[");
         (args.has("json") ? print_json : print_table)(args.files[i], picture, n);
     }
     if (args.has("json")) std::printf("]\n");
-}
-
-void run_convert(const Args &args) {
-    args.want_files(1, 1);
-    const std::string &out = args.output();
-    const bool by_scale = args.has("scale") || args.has("offset");
-    if (by_scale && (args.has("to") || args.has("from")))
-        throw Failure("--scale and --offset do not go with --from and --to");
-    const vrng to = range(args, "to", "0,255"), from = range(args, "from", "0,255");
-    const double scale = args.real("scale", 1), offset = args.real("offset", 0);
-    Picture picture = read_picture(args.files[0]);
-    Picture result = picture;
-    const jorm_array src = picture.colours(), dst = result.colours();
-    const double scales[4] = {scale, scale, scale, scale}, offsets[4] = {offset, offset, offset, offset};
-    const vrng source[4] = {from, from, from, from};
-    vrng destination[4] = {to, to, to, to};
-    check(by_scale
-              ? JormConvert(env(), 0, &dst, &src, nullptr, nullptr, scales, offsets, nullptr)
-              : JormVConvert(env(), 0, &dst, &src, nullptr, nullptr, destination, args.has("from") ? source : nullptr),
-          "convert");
-    write_png(out, result);
 }
 
 } // namespace tool

@@ -1,128 +1,126 @@
-// Picture files: PNG, JPEG and PNM in, PNG out.
-#include "tool.hpp"
+// Files in and out: what kind they are, and which picture goes where.
+#include "formats.hpp"
 
 #include <algorithm>
-#include <cstdio>
-#include <fstream>
+#include <cctype>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
 #include <memory>
-#include <png.h>
-#include <sstream>
-#include <turbojpeg.h>
+#include <set>
 
 namespace tool {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
+namespace fs = std::filesystem;
 
 Failure cannot(const char *what, const std::string &path, const std::string &why) {
-    return Failure(std::string("cannot ") + what + " " + path + ": " + why);
+    return Failure(std::string("cannot ") + what + " " + (path == "-" ? "standard stream" : path) + ": " + why);
+}
+
+// A file that is closed at the end, unless it is a standard stream.
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE *)>;
+
+File open(const std::string &path, const char *mode, std::FILE *standard) {
+    if (path == "-") return File(standard, std::fflush);
+    return File(std::fopen(path.c_str(), mode), std::fclose);
 }
 
 Bytes read_file(const std::string &path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream bytes;
-    if (!in || !(bytes << in.rdbuf())) throw cannot("read", path, "no such file, not readable or empty");
-    const std::string text = std::move(bytes).str();
-    return Bytes(text.begin(), text.end());
+    std::error_code ignored;
+    if (fs::is_directory(path, ignored)) throw cannot("read", path, "it is a folder");
+    const File in = open(path, "rb", stdin);
+    if (!in) throw cannot("read", path, std::strerror(errno));
+    Bytes bytes;
+    uint8_t block[65536];
+    for (size_t count; (count = std::fread(block, 1, sizeof block, in.get())) > 0;)
+        bytes.insert(bytes.end(), block, block + count);
+    if (std::ferror(in.get())) throw cannot("read", path, std::strerror(errno));
+    if (bytes.empty()) throw cannot("read", path, "it is empty");
+    return bytes;
 }
 
-constexpr uint32_t png_formats[5] = {0, PNG_FORMAT_GRAY, PNG_FORMAT_GA, PNG_FORMAT_RGB, PNG_FORMAT_RGBA};
+using Encoder = Bytes(Picture &);
 
-Picture read_png(const std::string &path, const Bytes &file) {
-    png_image image = {};
-    image.version = PNG_IMAGE_VERSION;
-    const std::unique_ptr<png_image, void (*)(png_image *)> owner(&image, png_image_free);
-    if (!png_image_begin_read_from_memory(&image, file.data(), file.size())) throw cannot("read", path, image.message);
-    image.format &= PNG_FORMAT_FLAG_COLOR | PNG_FORMAT_FLAG_ALPHA;
-    Picture picture(int(image.width), int(image.height), int(PNG_IMAGE_PIXEL_CHANNELS(image.format)));
-    if (!png_image_finish_read(&image, nullptr, picture.bytes.data(), 0, nullptr))
-        throw cannot("read", path, image.message);
-    return picture;
+// By the suffix of a name, in capitals or not.
+Encoder *encoder_of(const std::string &path) {
+    static constexpr struct {
+        const char *suffix;
+        Encoder *encode;
+    } encoders[] = {{".png", encode_png},
+                    {".jpg", encode_jpeg},
+                    {".jpeg", encode_jpeg},
+                    {".pgm", encode_pgm},
+                    {".ppm", encode_ppm}};
+    std::string suffix = fs::path(path).extension().string();
+    for (char &c : suffix) c = char(std::tolower(static_cast<unsigned char>(c)));
+    for (const auto &e : encoders)
+        if (suffix == e.suffix) return e.encode;
+    return nullptr;
 }
-
-Picture read_jpeg(const std::string &path, const Bytes &file) {
-    const std::unique_ptr<void, int (*)(void *)> reader(tjInitDecompress(), tjDestroy);
-    int width = 0, height = 0, sampling = 0, space = 0;
-    if (!reader || tjDecompressHeader3(reader.get(), file.data(), file.size(), &width, &height, &sampling, &space) != 0)
-        throw cannot("read", path, tjGetErrorStr2(reader.get()));
-    if (width < 1 || height < 1) throw cannot("read", path, "it is cut short");
-    const bool grey = space == TJCS_GRAY;
-    Picture picture(width, height, grey ? 1 : 3);
-    if (tjDecompress2(reader.get(), file.data(), file.size(), picture.bytes.data(), width, 0, height,
-                      grey ? TJPF_GRAY : TJPF_RGB, TJFLAG_ACCURATEDCT) == 0)
-        return picture;
-    if (tjGetErrorCode(reader.get()) != TJERR_WARNING) throw cannot("read", path, tjGetErrorStr2(reader.get()));
-    std::fprintf(stderr, "jorm-tool: %s: %s\n", path.c_str(), tjGetErrorStr2(reader.get()));
-    return picture;
-}
-
-// P2, P3 (text) and P5, P6 (binary), grey and colour.
-class PnmReader {
-public:
-    PnmReader(const std::string &path, const Bytes &file) : path_(path), file_(file) {}
-
-    Picture read() {
-        const int kind = file_[1] - '0';
-        const int width = number(32767), height = number(32767), top = number(65535);
-        if (width < 1 || height < 1) throw cannot("read", path_, "it has no pixels");
-        if (top != 255) throw cannot("read", path_, "only PNM files with 255 as the largest value are read");
-        Picture picture(width, height, kind % 3 == 0 ? 3 : 1);
-        if (kind <= 3) {
-            for (uint8_t &sample : picture.bytes) sample = uint8_t(number(255));
-        } else {
-            ++at_; // the one blank behind the header
-            if (at_ > file_.size() || file_.size() - at_ < picture.bytes.size())
-                throw cannot("read", path_, "it is cut short");
-            std::copy_n(file_.begin() + std::ptrdiff_t(at_), picture.bytes.size(), picture.bytes.begin());
-        }
-        return picture;
-    }
-
-private:
-    int number(int most) {
-        while (at_ < file_.size() && !is_digit(file_[at_])) {
-            if (file_[at_] == '#')
-                while (at_ < file_.size() && file_[at_] != '\n') ++at_;
-            else
-                ++at_;
-        }
-        if (at_ == file_.size()) throw cannot("read", path_, "it is cut short");
-        int value = 0;
-        for (; at_ < file_.size() && is_digit(file_[at_]); ++at_) {
-            value = 10 * value + (file_[at_] - '0');
-            if (value > most) throw cannot("read", path_, "a number in it is too large");
-        }
-        return value;
-    }
-    static bool is_digit(uint8_t c) { return c >= '0' && c <= '9'; }
-
-    const std::string &path_;
-    const Bytes &file_;
-    size_t at_ = 2;
-};
 
 } // namespace
 
 Picture read_picture(const std::string &path) {
-    const Bytes file = read_file(path);
+    const Bytes bytes = read_file(path);
     const auto starts = [&](std::initializer_list<uint8_t> magic) {
-        return file.size() > magic.size() && std::equal(magic.begin(), magic.end(), file.begin());
+        return bytes.size() > magic.size() && std::equal(magic.begin(), magic.end(), bytes.begin());
     };
-    if (starts({0x89, 'P', 'N', 'G'})) return read_png(path, file);
-    if (starts({0xFF, 0xD8, 0xFF})) return read_jpeg(path, file);
-    for (uint8_t kind : {'2', '3', '5', '6'})
-        if (starts({'P', kind})) return PnmReader(path, file).read();
+    try {
+        if (starts({0x89, 'P', 'N', 'G'})) return decode_png(bytes);
+        if (starts({0xFF, 0xD8, 0xFF})) return decode_jpeg(bytes);
+        if (starts({'P'}) && bytes[1] >= '1' && bytes[1] <= '6') return decode_pnm(bytes);
+    } catch (const Failure &why) {
+        throw cannot("read", path, why.what());
+    }
     throw cannot("read", path, "not a PNG, JPEG or PNM picture");
 }
 
-void write_png(const std::string &path, Picture &picture) {
-    png_image image = {};
-    image.version = PNG_IMAGE_VERSION;
-    image.width = png_uint_32(picture.width);
-    image.height = png_uint_32(picture.height);
-    image.format = png_formats[picture.channels];
-    if (!png_image_write_to_file(&image, path.c_str(), 0, picture.bytes.data(), 0, nullptr))
-        throw cannot("write", path, image.message);
+bool known_suffix(const std::string &path) { return encoder_of(path) != nullptr; }
+
+void write_picture(const std::string &path, Picture &picture) {
+    Encoder *encode = path == "-" ? encode_png : encoder_of(path);
+    Bytes bytes;
+    try {
+        bytes = encode(picture);
+    } catch (const Failure &why) {
+        throw cannot("write", path, why.what());
+    }
+    File out = open(path, "wb", stdout);
+    if (!out) throw cannot("write", path, std::strerror(errno));
+    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), out.get()) == bytes.size();
+    const bool closed = out.get_deleter()(out.release()) == 0;
+    if (written && closed) return;
+    const std::string why = std::strerror(errno);
+    std::error_code ignored;
+    if (path != "-" && fs::is_regular_file(path, ignored)) fs::remove(path, ignored);
+    throw cannot("write", path, why);
+}
+
+void for_each_picture(const Args &args, const std::function<void(Picture &)> &operation) {
+    const std::string out = args.text("output");
+    const bool folder = args.files.size() > 1 || fs::is_directory(out) || out.back() == '/';
+    if (folder && !fs::is_directory(out) && (out == "-" || known_suffix(out)))
+        throw Failure("several pictures go into a folder, and '" + out + "' is not the name of one");
+    std::vector<std::string> targets;
+    for (const std::string &path : args.files)
+        targets.push_back(folder ? (fs::path(out) / fs::path(path).stem()).string() + ".png" : args.output());
+    std::set<std::string> taken;
+    std::error_code fault;
+    for (const std::string &target : targets) {
+        if (!taken.insert(target).second) throw Failure("two pictures would be written to " + target);
+        for (const std::string &path : args.files)
+            if (folder && fs::equivalent(path, target, fault))
+                throw Failure("the picture " + path + " would be overwritten");
+    }
+    if (folder && (fs::create_directories(out, fault), fault)) throw cannot("make the folder", out, fault.message());
+    Progress progress(args.files.size());
+    for (size_t i = 0; i < args.files.size(); ++i) {
+        Picture picture = read_picture(args.files[i]);
+        operation(picture);
+        write_picture(targets[i], picture);
+        progress.step(args.files[i]);
+    }
 }
 
 } // namespace tool

@@ -1,9 +1,9 @@
 // jorm-tool: the library's operations on picture files.
-#include "tool.hpp"
+#include "manual.hpp"
 
 #include <cstdio>
-#include <cstring>
 #include <exception>
+#include <new>
 
 namespace tool {
 
@@ -11,46 +11,62 @@ namespace tool {
 #include "commands.def"
 #undef COMMAND
 
-namespace {
-
-const Command commands[] = {
-#define COMMAND(name, run, usage, summary, options) {name, usage, summary, options, run},
+const std::vector<Command> &commands() {
+    const Option out = {"output", "OUT", required,
+                        "the result, by its name .png, .jpg, .pgm or .ppm; - is standard output"};
+    const Option out_or_folder = {"output", "OUT", required,
+                                  "the result, by its name .png, .jpg, .pgm or .ppm; - is standard output; or a "
+                                  "folder, in which PNG files get the pictures' names"};
+    const char *border_modes = "const replicate wrap reflect reflect101";
+#define COMMAND(name, run, operands, summary, ...) {name, operands, summary, run, {__VA_ARGS__}},
+    static const std::vector<Command> all = {
 #include "commands.def"
+    };
 #undef COMMAND
-};
-
-void print_help(std::FILE *to) {
-    std::fprintf(to, "usage: jorm-tool COMMAND ARGUMENTS\n\n");
-    for (const Command &c : commands) std::fprintf(to, "  %-8s %s\n", c.name, c.summary);
-    std::fprintf(to,
-                 "\nPictures: PNG, JPEG or PNM in, PNG out; 8 bits per sample. An alpha channel is that of the first\n"
-                 "picture. jorm-tool COMMAND --help tells more. Exit status: 0, or 2 with a message on stderr.\n");
+    return all;
 }
 
+namespace {
+
 const Command *find(const std::string &name) {
-    for (const Command &c : commands)
+    for (const Command &c : commands())
         if (name == c.name) return &c;
     return nullptr;
 }
 
 int run(const std::vector<std::string> &words) {
+    static const struct {
+        const char *option;
+        void (*print)(std::FILE *);
+    } prints[] = {{"--help", print_help},
+                  {"-h", print_help},
+                  {"--version", print_version},
+                  {"--manual", print_manual},
+                  {"--completion", print_completion}};
     if (words.empty()) {
         print_help(stderr);
         return 2;
     }
-    if (words[0] == "--help" || words[0] == "-h") {
-        print_help(stdout);
-        return 0;
-    }
+    for (const auto &p : prints)
+        if (words[0] == p.option) {
+            p.print(stdout);
+            return 0;
+        }
     const Command *command = find(words[0]);
     if (!command) throw Failure("unknown command '" + words[0] + "' (jorm-tool --help lists them)");
     const std::vector<std::string> rest(words.begin() + 1, words.end());
-    for (const std::string &word : rest)
+    for (const std::string &word : rest) {
+        if (word == "--") break;
         if (word == "--help" || word == "-h") {
-            std::printf("usage: jorm-tool %s %s\n%s\n", command->name, command->usage, command->summary);
+            print_command(stdout, *command);
             return 0;
         }
-    command->run(Args(*command, rest));
+    }
+    try {
+        command->run(Args(*command, rest));
+    } catch (const Failure &fault) {
+        throw Failure(words[0] + ": " + fault.what());
+    }
     return 0;
 }
 
@@ -61,9 +77,13 @@ int main(int argc, char **argv) {
     const std::vector<std::string> words(argv + 1, argv + argc);
     _G_jorm_use_simd = 1;
     try {
-        return tool::run(words);
+        const int status = tool::run(words);
+        if (std::fflush(stdout) == 0) return status;
+        std::fputs("jorm-tool: cannot write to standard output\n", stderr);
+    } catch (const std::bad_alloc &) {
+        std::fputs("jorm-tool: out of memory\n", stderr);
     } catch (const std::exception &fault) {
         std::fprintf(stderr, "jorm-tool: %s\n", fault.what());
-        return 2;
     }
+    return 2;
 }

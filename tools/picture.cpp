@@ -1,11 +1,11 @@
 #include "tool.hpp"
 
-#include <cstdio>
+#include <cstring>
 
 namespace tool {
 namespace {
 
-int element_size(uint32_t eltype) { return eltype == JORM_F32 ? 4 : 1; }
+int element_size(uint32_t eltype) { return eltype == JORM_U8 ? 1 : eltype == JORM_U16 ? 2 : 4; }
 
 struct Environment {
     jorm_xe *xe = JormXEopen(nullptr, nullptr, 0);
@@ -30,7 +30,13 @@ jorm_array Picture::view() {
 
 jorm_array Picture::colours() {
     jorm_array a = view();
-    if (channels % 2 == 0) --a.extent[3];
+    a.extent[3] = uint32_t(colour_count());
+    return a;
+}
+
+jorm_array Picture::bits() {
+    jorm_array a = colours();
+    if (a.eltype == JORM_U16) a.eltype = JORM_S16;
     return a;
 }
 
@@ -59,9 +65,68 @@ jorm_array Picture::every(int step, int x, int y) {
     return a;
 }
 
+int Picture::sample(int x, int y, int c) const {
+    const size_t at = (size_t(y) * size_t(width) + size_t(x)) * size_t(channels) + size_t(c);
+    if (eltype == JORM_U8) return bytes[at];
+    uint16_t value;
+    std::memcpy(&value, &bytes[2 * at], 2);
+    return value;
+}
+
+Picture Picture::as(uint32_t type) { return type == eltype ? *this : scaled(type, nullptr, nullptr); }
+
+Picture Picture::scaled(uint32_t type, const double *gain, const double *offset) {
+    Picture result(width, height, channels, type);
+    const jorm_array dst = result.view(), src = view();
+    check(JormGain(env(), 0, &dst, &src, gain, offset, nullptr, nullptr), "scaling");
+    result.file = file;
+    return result;
+}
+
+void Picture::limit(const double *low, const double *high) {
+    Picture exact = as(exact_type());
+    const jorm_array a = exact.colours();
+    check(JormMaxC(env(), 0, &a, nullptr, low, nullptr, nullptr), "clamping");
+    check(JormMinC(env(), 0, &a, nullptr, high, nullptr, nullptr), "clamping");
+    *this = exact.as(eltype);
+}
+
+uint32_t Picture::exact_type() const { return eltype == JORM_U16 ? uint32_t(JORM_S32) : eltype; }
+
 std::string Picture::shape() const {
     return std::to_string(width) + "x" + std::to_string(height) + ", " + std::to_string(channels) +
-           (channels == 1 ? " channel" : " channels");
+           (channels == 1 ? " channel of " : " channels of ") + std::to_string(depth()) + " bits";
+}
+
+Picture read_same(const std::string &path, const Picture &first, const std::string &first_path) {
+    Picture picture = read_picture(path);
+    const char *differs = picture.width != first.width || picture.height != first.height ? "sizes"
+                          : picture.colour_count() != first.colour_count()               ? "channels"
+                          : picture.eltype != first.eltype                               ? "depths"
+                                                                                         : nullptr;
+    if (differs)
+        throw Failure(std::string(differs) + " differ: " + first_path + " is " + first.shape() + ", " + path + " is " +
+                      picture.shape());
+    return picture;
+}
+
+Picture read_mask(const std::string &path, const Picture &picture, bool inverted) {
+    Picture read = read_picture(path);
+    if (read.width != picture.width || read.height != picture.height)
+        throw Failure("sizes differ: the picture is " + picture.shape() + ", the mask " + path + " is " + read.shape());
+    const int size = read.depth() / 8;
+    Picture mask(read.width, read.height, 1);
+    const jorm_array dst = mask.view();
+    const Colour start = {inverted ? 255.0 : 0.0, 0, 0, 0};
+    fill(dst, site(0, 0, mask.width, mask.height), start);
+    for (int i = 0; i < read.colour_count() * size; ++i) {
+        jorm_array part = read.channel(0);
+        part.eltype = JORM_U8;
+        part.stride[3] = 1;
+        part.loff = i;
+        check((inverted ? JormAnd : JormOrr)(env(), 0, &dst, nullptr, &part, nullptr, nullptr, nullptr), "mask");
+    }
+    return mask;
 }
 
 jorm_xe *env() {
