@@ -1,4 +1,4 @@
-# Installs headers, libraries, the CMake package and the pkg-config file. The library's file name carries its version
+# Installs headers, libraries, the CMake package, the pkg-config file, licence and documents. The library's file name carries its version
 # and is its SONAME too: versions live side by side and symbols need no versions of their own.
 include(CMakePackageConfigHelpers)
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME jorm)
@@ -11,6 +11,13 @@ endif()
 install(TARGETS ${jorm_targets} EXPORT JormTargets)
 install(FILES ${PROJECT_SOURCE_DIR}/include/jorm.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/jorm DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h)
+
+# The documents lie beside each other as in the sources, so that their links hold.
+foreach(document LICENSE README.md CHANGELOG.md CONTRIBUTING.md)
+    install(FILES ${PROJECT_SOURCE_DIR}/${document} DESTINATION ${CMAKE_INSTALL_DOCDIR})
+endforeach()
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.c)
 
 install(EXPORT JormTargets FILE JormConfig.cmake NAMESPACE Jorm:: DESTINATION ${jorm_package_dir})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/JormConfigVersion.cmake COMPATIBILITY SameMinorVersion)

@@ -11,6 +11,7 @@ int main(void) {
 
     jorm_minmax mm = {JORM_WANT_MIN | JORM_WANT_MAX, {{0}}, {{0}}};
     vrng black_to_white = {0, 255};
+    _G_jorm_use_simd = 1;
     jorm_xe *xe = JormXEopen(NULL, NULL, 0);
     int64_t status = JormMinmax(xe, 0, &src, NULL, &mm);
     if (status == JORM_OK) status = JormVConvert(xe, 0, &dst, &src, NULL, NULL, &black_to_white, NULL);

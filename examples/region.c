@@ -11,6 +11,7 @@ int main(void) {
     jorm_site right;
     jorm_site_make(&right, 0, 1, 2, 2); /* from row 0, pixel 1 on: 2 rows of 2 pixels */
     const double amount = 200;
+    _G_jorm_use_simd = 1;
     jorm_xe *xe = JormXEopen(NULL, NULL, 0);
     int64_t status = JormAddqC(xe, 0, &green, NULL, &amount, &right, NULL, 0, 0); /* no source: in place */
     JormXEclose(xe);

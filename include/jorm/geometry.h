@@ -12,6 +12,8 @@
  *   bits. Comparisons and tests of integer figures are exact for all coordinates.
  * - f2d functions compute in f64 and round each result to f32 once. r2d products overflow to infinity when coordinates
  *   exceed some 1e150.
+ * - Angles are radians: of points and rotations from x toward y, clockwise on a screen where y points down; of
+ *   ellipses, moments and matrices from x away from y, counter-clockwise there: the axis is (cos angle, -sin angle).
  * - NaN coordinates do no harm: figures made of them are NaN or unspecified, and a NaN point lies inside nothing.
  * - Casts to integers, and the scaling of integer points, round to nearest, ties to even; NaN and what does not fit
  *   give -2147483648. Casts to f32 round once; the others are exact. */

@@ -1,7 +1,9 @@
 /* libJorm geometry: the records.
  *
  * Three coordinate families stand side by side: 2d (int32_t), f2d (float) and r2d (double). The first coordinate, x,
- * counts to the right, the second, y, downward; angles are radians.
+ * counts to the right, the second, y, downward; angles are radians. Directions and rotations count from the x axis
+ * toward the y axis (clockwise on a screen, where y points down), but the angle of an ellipse, a moment or a matrix
+ * counts from the x axis away from the y axis (counter-clockwise on a screen): its axis is (cos angle, -sin angle).
  *
  * A point vector (ptv) is a pointer to consecutive points and an int32_t count; a polygon (poly) is the closed outline
  * through the points of such a vector, from the last one back to the first. Neither has a record of its own. */

@@ -7,7 +7,9 @@
  * harm.
  *
  * Outlines are clockwise when x points to the right and y up, counter-clockwise on a screen where y points down, when
- * they run (min x, min y), (min x, max y), (max x, max y), (max x, min y). Hulls and quadrilaterals run so.
+ * they run (min x, min y), (min x, max y), (max x, max y), (max x, min y). Hulls and quadrilaterals run so; only hulls
+ * of at most three points stay as given, in the caller's order and sense, even when the points coincide or are
+ * colinear.
  */
 #ifndef JORM_POINTSET_H
 #define JORM_POINTSET_H
@@ -86,12 +88,12 @@ JORM_API jorm_r2d_pt *jorm_r2d_ptv_sort_$I(jorm_r2d_pt *points, int32_t n);
 
 /* Convex hull in place: Graham's scan over the points in angular order. Returns the number of hull points, which then
  * stand at the front of the vector in that order, the lowest one first; what follows them is unspecified. Points on an
- * edge are not kept. n < 4 returns n (0 if negative) and changes nothing; a vector that is colinear after sorting
- * (all_colinear) is returned whole, sorted. Here the angles are compared without a tolerance, which makes a difference
- * only to coordinates some thousand units apart, and turns are decided exactly, of floats unless a product of
- * coordinates over- or underflows (J. Shewchuk, "Adaptive precision floating-point arithmetic", 1997): no point lies
- * outside. Points inside an octagon of extreme ones are thrown away unsorted (S. Akl, G. Toussaint, "A fast convex hull
- * algorithm", 1978). O(n log n), no heap memory. */
+ * edge are not kept. n < 4 returns n (0 if negative) and changes nothing: up to three points stay as given; a vector
+ * that is colinear after sorting (all_colinear) is returned whole, sorted. Here the angles are compared without a
+ * tolerance, which makes a difference only to coordinates some thousand units apart, and turns are decided exactly, of
+ * floats unless a product of coordinates over- or underflows (J. Shewchuk, "Adaptive precision floating-point
+ * arithmetic", 1997): no point lies outside. Points inside an octagon of extreme ones are thrown away unsorted (S. Akl,
+ * G. Toussaint, "A fast convex hull algorithm", 1978). O(n log n), no heap memory. */
 JORM_API int32_t jorm_2d_ptv_convexhull_$I(jorm_2d_pt *points, int32_t n);
 JORM_API int32_t jorm_f2d_ptv_convexhull_$I(jorm_f2d_pt *points, int32_t n);
 JORM_API int32_t jorm_r2d_ptv_convexhull_$I(jorm_r2d_pt *points, int32_t n);

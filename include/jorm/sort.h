@@ -24,7 +24,8 @@ JORM_API int32_t UlHeapSort(void *base, size_t count, size_t size, jorm_ulcmp cm
 JORM_API void UlHeapSort_nck(void *base, size_t count, size_t size, jorm_ulcmp cmp, void *context);
 
 /* The only stable sort; O(n^2), close to n comparisons where the array is nearly sorted. Elements of more than 256
- * bytes are moved through one block from malloc; without memory the array stays as it is. */
+ * bytes are moved through one block from malloc; without memory the array stays as it is, and the status is 0 all the
+ * same: no other sort needs memory. */
 JORM_API int32_t UlInsertSort(void *base, size_t count, size_t size, jorm_ulcmp cmp, void *context);
 JORM_API void UlInsertSort_nck(void *base, size_t count, size_t size, jorm_ulcmp cmp, void *context);
 

@@ -6,17 +6,25 @@
  *
  * Operands. Arrays of u8, s16, s32 or f32 with three or four axes and 1 to 3 channels; the layers below the entries
  *   serve 4 channels as well. Strides may be anything: views, padded or interleaved pixels, negative strides. Dense
- * data is the fast path. Elements lie at multiples of their size (else JORM_EINVAL). Region. `roi` is a site in
- * coordinates of the array, null for all of it; it may narrow the channels, of which the first is then channel 0 of the
- * results. Four axes give one result over all planes. Mask. One channel of u8 or s8. A pixel takes part when its mask
- * element differs from 0; with JORM_OPT_MASK_INVERT, when it differs from 255. `at_mask` (four slots) is where the
- * mask's region starts, null for its first element. A mask that ends early shortens the region. Channels. Bits 4 to 7
- * of the options select channels of the region (bit 4 + k for channel k); without any of them bits 4 to 7 of the
- * channel code do; without those all channels are selected. Results of other channels stay as they were. Environment.
- * Null will do except for JormCountRelBox: no scratch memory is used. Statuses, in this order: JORM_EINVAL (null
- * pointers, bad or disagreeing descriptors, channel counts), JORM_EEMPTY (no sample in the region), then for an element
- * type that is not served JORM_EINVAL from sums and means, and from extrema and ranges JORM_ENOTSUP when it is well
- * formed, else JORM_EINVAL. Nothing is written unless the status is JORM_OK.
+ *   data is the fast path. Elements lie at multiples of their size (else JORM_EINVAL).
+ *
+ * Region. `roi` is a site in coordinates of the array, null for all of it; it may narrow the channels, of which the
+ *   first is then channel 0 of the results. Four axes give one result over all planes.
+ *
+ * Mask. One channel of u8 or s8. A pixel takes part when its mask element differs from 0; with JORM_OPT_MASK_INVERT,
+ *   when it differs from 255. `at_mask` (four slots) is where the mask's region starts, null for its first element. A
+ *   mask that ends early shortens the region.
+ *
+ * Channels. Bits 4 to 7 of the options select channels of the region (bit 4 + k for channel k); without any of them
+ *   bits 4 to 7 of the channel code do; without those all channels are selected. Results of other channels stay as they
+ *   were.
+ *
+ * Environment. Null will do except for JormCountRelBox: no scratch memory is used.
+ *
+ * Statuses, in this order: JORM_EINVAL (null pointers, bad or disagreeing descriptors, channel counts), JORM_EEMPTY (no
+ *   sample in the region), then for an element type that is not served JORM_EINVAL from sums and means, and from
+ *   extrema and ranges JORM_ENOTSUP when it is well formed, else JORM_EINVAL. Nothing is written unless the status is
+ *   JORM_OK.
  *
  * Sums of integers are exact at any size and rounded once to double. Sums of f32 are taken in double precision, in an
  * order that depends neither on the processor nor on the layout: sample i of a channel, in row-major order, goes to

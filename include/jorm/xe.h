@@ -90,7 +90,7 @@ JORM_API void jorm_mmstack_reset(void *stack);
 JORM_API void *jorm_mmstack_state(void *stack, void *state);
 JORM_API void jorm_mmstack_setstate(void *stack, const void *state);
 JORM_API void jorm_mmstack_close(void *stack);
-JORM_API void jorm_mmstack_destroy(void *stack);
+JORM_API void jorm_mmstack_destroy(void *stack); /* as UlMEMSTGdestroy: the same as closing */
 
 /* ---- Storages and the heap ----
  * The interface to the companion base library. A program that links its own definitions of these twelve names into a
@@ -116,8 +116,10 @@ JORM_API void UlSMEMSTGgetstate(void *state, const void *stack);
 JORM_API void UlSMEMSTGsetstate(void *stack, const void *state);
 /* Releases every block; the memory stays for reuse. */
 JORM_API void UlSMEMSTGclear(void *stack);
-/* Returns all memory to the heap. The storage must be opened again before further use; one in memory of its own is
- * gone. */
+/* The end of a storage: all its memory goes back to the heap. One that was opened in memory of the caller must be
+ * opened again before further use, one in memory of its own is gone. The two do the same here; both exist because the
+ * interface has both. The library closes storages that it opened in memory of their own, and destroys those that live
+ * in a record; definitions in place of these may tell the two apart. */
 JORM_API void UlMEMSTGclose(void *storage);
 JORM_API void UlMEMSTGdestroy(void *storage);
 
