@@ -113,9 +113,7 @@ TEST_F(Copies, CopyAndFillAnyLayoutUnderAnyMask) {
         const uint32_t mask_type = r.of(std::array{JORM_U8, JORM_S8});
         const jorm_array mask = place(2, mask_type, mask_size[0] == 1 ? r.in(3, ndims) : ndims, mask_size);
         for (int i = 0; i < 5000; ++i) buffers[2][r() % room] = inverted ? 255 : 0;
-        jorm_site roi_site = site(dst);
-        if (unsaid && masked) roi_site.origin[0] = std::max(roi_site.origin[0], 0); // both start with the same plane
-        const jorm_site *const roi = r.one_in(2) ? &roi_site : nullptr;
+        const jorm_site roi_site = site(dst), *roi = r.one_in(2) ? &roi_site : nullptr;
         const Index at_src = start(src), at_mask = start(mask);
         const int32_t *at = r.one_in(2) ? at_src.data() : nullptr, *at_m = r.one_in(2) ? at_mask.data() : nullptr;
         const uint64_t options = inverted ? JORM_OPT_MASK_INVERT : 0;
