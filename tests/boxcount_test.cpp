@@ -82,8 +82,11 @@ void check_case(Random &r, jorm_xe *xe, int rows, int pixels) {
 TEST(BoxCount, Counts) {
     Random r(61);
     jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
-    for (int i = 0; i < 2500; ++i) check_case(r, xe, r.in(1, 14), r.in(1, 20));
-    for (int i = 0; i < 60; ++i) check_case(r, xe, r.in(1, 30), r.in(1, 900));
+    for (int i = 0; i < 2560; ++i) {
+        const bool large = i >= 2500;
+        const int rows = r.in(1, large ? 30 : 14), pixels = r.in(1, large ? 900 : 20);
+        check_case(r, xe, rows, pixels);
+    }
     JormXEclose(xe);
 }
 

@@ -168,8 +168,10 @@ void check_case(Random &r, int rows, int pixels) {
 
 TEST(Histogram, AgreesWithPlainCounting) {
     Random r(61);
-    for (int round = 0; round < 1530 && !HasFailure(); ++round)
-        round < 1500 ? check_case(r, r.in(1, 9), r.in(1, 90)) : check_case(r, r.in(1, 60), r.in(200, 900));
+    for (int round = 0; round < 1530 && !HasFailure(); ++round) {
+        const int rows = r.in(1, round < 1500 ? 9 : 60), pixels = round < 1500 ? r.in(1, 90) : r.in(200, 900);
+        check_case(r, rows, pixels);
+    }
 }
 
 TEST(Histogram, HeadersSayWhatTheDescriptionMeans) {

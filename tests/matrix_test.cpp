@@ -12,7 +12,8 @@ void fill(Random &r, Picture &p, bool special) {
     p.fill([&] {
         if (type < JORM_F32) return std::floor(std::uniform_real_distribution<>(lowest(type), highest(type) + 1)(r));
         if (special && r.one_in(20)) return r.of(std::array{nan, inf, -inf, -0., 1e300});
-        return std::ldexp(std::uniform_real_distribution<>(-1, 1)(r), r.in(-8, r.in(-8, 24)));
+        const double v = std::uniform_real_distribution<>(-1, 1)(r);
+        return std::ldexp(v, r.in(-8, r.in(-8, 24)));
     });
 }
 
@@ -171,9 +172,11 @@ TEST(Matrix, Products) {
 TEST(Matrix, ManyVectors) {
     Random r(52);
     jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
-    for (int i = 0; i < 900; ++i)
-        check_vectors(r, xe, r.one_in(2), r.of(std::array{Place::apart, Place::same, Place::shifted}),
-                      r.one_in(8) ? 700 : 90);
+    for (int i = 0; i < 900; ++i) {
+        const bool in_pixels = r.one_in(2);
+        const Place place = r.of(std::array{Place::apart, Place::same, Place::shifted});
+        check_vectors(r, xe, in_pixels, place, r.one_in(8) ? 700 : 90);
+    }
     JormXEclose(xe);
 }
 

@@ -95,9 +95,11 @@ struct WindowCase {
 
 private:
     WindowCase(Random &r, uint32_t type, int channels, int max_window, int ndims)
-        : picture(r, type,
+        : picture{r,
+                  type,
                   {ndims == 4 ? r.in(1, 3) : 1, r.in(1, 12), r.one_in(4) ? r.in(60, 150) : r.in(1, 20), channels},
-                  r.one_in(3), ndims) {
+                  r.one_in(3),
+                  ndims} {
         // A picture with views is described from its first pixel on, others from their lowest byte perhaps.
         const int way = r.in(0, 5);
         const bool views = r.one_in(2) || way == 5, from_lowest = !views && r.one_in(2);
@@ -114,13 +116,14 @@ private:
         else if (way == 4 || way == 3)
             dst = src;
         else {
-            result.emplace(r, type, Index{ndims == 4 ? r.in(1, 3) : 1, r.in(1, 12), r.in(1, 24), channels}, r.one_in(3),
-                           ndims);
+            const Index extent = {ndims == 4 ? r.in(1, 3) : 1, r.in(1, 12), r.in(1, 24), channels};
+            result.emplace(r, type, extent, r.one_in(3), ndims);
             if (extent_of(src)[0] != 1) result.emplace(r, type, extent_of(src), false, ndims);
             dst = result->a;
         }
         if (r.one_in(2)) {
-            roi = site_of({0, r.in(-2, 3), r.in(-2, 3), 0}, {9, r.in(3, 12), r.in(3, 30), 4});
+            const Index origin = {0, r.in(-2, 3), r.in(-2, 3), 0};
+            roi = site_of(origin, {9, r.in(3, 12), r.in(3, 30), 4});
             if (way == 5 || r.one_in(2)) src_roi = site_of({0, r.in(0, 2), r.in(0, 2), 0}, {});
         }
         const int *const start = src_roi ? src_roi->origin : in_place && roi ? roi->origin : nullptr;
