@@ -3,13 +3,14 @@ _jorm_tool() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} words=
     COMPREPLY=()
     if [ "$COMP_CWORD" -eq 1 ]; then
-        words='info add sub diff min max mul blend negate and or xor convert gain clamp paint sheet hull border crop fill mask stats --help --version --manual --completion'
+        words='info add sub diff min max mul blend negate and or xor convert gain clamp paint sheet hull border crop fill mask stats hist compare threshold resize matrix --help --version --manual --completion'
     else
         case ${COMP_WORDS[1]}:$before in
         convert:--depth) words='8 16' ;;
         paint:--channels) words='1 3' ;;
         border:--mode) words='const replicate wrap reflect reflect101' ;;
         crop:--mode) words='const replicate wrap reflect reflect101' ;;
+        compare:--relation) words='equal less less-or-equal greater greater-or-equal' ;;
         info:*) case $word in -*) words='--help' ;; esac ;;
         add:*) case $word in -*) words='-o --output --wrap --help' ;; esac ;;
         sub:*) case $word in -*) words='-o --output --wrap --help' ;; esac ;;
@@ -33,6 +34,11 @@ _jorm_tool() {
         fill:*) case $word in -*) words='-o --output --colour --at --size --mask --help' ;; esac ;;
         mask:*) case $word in -*) words='-o --output --invert --help' ;; esac ;;
         stats:*) case $word in -*) words='--json --mask --help' ;; esac ;;
+        hist:*) case $word in -*) words='-o --output --bins --json --mask --help' ;; esac ;;
+        compare:*) case $word in -*) words='-o --output --to --relation --help' ;; esac ;;
+        threshold:*) case $word in -*) words='-o --output --level --help' ;; esac ;;
+        resize:*) case $word in -*) words='-o --output --size --factor --help' ;; esac ;;
+        matrix:*) case $word in -*) words='-o --output --by --help' ;; esac ;;
         esac
     fi
     [ -z "$words" ] || mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")

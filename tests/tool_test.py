@@ -371,7 +371,7 @@ class Tool(unittest.TestCase):
         for command in commands:
             text = run(command, "--help").stdout
             for option in re.findall(r"^  (?:-o, )?(--\w+.*)$", text, re.MULTILINE):
-                self.assertRegex(option, r"^--\w+( [\w,]+)?  ")
+                self.assertRegex(option, r"^--\w+( [\w,\[\]]+)?  ")
         self.assertIn("(0.5 if not given)", run("blend", "--help").stdout)
         self.assertIn("(required)", " ".join(run("crop", "--help").stdout.split()))
 
