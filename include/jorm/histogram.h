@@ -13,6 +13,8 @@
 
 #include "jorm/types.h"
 
+JORM_BEGIN_DOLLARS
+
 /* What a histogram is to cover, 40 bytes. */
 typedef struct jorm_histdesc {
     uint32_t first;  /* not read */
@@ -140,5 +142,7 @@ JORM_API jorm_histogram_xm_kernel jorma__histogram_xm_c1_u8, jorma__histogram_xm
  */
 JORM_API jorm_proc *jorma__histofun_imp(uint32_t channels, uint32_t type, int32_t *status);
 JORM_API jorm_proc *jorma__histofunxm_imp(uint32_t channels, uint32_t type, int32_t *status);
+
+JORM_END_DOLLARS
 
 #endif

@@ -42,6 +42,8 @@
 #include "jorm/tree.h"
 #include "jorm/watershed.h"
 
+JORM_BEGIN_DOLLARS
+
 /* ---- Regions ---- */
 
 /* The number of children, or of all descendants when recursive is not 0 ($R). The $mser forms count only those found
@@ -190,5 +192,7 @@ JORM_API void *JormMSERgatherFeaturesOfRegion(void *block, const jorm_wtslsc *la
                                               const uint32_t *words);
 JORM_API jorm_vector *JormMSERgatherFeatures(jorm_vector *blocks, const jorm_wtslsc *layout, jorm_fwtsr *const *regions,
                                              uint64_t count, const uint32_t *words);
+
+JORM_END_DOLLARS
 
 #endif
