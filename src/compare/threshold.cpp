@@ -68,13 +68,13 @@ struct Intervals {
     }
 };
 
-int64_t select_between(const ThresholdCall &call, const Shape &shape, const Intervals &intervals) {
+int64_t select_between(const ThresholdCall &call, const Shape &shape, const Intervals &intervals, bool inverted) {
     const uint32_t type = call.src.type;
     const Operand operands[] = {call.dst, call.src};
     const Level which = level(call.options);
     const Row row = JORM_OF_LEVEL(between_rows, which)[compare_line(true, call.dst.type, type)];
     BetweenParams p;
-    p.yes = bits_of(call.dst.type, upper_class(call.dst.type));
+    set_classes(p, call.dst.type, inverted);
     const auto set_bounds = [&](vrng r) {
         if (!(r.lo <= r.hi)) { // nothing lies between
             r = values_of(type);
@@ -98,6 +98,12 @@ int64_t select_between(const ThresholdCall &call, const Shape &shape, const Inte
 
 } // namespace
 
+void set_classes(CompareParams &p, uint32_t dst_type, bool inverted) {
+    p.yes = bits_of(dst_type, upper_class(dst_type));
+    p.no = 0;
+    if (inverted) std::swap(p.yes, p.no);
+}
+
 int64_t check_threshold(Shape &shape, const ThresholdCall &call) {
     const uint32_t to = call.dst.type;
     if (!call.dst.start || !call.dst.stride || !call.src.start || !call.src.stride) return JORM_EINVAL;
@@ -107,7 +113,7 @@ int64_t check_threshold(Shape &shape, const ThresholdCall &call) {
     return has_class && compare_line(true, to, call.src.type) >= 0 ? JORM_OK : JORM_ENOTSUP;
 }
 
-int64_t sheer_threshold(const ThresholdCall &call, const double *pairs, bool two) {
+int64_t sheer_threshold(const ThresholdCall &call, const double *pairs, bool two, bool inverted) {
     Shape shape;
     if (!pairs) return JORM_EINVAL;
     if (int64_t status = check_threshold(shape, call); status != JORM_OK) return status;
@@ -116,18 +122,26 @@ int64_t sheer_threshold(const ThresholdCall &call, const double *pairs, bool two
     for (int c = 0; c < shape.channels; ++c)
         intervals.of[c] = {least_above(type, pairs[2 * c]),
                            two ? largest_upto(type, pairs[2 * c + 1]) : values_of(type).hi};
-    if (two || intervals.any_empty(shape.channels)) return select_between(call, shape, intervals);
-    double least[4], yes[4];
-    constexpr double no[4] = {};
+    if (two || intervals.any_empty(shape.channels)) return select_between(call, shape, intervals, inverted);
+    double least[4], upper[4];
+    constexpr double lower[4] = {};
     for (int c = 0; c < shape.channels; ++c) least[c] = intervals.of[c].lo;
-    std::fill_n(yes, 4, upper_class(call.dst.type));
+    std::fill_n(upper, 4, upper_class(call.dst.type));
     return compare({call.options, call.word, call.size, {call.dst, call.src}, 1, true, JORM_CMP_GREATER_EQUAL}, least,
-                   yes, no);
+                   inverted ? lower : upper, inverted ? upper : lower);
 }
 
 int64_t immediate_threshold(const ThresholdCall &call, const double *pairs, int32_t count) {
     if (!pairs) return JORM_EINVAL;
-    return sheer_threshold(call, pairs, count >= 2);
+    return std::isnan(pairs[1]) ? adaptive_threshold(call, pairs) : sheer_threshold(call, pairs, count >= 2);
+}
+
+int64_t otsu_threshold(const ThresholdCall &call, const jorm_thhmethod *method) {
+    Shape shape;
+    double pairs[8];
+    if (int64_t status = check_threshold(shape, call); status != JORM_OK) return status;
+    const int64_t status = otsu_pairs({call.xe, call.options, call.word, call.size, call.src}, method, pairs);
+    return status == JORM_OK ? sheer_threshold(call, pairs, false) : status;
 }
 
 int64_t check_method(const jorm_thhmethod *method, const double *pairs) {
@@ -135,6 +149,7 @@ int64_t check_method(const jorm_thhmethod *method, const double *pairs) {
     case JORM_THRESHOLD_IMMEDIATE:
         return pairs ? JORM_OK : JORM_EINVAL;
     case JORM_THRESHOLD_OTSU:
+    case JORM_THRESHOLD_USTO:
         return JORM_OK;
     default:
         return JORM_EINVAL;
@@ -142,14 +157,16 @@ int64_t check_method(const jorm_thhmethod *method, const double *pairs) {
 }
 
 int64_t method_threshold(const ThresholdCall &call, const jorm_thhmethod *method, const double *pairs, int32_t count) {
-    Shape shape;
-    double found[8];
-    if (int64_t status = check_method(method, pairs); status != JORM_OK) return status;
-    if (int64_t status = check_threshold(shape, call); status != JORM_OK) return status;
-    if (method_code(method) == JORM_THRESHOLD_IMMEDIATE) return immediate_threshold(call, pairs, count);
-    const StatSource source = {call.xe, call.options, call.word, call.size, call.src};
-    const int64_t status = otsu_pairs(source, method, found);
-    return status == JORM_OK ? sheer_threshold(call, found, false) : status;
+    switch (method_code(method)) {
+    case JORM_THRESHOLD_IMMEDIATE:
+        return immediate_threshold(call, pairs, count);
+    case JORM_THRESHOLD_OTSU:
+        return otsu_threshold(call, method);
+    case JORM_THRESHOLD_USTO:
+        return usto_threshold(call, method);
+    default:
+        return JORM_EINVAL;
+    }
 }
 
 } // namespace jorm

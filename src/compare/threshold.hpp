@@ -1,5 +1,6 @@
 // Thresholds and the classes that they make.
 #pragma once
+#include "compare/compare_rows.hpp"
 #include "jorm/threshold.h"
 #include "stats/statistics.hpp"
 
@@ -22,9 +23,17 @@ int64_t otsu_pairs(StatSource s, const jorm_thhmethod *method, double *pairs);
 // Everything but overlap and layout, which any operation checks that writes the destination.
 int64_t check_threshold(Shape &shape, const ThresholdCall &call);
 
-// The upper class is what lies above the lower values of the pairs, and with `two` not above the upper ones.
-int64_t sheer_threshold(const ThresholdCall &call, const double *pairs, bool two);
+// The upper class is what lies above the lower values of the pairs, and with `two` not above the upper ones. Inverted,
+// the classes exchange what is written.
+int64_t sheer_threshold(const ThresholdCall &call, const double *pairs, bool two, bool inverted = false);
+void set_classes(CompareParams &p, uint32_t dst_type, bool inverted);
+
+// The same beside the mean of a window.
+int64_t adaptive_threshold(const ThresholdCall &call, const double *pairs);
+
 int64_t immediate_threshold(const ThresholdCall &call, const double *pairs, int32_t count);
+int64_t otsu_threshold(const ThresholdCall &call, const jorm_thhmethod *method);
+int64_t usto_threshold(const ThresholdCall &call, const jorm_thhmethod *method);
 int64_t method_threshold(const ThresholdCall &call, const jorm_thhmethod *method, const double *pairs, int32_t count);
 
 inline uint32_t method_code(const jorm_thhmethod *method) {

@@ -10,11 +10,11 @@ using u32 = uint32_t;
 
 template <class D, class A> void between(void *dst, const void *const *src, int64_t n, const RowParams &params) {
     const auto &p = static_cast<const BetweenParams &>(params);
-    const D yes = D(p.yes);
+    const D yes = D(p.yes), no = D(p.no);
     A lo, hi;
     __builtin_memcpy(&lo, &p.constant, sizeof lo);
     __builtin_memcpy(&hi, &p.upper, sizeof hi);
-    row1<D, A>(dst, src, n, [=](A a) { return D((lo <= a) & (a <= hi) ? yes : D(0)); });
+    row1<D, A>(dst, src, n, [=](A a) { return D((lo <= a) & (a <= hi) ? yes : no); });
 }
 
 // Differences of integers are exact, those of single precision rounded to double.
@@ -25,9 +25,9 @@ template <> struct Wide<f32> { using type = f64; };
 template <class D, class A> void excess(void *dst, const void *const *src, int64_t n, const RowParams &params) {
     using W = typename Wide<A>::type;
     const auto &p = static_cast<const ExcessParams &>(params);
-    const D yes = D(p.yes);
+    const D yes = D(p.yes), no = D(p.no);
     const W limit = W(p.limit);
-    row2<D, A, A>(dst, src, n, [=](A a, A mean) { return W(a) > W(mean) + limit ? yes : D(0); });
+    row2<D, A, A>(dst, src, n, [=](A a, A mean) { return W(a) > W(mean) + limit ? yes : no; });
 }
 
 } // namespace

@@ -42,9 +42,12 @@ int64_t JormThreshold(jorm_xe *xe, uint64_t options, const jorm_array *dst, cons
         if (status != JORM_OK) return status;
         params = {nullptr, common, 1};
     }
+    constexpr uint64_t with_hint = 0x300;
     jorm_pack pack;
-    return jorma_call(jorma_mappackL(&pack, fourcc("thsh"), to_proc(JormTGAthreshold), xe, options, &params, f.word, 3,
-                                     f.sizes(), PACKED_SLICE(to), PACKED_SLICE(from)));
+    jorma_mappackL(&pack, fourcc("thsh"), to_proc(JormTGAthreshold), xe, options | with_hint, &params, f.word, 3,
+                   f.sizes(), PACKED_SLICE(to), PACKED_SLICE(from));
+    pack.reduce_hint = 3; // planes have surroundings of their own
+    return jorma_call(&pack);
 }
 
 #define ONE_ARRAY(L) L##_PARAMS(, dst), L##_PARAMS(const, src)
@@ -64,6 +67,13 @@ int64_t JormTGAthreshold(jorm_xe *xe, uint64_t options, const void *params, uint
 METHOD_LAYER(jorma_ethreshold, A)
 METHOD_LAYER(jorma__ethreshold, D)
 
+#define ONE_METHOD(name, run)                                                                                          \
+    int64_t name(LEAD_PARAMS, ONE_ARRAY(D), const jorm_thhmethod *method, const double *, int32_t) {                   \
+        return run(CALL(D), method);                                                                                   \
+    }
+ONE_METHOD(jorma__ethreshold_otsu, otsu_threshold)
+ONE_METHOD(jorma__ethreshold_usto, usto_threshold)
+
 #define IMMEDIATE_LAYER(name, L)                                                                                       \
     int64_t name(LEAD_PARAMS, ONE_ARRAY(L), const double *thresholds, int32_t count) {                                 \
         return immediate_threshold(CALL(L), thresholds, count);                                                        \
@@ -76,4 +86,10 @@ int64_t jorma__sheer_threshold_n1(LEAD_PARAMS, ONE_ARRAY(D), const double *thres
 }
 int64_t jorma__sheer_threshold_n2(LEAD_PARAMS, ONE_ARRAY(D), const double *thresholds, int32_t) {
     return sheer_threshold(CALL(D), thresholds, true);
+}
+int64_t jorma__adaptive_threshold_n1(LEAD_PARAMS, ONE_ARRAY(D), const double *thresholds, int32_t) {
+    return adaptive_threshold(CALL(D), thresholds);
+}
+int64_t jorma__adaptive_threshold_n2(LEAD_PARAMS, ONE_ARRAY(D), const double *thresholds, int32_t) {
+    return adaptive_threshold(CALL(D), thresholds);
 }

@@ -4,12 +4,12 @@
 
 namespace jorm {
 
-// Rows write `yes` where a sample lies between `constant` and `upper`, both included, else 0.
+// Rows write `yes` where a sample lies between `constant` and `upper`, both included, else `no`.
 struct BetweenParams : CompareParams {
     uint32_t upper; // as `constant`
 };
 
-// Rows write `yes` where a sample exceeds that of a second source by more than the limit, else 0.
+// Rows write `yes` where a sample exceeds that of a second source by more than the limit, else `no`.
 struct ExcessParams : CompareParams {
     double limit;
 };
