@@ -250,6 +250,91 @@ TEST(Threshold, OtsuMethodTakesTheWholeRegion) {
     }
 }
 
+// Where position p of n lies when the picture is mirrored about its outermost samples.
+int mirrored(int p, int n) {
+    while (n > 1 && (p < 0 || p >= n)) p = p < 0 ? -p : 2 * n - 2 - p;
+    return n > 1 ? p : 0;
+}
+
+// The mean of the n by n window, in the samples' type.
+double window_mean(const Picture &src, const Index &size, const Index &i, int n) {
+    double total = 0;
+    for (int y = -n / 2; y <= n / 2; ++y)
+        for (int x = -n / 2; x <= n / 2; ++x)
+            total += src.get({i[0], mirrored(i[1] + y, size[1]), mirrored(i[2] + x, size[2]), i[3]});
+    return converted(src.a.eltype, total / (n * n));
+}
+
+Index windowed_size(Random &r, int axes) {
+    return {axes == 4 ? 2 : 1, r.of(std::array{1, 3, 20, 40}), r.of(std::array{1, 5, 33, 70}), r.of(std::array{1, 3})};
+}
+
+TEST(Threshold, AdaptiveComparesWithTheMean) {
+    Random r(76);
+    const Environment xe;
+    const uint32_t types[] = {JORM_U8, JORM_S16, JORM_S32, JORM_F32};
+    for (int round = 0; round < 60 && !HasFailure(); ++round) {
+        use_level(r.in(0, jorm::level_count - 1));
+        const int axes = r.in(3, 4);
+        const Index full = windowed_size(r, axes);
+        Picture src(r, r.of(types), full, false, axes), dst(r, JORM_U8, full, false, axes);
+        const bool real = src.a.eltype == JORM_F32;
+        src.fill([&] { return real ? r.in(0, 255) / 256. : r.in(0, 255); });
+        const double unit = real ? 1 / 256. : 1;
+        const double pairs[6] = {3.5 * unit, nan, -2 * unit, 5, r.of(std::array{0., nan, inf, -inf, 1e30}), 0};
+        ASSERT_EQ(JormThreshold(xe, 1, &dst.a, &src.a, nullptr, nullptr, nullptr, pairs, r.in(0, 2)), JORM_OK);
+        each(full, [&](const Index &i) {
+            const double mean = window_mean(src, full, i, 5);
+            ASSERT_EQ(dst.get(i), src.get(i) > mean + pairs[2 * i[3]] ? 255 : 0) << src.get(i) << " beside " << mean;
+        });
+    }
+}
+
+TEST(Threshold, UstoFlattensTheGround) {
+    Random r(77);
+    const Environment xe;
+    for (int round = 0; round < 40 && !HasFailure(); ++round) {
+        use_level(r.in(0, jorm::level_count - 1));
+        const int axes = r.in(3, 4);
+        const Index full = windowed_size(r, axes), plane = {1, full[1], full[2], full[3]};
+        const uint32_t type = r.of(std::array{JORM_U8, JORM_F32});
+        const bool real = type == JORM_F32;
+        Picture src(r, type, full, false, axes), dst(r, r.of(std::array{JORM_U8, JORM_S16}), full, false, axes);
+        int k = 0;
+        src.fill([&] { // marks on a ramp
+            const int ground = 60 + k++ * 150 / (full[0] * full[1] * full[2] * full[3]);
+            return (r.one_in(6) ? ground - r.in(30, 55) : ground + r.in(-4, 4)) / (real ? 256. : 1.);
+        });
+        jorm_thhmethod method = {};
+        method.word = JORM_THRESHOLD_USTO;
+        ASSERT_EQ(JormThreshold(xe, 0, &dst.a, &src.a, nullptr, nullptr, &method, nullptr, 0), JORM_OK);
+        for (int z = 0; z < full[0]; ++z) {
+            Picture flat(r, type, plane, true);
+            for (int c = 0; c < full[3]; ++c) {
+                double total = 0;
+                const auto difference = [&](const Index &i) {
+                    const Index at = {z, i[1], i[2], c};
+                    const double d = window_mean(src, full, at, 15) - src.get(at);
+                    return real ? float(d) : d;
+                };
+                const Index single = {1, full[1], full[2], 1};
+                each(single, [&](const Index &i) { total += difference(i); });
+                const double shift = (real ? 0.5 : 128) - total / (full[1] * full[2]);
+                each(single, [&](const Index &i) {
+                    const Index to = {0, i[1], i[2], c};
+                    store(type, flat.at(to), converted(type, difference(i) + shift));
+                });
+            }
+            double t[3];
+            ASSERT_EQ(JormComputeThresholdByOtsu(xe, 0, &flat.a, nullptr, t, nullptr, nullptr), JORM_OK);
+            each(plane, [&](const Index &i) {
+                const double largest = highest(dst.a.eltype);
+                ASSERT_EQ(dst.get({z, i[1], i[2], i[3]}), flat.get(i) > t[i[3]] ? 0 : largest);
+            });
+        }
+    }
+}
+
 TEST(Threshold, InPlace) {
     Random r(74);
     const Environment xe;
@@ -274,9 +359,9 @@ TEST(Threshold, StatusesComeInOrder) {
     Picture out = array(JORM_U8, 1), odd = array(JORM_U8, 1), s8 = array(JORM_S8, 1);
     odd.a.eltype = 5;
     const jorm_site outside = {{0, 4, 0, 0}, {1, 1, 1, 1}};
-    jorm_thhmethod otsu = {}, unknown = {};
-    otsu.word = JORM_THRESHOLD_OTSU, unknown.word = 7;
-    const double pair[2] = {3, 5};
+    jorm_thhmethod otsu = {}, usto = {}, unknown = {};
+    otsu.word = JORM_THRESHOLD_OTSU, usto.word = JORM_THRESHOLD_USTO, unknown.word = 7;
+    const double pair[2] = {3, 5}, adaptive[2] = {3, nan};
     const Bytes before = out.memory;
     const auto run = [&](const Picture &dst, const Picture &src, const jorm_site *roi, const jorm_thhmethod *m,
                          const double *p) { return JormThreshold(xe, 0, &dst.a, &src.a, roi, nullptr, m, p, 1); };
@@ -289,7 +374,11 @@ TEST(Threshold, StatusesComeInOrder) {
     expect_each(JORM_EEMPTY, {run(out, u8, &outside, &unknown, nullptr), run(out, u16, &outside, nullptr, pair)});
     expect_each(JORM_ENOTSUP, {run(out, u16, nullptr, nullptr, pair), run(f32, u8, nullptr, &otsu, pair),
                                run(u16, u8, nullptr, nullptr, pair), run(out, u16, nullptr, &otsu, nullptr)});
-    EXPECT_EQ(JormThreshold(nullptr, 0, &out.a, &u8.a, nullptr, nullptr, &otsu, nullptr, 0), JORM_ENOMEM);
+    EXPECT_EQ(run(out, s8, nullptr, nullptr, adaptive), JORM_ENOTSUP);
+    EXPECT_EQ(run(out, s8, nullptr, &usto, nullptr), JORM_ENOTSUP);
+    for (const jorm_thhmethod *m : {&otsu, &usto})
+        EXPECT_EQ(JormThreshold(nullptr, 0, &out.a, &u8.a, nullptr, nullptr, m, nullptr, 0), JORM_ENOMEM);
+    EXPECT_EQ(JormThreshold(nullptr, 0, &out.a, &u8.a, nullptr, nullptr, nullptr, adaptive, 0), JORM_ENOMEM);
     EXPECT_EQ(out.memory, before);
 
     double t[2] = {-7, -7};
