@@ -115,6 +115,68 @@ TEST_F(SepFilter, GaussianFilter) {
     each({1, 20, 33, 3}, [&](const Index &i) { ASSERT_EQ(a.get(i), b.get(i)); });
 }
 
+// Pixels that stand out are replaced by the mean of their surroundings, the others stay.
+TEST_F(SepFilter, Fireflies) {
+    for (int i = 0; i < 600; ++i) {
+        use_level(r.in(0, jorm::level_count - 1));
+        const uint32_t type = r.of(types);
+        const int channels = r.of(std::array{1, 3});
+        WindowCase c(r, type, channels, 6);
+        if (c.shape.extent[1] * c.shape.extent[2] == 1) c.shape.extent[2] = 3;
+        if (c.roi) c.roi->origin[3] = 0, c.roi->size[3] = 4;
+        c.picture.fill([&] { return double(r.one_in(9) ? r.in(0, 120) : r.in(50, 60)); });
+        const double sigmas[3] = {1, 1.5, 2}, lower[3] = {20, 30, 10}, upper[3] = {15, 25, 40};
+        const int first = 4 - c.src.ndims;
+        std::vector<double> w[3] = {{1}, {1}, {1}};
+        for (int k = first; k < 3; ++k) {
+            w[k].resize(size_t(c.shape.extent[k]));
+            jorm__computegauskernel1(w[k].data(), c.shape.anchor[k], c.shape.extent[k], sigmas[k - first]);
+        }
+        const bool dark = r.one_in(2), given = r.one_in(2);
+        const auto mean = [&](const Index &p) {
+            long double sum = 0, all = 0;
+            c.each_in_window(p, [&](double v, const Index &q) {
+                bool own = true;
+                for (size_t k = 0; k < 3; ++k) own = own && q[k] == c.shape.anchor[k];
+                const double weight = w[0][size_t(q[0])] * w[1][size_t(q[1])] * w[2][size_t(q[2])];
+                if (!own) sum += (long double)weight * v, all += weight;
+            });
+            return double(sum / all);
+        };
+        double low[3], high[3];
+        c.seen = c.picture.memory;
+        for (int k = 0; k < channels; ++k) {
+            double sum = 0, squares = 0, n = 0;
+            each(c.region.size, [&](const Index &p) {
+                if (p[3] == k) sum += c.at(p) - mean(p), squares += std::pow(c.at(p) - mean(p), 2), ++n;
+            });
+            const double usual = n > 0 ? 3 * std::sqrt(std::max(0.0, squares / n - sum / n * sum / n)) : 0;
+            low[k] = given ? lower[k] : usual;
+            high[k] = given ? upper[k] : usual;
+        }
+        SCOPED_TRACE(c.describe() + " channels " + std::to_string(channels));
+        c.check(
+            [&] {
+                const double *const u = given ? upper : nullptr, *const l = given ? lower : nullptr;
+                return dark ? JormFireflyEx(xe, c.flags, &c.dst, c.source(), c.destination_region(), c.source_region(),
+                                            &c.shape, sigmas, l, u)
+                            : JormFirefly(xe, c.flags, &c.dst, c.source(), c.destination_region(), c.source_region(),
+                                          &c.shape, sigmas, u);
+            },
+            [&](const Index &p) {
+                const double x = c.at(p), m = mean(p), k = size_t(p[3]);
+                const double bright = x - m - high[int(k)], dim = dark ? m - x - low[int(k)] : -1;
+                const double got = load(type, element(c.dst, sum(p, c.region.origin[0])));
+                const bool near_limit = std::fabs(bright) < 1e-3 || std::fabs(dim) < 1e-3;
+                const bool replaced = std::fabs(got - m) <= (type == JORM_F32 ? 1e-3 : 0.5 + 1e-6);
+                if (near_limit && (replaced || got == x)) return got;
+                return bright > 0 || dim > 0 ? (replaced ? got : m) : x;
+            },
+            [](double a, double b) { return same(a, b) || a == b; });
+        if (HasFailure()) return;
+    }
+}
+
 TEST_F(SepFilter, Refusals) {
     Picture one(r, JORM_U8, {1, 4, 4, 1}, true), two(r, JORM_U8, {1, 4, 4, 2}, true),
         real(r, JORM_F64, {1, 4, 4, 1}, true), wide(r, JORM_S16, {1, 4, 4, 1}, true);

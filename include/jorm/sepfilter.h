@@ -50,6 +50,18 @@ JORM_API void jorm_computegauskernel(uint32_t layout, const jorm_sepkernel *bloc
  * all it follows from the length n of the window: ((n - 1) / 2 - 1) 0.3 + 0.8. */
 JORM_API void jorm_adjustgaussigmas(uint32_t layout, double *out, const int32_t *extent, const double *given);
 
+/* Removes isolated bright pixels. For each pixel m is the Gaussian-weighted mean of its window without the pixel
+ * itself, the other weights divided by their sum; where src - m exceeds the threshold of its channel the result is m,
+ * rounded as above, elsewhere src. Ex also removes dark pixels, where m - src exceeds `lower`. Null thresholds are
+ * three standard deviations of src - m over the region, of each channel by itself. Shape and sigmas are those of the
+ * Gaussian filter; NaN is left alone. */
+JORM_API int64_t JormFirefly(jorm_xe *xe, uint64_t flags, const jorm_array *dst, const jorm_array *src,
+                             const jorm_site *roi, const jorm_site *src_roi, const jorm_seshape *shape,
+                             const double *sigmas, const double *thresholds);
+JORM_API int64_t JormFireflyEx(jorm_xe *xe, uint64_t flags, const jorm_array *dst, const jorm_array *src,
+                               const jorm_site *roi, const jorm_site *src_roi, const jorm_seshape *shape,
+                               const double *sigmas, const double *lower, const double *upper);
+
 /* ---- Layers below the entries, as in jorm/filter.h ---- */
 
 JORM_API int64_t jorma_esepfilter(jorm_xe *xe, uint64_t flags, uint32_t layout, const int32_t *size, uint32_t eltype,
@@ -82,6 +94,12 @@ JORM_API int64_t jorma_gaussianfilter(jorm_xe *xe, uint64_t flags, uint32_t layo
 JORM_API int64_t jorma__filter_gaussian(jorm_xe *xe, uint64_t flags, uint32_t layout, const int32_t *size,
                                         uint32_t eltype, void *dst, const int32_t *dst_strides, const void *src,
                                         const int32_t *src_strides, const jorm_seshape *shape, const double *sigmas);
+
+/* Dark pixels are removed when `dark` is not 0. */
+JORM_API int64_t jorma__firefly_gauss(jorm_xe *xe, uint64_t flags, uint32_t layout, const int32_t *size,
+                                      uint32_t eltype, void *dst, const int32_t *dst_strides, const void *src,
+                                      const int32_t *src_strides, const jorm_seshape *shape, const double *sigmas,
+                                      const double *lower, const double *upper, int32_t dark);
 
 typedef struct jorm_sepparams {
     jorm_sepkernel kernel;

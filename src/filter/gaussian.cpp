@@ -49,11 +49,7 @@ JORM_API void jorm_adjustgaussigmas(uint32_t layout, double *out, const int32_t 
     }
 }
 
-namespace {
-
-int64_t run_gaussian(WindowCall &c, const double *sigmas) {
-    if (window_line(c.type) < 0 || weighted_channels(c.code) == 0) return JORM_EINVAL;
-    if (check_only(c)) return JORM_OK;
+int64_t GaussianWeights::open(const WindowCall &c, const double *sigmas) {
     const int first = 4 - c.axes, k = 3 - first;
     int32_t anchor[3], extent[4] = {1, 1, 1, 0};
     int64_t length = 0;
@@ -62,15 +58,22 @@ int64_t run_gaussian(WindowCall &c, const double *sigmas) {
         extent[i] = int32_t(c.extent[i]);
         length += c.extent[i];
     }
-    const Scratch memory(c.xe, scratch_bytes(length, sizeof(double)), alignof(double));
-    if (!memory) return JORM_ENOMEM;
-    double *kernels[3] = {}, used[3];
-    SeparableWeights weights = {};
-    double *next = memory.as<double>();
-    for (int i = first; i < 3; next += extent[i++]) weights.axis[i] = kernels[i - first] = next;
+    memory_.emplace(c.xe, scratch_bytes(length, sizeof(double)), alignof(double));
+    if (!*memory_) return JORM_ENOMEM;
+    double *kernels[3] = {}, used[3], *next = memory_->as<double>();
+    for (int i = first; i < 3; next += extent[i++]) axis[i] = kernels[i - first] = next;
     jorm_adjustgaussigmas(JORM_WORD(c.axes), used, extent, sigmas);
     jorm__computegauskernel(k, kernels, anchor, extent + first, used);
-    return run_weights(c, weights);
+    return JORM_OK;
+}
+
+namespace {
+
+int64_t run_gaussian(WindowCall &c, const double *sigmas) {
+    if (const int64_t status = weights_serve(c); status != JORM_OK || check_only(c)) return status;
+    GaussianWeights weights;
+    const int64_t status = weights.open(c, sigmas);
+    return status == JORM_OK ? run_weights(c, weights) : status;
 }
 
 } // namespace

@@ -84,10 +84,10 @@ SeparableStage::Taps SeparableStage::make_taps(int64_t places, const double *wei
     return taps;
 }
 
-int64_t SeparableStage::open(WindowRows &in, const SeparableWeights &w) {
+int64_t SeparableStage::open(WindowRows &in, const SeparableWeights &w, bool precise) {
     in_ = &in;
     const WindowCall &c = in.call();
-    rows_ = JORM_OF_LEVEL(separable_rows, c.which) + line_of(c, single_serves(c, w));
+    rows_ = JORM_OF_LEVEL(separable_rows, c.which) + line_of(c, !precise && single_serves(c, w));
     const size_t rows = scratch_bytes(c.extent[0], c.extent[1], 3 * int64_t(sizeof(double)));
     const int64_t pitch = ring_pitch(in.whole() * rows_->sum_bytes);
     if (rows > SIZE_MAX / 8 || c.extent[2] > INT64_MAX / 64) return JORM_ENOMEM;
@@ -110,7 +110,8 @@ int64_t SeparableStage::open(WindowRows &in, const SeparableWeights &w) {
     return JORM_OK;
 }
 
-void SeparableStage::produce(int64_t y, void *row) {
+// The sums of the columns, and where the taps along the row find them.
+void SeparableStage::gather(int64_t y) {
     const WindowCall &c = in_->call();
     const int64_t top = y - c.before[1];
     const int64_t rows = down_.rows.paired ? 2 * down_.rows.count : down_.rows.count;
@@ -120,7 +121,16 @@ void SeparableStage::produce(int64_t y, void *row) {
     in_->complete(sums_, rows_->sum_bytes);
     const int64_t columns = along_.rows.paired ? 2 * along_.rows.count : along_.rows.count;
     for (int64_t i = 0; i < columns; ++i) along_.row[i] = sums_ + along_.place[i] * c.channels * rows_->sum_bytes;
-    rows_->along(row, spare_, along_.rows, c.row_elements());
+}
+
+void SeparableStage::produce(int64_t y, void *row) {
+    gather(y);
+    rows_->along(row, spare_, along_.rows, in_->call().row_elements());
+}
+
+void SeparableStage::produce_sums(int64_t y, void *row) {
+    gather(y);
+    rows_->along_sums(row, spare_, along_.rows, in_->call().row_elements());
 }
 
 int64_t separable(WindowCall &c, const SeparableWeights &weights) {

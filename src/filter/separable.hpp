@@ -15,9 +15,13 @@ struct SeparableWeights {
 // promised accuracy, in double precision otherwise.
 class SeparableStage : public RowStage {
 public:
-    int64_t open(WindowRows &in, const SeparableWeights &weights);
+    // Precise: in double precision whatever the weights, but for single precision itself.
+    int64_t open(WindowRows &in, const SeparableWeights &weights, bool precise = false);
     void begin_plane(int64_t z) override { in_->begin_plane(z); }
     void produce(int64_t y, void *row) override;
+    // The row before it is rounded, in the type of sums.
+    void produce_sums(int64_t y, void *row);
+    int32_t sum_bytes() const { return rows_->sum_bytes; }
 
 private:
     // A list of weights in the type of sums, and of the places that they belong to.
@@ -27,6 +31,7 @@ private:
         const void **row;     // of every weight, or pair
         const int64_t *place; // of every row in the list
     };
+    void gather(int64_t y);
     Taps make_taps(int64_t places, const double *weights, char *&memory) const;
 
     WindowRows *in_ = nullptr;

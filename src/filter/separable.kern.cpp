@@ -91,10 +91,14 @@ template <class T, class Sum> void along(void *to, void *spare, const WeightedRo
     rows.paired ? weigh<Sum, Sum, T, true>(t, s, rows, n) : weigh<Sum, Sum, T, false>(t, s, rows, n);
 }
 
+template <class Sum> void along_sums(void *to, void *spare, const WeightedRows &rows, int64_t n) {
+    along<Sum, Sum>(to, spare, rows, n);
+}
+
 } // namespace
 
 #define LINE(T, Sum)                                                                                                   \
-    { sizeof(Sum), down<T, Sum>, along<T, Sum> }
+    { sizeof(Sum), down<T, Sum>, along<T, Sum>, along_sums<Sum> }
 extern const SeparableRows separable_rows[];
 const SeparableRows separable_rows[] = {LINE(u8, f32), LINE(s16, f32), LINE(f32, f32),
                                         LINE(u8, f64), LINE(s16, f64), LINE(s32, f64)};

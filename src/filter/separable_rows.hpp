@@ -20,6 +20,8 @@ struct SeparableRows {
     void (*down)(void *sums, const WeightedRows &rows, int64_t n);
     // Sums of sums as elements: rounded to nearest even and clamped. `spare` has room for n sums.
     void (*along)(void *to, void *spare, const WeightedRows &rows, int64_t n);
+    // The same as they are.
+    void (*along_sums)(void *to, void *spare, const WeightedRows &rows, int64_t n);
 };
 enum SeparableLine : int { single_u8, single_s16, single_f32, double_u8, double_s16, double_s32 };
 
