@@ -58,9 +58,8 @@ int64_t watershed(const FloodCall &call, FloodKind kind, const jorm_fwtsparams *
     if (const int64_t status = check_flood(call, shape); status != JORM_OK) return status;
 
     jorm_fwtsres *const store = params->store;
-    RegionPool::release(store);
     const int32_t row = params->seed_row, column = params->seed_column;
-    if (row < 0 || row >= shape.rows || column < 0 || column >= shape.pixels) return JORM_OK;
+    bool found = row >= 0 && row < shape.rows && column >= 0 && column < shape.pixels;
     FloodSource source = {reinterpret_cast<const uint8_t *>(call.image.start),
                           row_stride(shape, call.image),
                           pixel_stride(shape, call.image),
@@ -73,10 +72,16 @@ int64_t watershed(const FloodCall &call, FloodKind kind, const jorm_fwtsparams *
                           0,
                           row,
                           column};
-    if (call.mask.start && !apply_mask(source, call, shape, row, column)) return JORM_OK;
-    if (++source.start_column >= source.columns) return JORM_OK; // the first column is border
+    if (found && call.mask.start) found = apply_mask(source, call, shape, row, column);
+    if (!found || ++source.start_column >= source.columns) { // the first column is border
+        RegionPool::release(store);
+        return JORM_OK;
+    }
     const int smallest = kind == FloodKind::fast ? 16 : 1;
-    return store->buffer ? flood_words(store, source, smallest) : flood_plane(call.xe, store, source, smallest);
+    const int64_t status =
+        store->buffer ? flood_words(store, source, smallest) : flood_plane(call.xe, store, source, smallest);
+    if (status != JORM_OK) RegionPool::release(store);
+    return status;
 }
 
 int64_t negotiate_flood(Front &front, const jorm_array *image, const jorm_array *mask, const jorm_site *roi) {

@@ -25,22 +25,25 @@ bool owns_storage(const jorm_fwtsres *store) { return store->storage == store->i
 
 } // namespace
 
-jorm_fwtsr *RegionPool::take_from_new_slab() {
-    slab_regions_ = std::clamp(2 * slab_regions_, first_slab, largest_slab);
-    const size_t bytes = sizeof(Slab) + slab_regions_ * sizeof(jorm_fwtsr);
-    auto *const slab = static_cast<Slab *>(JormFWTSRESalloca(store_, bytes, region_align));
-    if (!slab) return nullptr;
-    std::memset(static_cast<void *>(slab), 0, bytes);
-    next_ = slab->regions();
-    end_ = next_ + slab_regions_;
-    if (first_) {
-        slab->next = first_->next;
-        first_->next = slab;
-    } else {
-        first_ = slab;
-        ++next_; // kept for the root
+RegionPool::RegionPool(jorm_fwtsres *store) : store_(store), first_(slabs_of(store)) {
+    store->root = nullptr;
+    store->words = nullptr;
+}
+
+bool RegionPool::enter_next_slab() {
+    Slab *slab = current_ ? current_->next : first_;
+    if (!slab) {
+        const size_t count = std::clamp(2 * (current_ ? current_->count : 0), first_slab, largest_slab);
+        slab = static_cast<Slab *>(JormFWTSRESalloca(store_, sizeof(Slab) + count * sizeof(jorm_fwtsr), region_align));
+        if (!slab) return false;
+        *slab = {nullptr, count};
+        (current_ ? current_->next : first_) = slab;
     }
-    return next_++;
+    const bool first = !current_;
+    current_ = slab;
+    next_ = slab->regions() + first; // the first place is kept for the root
+    end_ = slab->regions() + slab->count;
+    return true;
 }
 
 void RegionPool::finish(jorm_fwtsr *root) {
@@ -52,15 +55,14 @@ void RegionPool::finish(jorm_fwtsr *root) {
 }
 
 void RegionPool::free_slabs(jorm_fwtsres *store, Slab *first) {
-    while (Slab *const slab = first->next) {
-        first->next = slab->next;
+    while (Slab *const slab = first) {
+        first = slab->next;
         JormFWTSRES_freea(store, slab);
     }
-    JormFWTSRES_freea(store, first);
 }
 
 void RegionPool::release(jorm_fwtsres *store) {
-    if (store->root) free_slabs(store, reinterpret_cast<Slab *>(store->root) - 1);
+    free_slabs(store, slabs_of(store));
     store->root = nullptr;
     store->words = nullptr;
 }

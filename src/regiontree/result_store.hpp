@@ -5,38 +5,44 @@
 namespace jorm {
 
 // Takes records from a store in slabs. The root moves to the start of the first slab in the end, so that the store's
-// root pointer leads to all of them.
+// root pointer leads to all of them. The next flood takes them over: giving them back one by one would not do, for
+// other blocks may lie above them in the storage.
 class RegionPool {
 public:
-    explicit RegionPool(jorm_fwtsres *store) : store_(store) {}
+    // Empties the store.
+    explicit RegionPool(jorm_fwtsres *store);
     RegionPool(const RegionPool &) = delete;
     RegionPool &operator=(const RegionPool &) = delete;
-    ~RegionPool() {
-        if (first_) free_slabs(store_, first_);
-    }
+    ~RegionPool() { free_slabs(store_, first_); }
 
     // A zeroed record, null without memory.
-    jorm_fwtsr *take() { return next_ != end_ ? next_++ : take_from_new_slab(); }
+    jorm_fwtsr *take() {
+        if (next_ == end_ && !enter_next_slab()) return nullptr;
+        *next_ = {};
+        return next_++;
+    }
 
     // Makes `root` the tree of the store, which owns the records from then on.
     void finish(jorm_fwtsr *root);
 
-    // Gives the tree that a store holds back to its storage.
+    // Empties the store and gives its records back to the storage.
     static void release(jorm_fwtsres *store);
 
 private:
     struct Slab {
-        Slab *next; // of the first slab: the latest one
-        uint64_t unused;
+        Slab *next;
+        size_t count;
         jorm_fwtsr *regions() { return reinterpret_cast<jorm_fwtsr *>(this + 1); }
     };
-    jorm_fwtsr *take_from_new_slab();
+    bool enter_next_slab();
+    static Slab *slabs_of(const jorm_fwtsres *store) {
+        return store->root ? reinterpret_cast<Slab *>(store->root) - 1 : nullptr;
+    }
     static void free_slabs(jorm_fwtsres *store, Slab *first);
 
     jorm_fwtsres *store_;
-    Slab *first_ = nullptr;
+    Slab *first_, *current_ = nullptr;
     jorm_fwtsr *next_ = nullptr, *end_ = nullptr;
-    size_t slab_regions_ = 0;
 };
 
 } // namespace jorm

@@ -1,0 +1,283 @@
+// Stable regions: detection against a slow one on real and made-up trees, generation with its passes, masks and memory.
+#include "support/flood_case.hpp"
+#include "support/heap.hpp"
+
+#include <functional>
+
+namespace {
+
+using Regions = std::vector<jorm_fwtsr *>;
+
+// The detection as it is defined, by recursion.
+struct SlowDetection {
+    jorm_msercriteria c;
+    Regions found;
+
+    bool detect(jorm_fwtsr *r) {
+        r->mser = 0;
+        bool any = false;
+        if (c.delta <= r->level)
+            for (jorm_fwtsr *x = r->child; x; x = x->next) any |= detect(x);
+        if (r->area < c.min_area || (r->area > c.max_area && !any)) return false;
+        const jorm_fwtsr *p = r->parent;
+        while (p && std::abs(p->level - r->level) < c.delta) p = p->parent;
+        if (!p) return false;
+        const bool exact = std::abs(p->level - r->level) == c.delta;
+        const float variation = exact ? std::fabs(float(p->area - r->area) / float(p->area)) : 0;
+        if (c.max_variation < variation) return false;
+        r->mser = r->area <= c.max_area;
+        if (r->mser) found.push_back(r);
+        diversify(r, r->child);
+        return r->mser;
+    }
+    void diversify(const jorm_fwtsr *r, jorm_fwtsr *x) {
+        for (; x; x = x->next) {
+            if (float(r->area - x->area) / float(r->area) >= c.min_diversity) continue;
+            if (x->mser)
+                x->mser = 0;
+            else
+                diversify(r, x->child);
+        }
+    }
+    const Regions &run(jorm_fwtsr *root) {
+        if (root) detect(root);
+        std::erase_if(found, [](const jorm_fwtsr *r) { return !r->mser; });
+        return found;
+    }
+};
+
+jorm_msercriteria some_criteria(Random &r) {
+    return {r.in(0, 40), r.in(0, 30), r.one_in(4) ? r.in(1, 60) : r.in(60, 4000), float(r.in(0, 100)) / 100,
+            float(r.in(0, 60)) / 100};
+}
+
+void each_region(jorm_fwtsr *root, const std::function<void(jorm_fwtsr *)> &f) {
+    Regions open;
+    if (root) open.push_back(root);
+    while (!open.empty()) {
+        jorm_fwtsr *const r = open.back();
+        open.pop_back();
+        f(r);
+        for (jorm_fwtsr *c = r->child; c; c = c->next) open.push_back(c);
+    }
+}
+
+auto facts(const jorm_fwtsr *r) { return std::tuple(r->level, r->area, r->seed, r->head); }
+
+struct Mser : jorm_mser {
+    Mser() : jorm_mser{} {}
+    ~Mser() { clear(); }
+    void clear() {
+        JormFWTSRESfini(dark_store);
+        JormFWTSRESfini(bright_store);
+        _UlMfree(regions.data);
+        static_cast<jorm_mser &>(*this) = {};
+    }
+    void set(const jorm_msercriteria &c) {
+        delta = c.delta;
+        min_area = c.min_area;
+        max_variation = c.max_variation;
+        min_diversity = c.min_diversity;
+    }
+};
+
+TEST(Detection, TreesOfPictures) {
+    Random r(11);
+    size_t found = 0;
+    for (int round = 0; round < 1500; ++round) {
+        const int H = r.in(4, 50), W = r.in(4, 50);
+        SlowFlood flood(flood_picture(r, H, W, round % flood_kinds), H, W,
+                        {.column = 1, .smallest = r.one_in(2) ? 16 : 1});
+        jorm_msercriteria c = some_criteria(r);
+        // Any subtree; flags from before; regions from elsewhere in the vector.
+        Regions all;
+        each_region(flood.root, [&](jorm_fwtsr *x) {
+            all.push_back(x);
+            x->mser = r.one_in(2);
+        });
+        jorm_fwtsr *const root = r.one_in(3) ? r.of(all) : flood.root;
+        jorm_fwtsr kept = {}, dropped = {};
+        kept.mser = 1;
+        jorm_vector v = {};
+        v.data = _UlMrealloc(nullptr, 2 * sizeof(void *));
+        v.capacity = v.count = 2;
+        static_cast<jorm_fwtsr **>(v.data)[0] = &dropped;
+        static_cast<jorm_fwtsr **>(v.data)[1] = &kept;
+
+        std::vector<uint32_t> flags, wanted_flags;
+        for (const jorm_fwtsr *x : all) flags.push_back(x->mser);
+        SlowDetection slow = {c, {&dropped, &kept}};
+        const Regions wanted = slow.run(root);
+        for (const jorm_fwtsr *x : all) wanted_flags.push_back(x->mser);
+        for (size_t i = 0; i < all.size(); ++i) all[i]->mser = flags[i];
+        ASSERT_EQ((r.one_in(2) ? JormDetectFMSERs : JormDetectMSERs)(&v, root, &c), &v);
+        auto *const list = static_cast<jorm_fwtsr **>(v.data);
+        ASSERT_EQ(Regions(list, list + v.count), wanted) << "round " << round;
+        for (size_t i = 0; i < all.size(); ++i) ASSERT_EQ(all[i]->mser, wanted_flags[i]);
+        found += v.count;
+        _UlMfree(v.data);
+    }
+    EXPECT_GT(found, 4000u);
+    jorm_vector none = {};
+    const jorm_msercriteria c = {};
+    EXPECT_EQ(JormDetectFMSERs(&none, nullptr, &c), &none);
+    EXPECT_EQ(none.count, 0u);
+}
+
+TEST(Detection, DeepTrees) {
+    const int32_t depth = 1000000;
+    std::vector<jorm_fwtsr> chain(static_cast<size_t>(depth));
+    for (int32_t i = 0; i < depth; ++i) {
+        jorm_fwtsr &x = chain[size_t(i)];
+        x.level = depth - i;
+        x.area = 2 * (depth - i);
+        if (i + 1 < depth) x.child = &chain[size_t(i + 1)];
+        if (i > 0) x.parent = &chain[size_t(i - 1)];
+    }
+    jorm_vector v = {};
+    const jorm_msercriteria c = {1, 10, depth, 0.5f, 0};
+    JormDetectFMSERs(&v, chain.data(), &c);
+    EXPECT_EQ(v.count, uint64_t(depth / 2 - 4));
+    _UlMfree(v.data);
+}
+
+TEST(Generation, ListsOfBothKinds) {
+    Random r(12);
+    Env xe;
+    Mser mser;
+    size_t found[2] = {};
+    for (int round = 0; round < 1200; ++round) {
+        const int H = r.in(2, 50), W = r.in(2, 50), n = H * W, kind = round % flood_kinds;
+        const Samples samples = flood_picture(r, H, W, kind);
+        const FloodArray image(r, samples, H, W), mask(r, Samples(samples.size(), 3), H, W);
+        jorm_msercriteria c = some_criteria(r);
+        mser.set(c);
+        mser.shift = uint8_t(r.one_in(2) ? 0 : r.in(0, 4));
+        mser.passes = uint16_t(r.in(0, 3));
+        mser.max_area_fraction = r.one_in(2) ? 0.5f : 0.9f;
+        mser.min_area_fraction = r.one_in(2) ? 0 : 0.01f;
+        mser.seed_row = r.in(0, H - 1);
+        mser.seed_column = r.in(0, W - 2);
+        if (r.one_in(5)) mser.clear(), mser.set(c), mser.max_area_fraction = 1;
+
+        const auto part = [=](float fraction) { return int32_t(float(n) * fraction); };
+        c.delta >>= mser.shift;
+        c.max_area = part(mser.max_area_fraction);
+        c.min_area = part(mser.min_area_fraction);
+        if (c.min_area == 0) c.min_area = mser.min_area > 0 ? mser.min_area : 9;
+        std::vector<std::tuple<int32_t, int32_t, int32_t, int32_t>> wanted[2], got[2];
+        const bool fast = r.one_in(2), masked = r.one_in(4);
+        for (const int bright : {0, 1}) {
+            if (mser.passes < 2 && mser.passes != bright) continue;
+            SlowFlood flood(samples, H, W,
+                            {.inverted = bright == 1,
+                             .shift = mser.shift,
+                             .row = mser.seed_row,
+                             .column = mser.seed_column + 1,
+                             .smallest = fast ? 16 : 1});
+            SlowDetection slow = {c, {}};
+            for (jorm_fwtsr *x : slow.run(flood.root)) {
+                if (bright) x->level ^= 255 >> mser.shift;
+                wanted[bright].push_back(facts(x));
+            }
+        }
+        const auto plain = fast ? JormGenerateFMSERs : JormGenerateMSERs;
+        const auto ex = fast ? JormGenerateFMSERsEx : JormGenerateMSERsEx;
+        ASSERT_EQ(masked ? ex(xe, 0, &image.a, &mask.a, nullptr, nullptr, &mser)
+                         : plain(xe, 0, &image.a, nullptr, &mser),
+                  JORM_OK);
+        for (uint32_t i = 0; i < mser.dark_count; ++i) got[0].push_back(facts(mser.dark[i]));
+        for (uint32_t i = 0; i < mser.bright_count; ++i) got[1].push_back(facts(mser.bright[i]));
+        ASSERT_EQ(mser.regions.count, mser.dark_count + mser.bright_count);
+        for (const int k : {0, 1}) {
+            // A masked flood from the seed on is the same but for the lists' order where rows were dropped: none is.
+            ASSERT_EQ(got[k], wanted[k]) << "round " << round << ", kind " << kind << ", " << k;
+            found[k] += got[k].size();
+        }
+        ASSERT_EQ(std::tuple(mser.volume[1], mser.volume[2], mser.volume[5]), std::tuple(H, W, image.a.stride[1]));
+    }
+    EXPECT_GT(std::min(found[0], found[1]), 500u);
+}
+
+TEST(Generation, StoresMemoryAndFailures) {
+    Random r(13);
+    const Samples samples = flood_picture(r, 80, 70, 3);
+    const FloodArray image(r, samples, 80, 70);
+    jorm_array wide = image.a;
+    wide.eltype = JORM_S8;
+    const auto prepare = [](jorm_mser &m) {
+        m.delta = 4;
+        m.min_area = 5;
+        m.max_area_fraction = 0.5f;
+        m.max_variation = 0.9f;
+        m.passes = 2;
+    };
+    Env xe;
+    { // A caller's stores on one storage, one of them with a buffer.
+        void *const storage = UlSMEMSTGopen(nullptr, 0, 0);
+        std::vector<uint32_t> buffer(80 * 70 + 2 * 72);
+        jorm_fwtsres store[2] = {};
+        JormFWTSRESinit(&store[0], buffer.data(), storage);
+        JormFWTSRESinit(&store[1], nullptr, storage);
+        jorm_mser m = {};
+        prepare(m);
+        m.dark_store = &store[0];
+        m.bright_store = &store[1];
+        for (int i = 0; i < 20; ++i) ASSERT_EQ(JormGenerateFMSERs(xe, 0, &image.a, nullptr, &m), JORM_OK);
+        const int calls = heap_calls;
+        for (int i = 0; i < 100; ++i) ASSERT_EQ(JormGenerateFMSERs(xe, 0, &image.a, nullptr, &m), JORM_OK);
+        EXPECT_EQ(heap_calls, calls);
+        EXPECT_EQ(store[0].words, buffer.data() + 72);
+        EXPECT_GT(std::min(m.dark_count, m.bright_count), 0u);
+        EXPECT_EQ(JormGenerateFMSERs(xe, 0, &wide, nullptr, &m), JORM_EINVAL);
+        EXPECT_EQ(std::tuple(m.dark_store, m.bright_store, m.regions.data, m.dark_count),
+                  std::tuple(nullptr, nullptr, nullptr, 0u));
+        for (jorm_fwtsres &s : store) JormFWTSRESfini(&s);
+        UlMEMSTGclose(storage);
+    }
+    { // A mask that selects nothing.
+        const FloodArray mask(r, Samples(samples.size()), 80, 70);
+        Mser m;
+        prepare(m);
+        EXPECT_EQ(JormGenerateMSERsEx(xe, 0, &image.a, &mask.a, nullptr, nullptr, &m), JORM_OK);
+        EXPECT_EQ(m.regions.count, 0u);
+        EXPECT_EQ(m.dark_store, &m.embedded[0]);
+    }
+    if (!own_heap) return;
+    int fails = 0;
+    for (int64_t calls = 0;; ++calls) {
+        const int64_t blocks = heap_blocks;
+        Mser m;
+        prepare(m);
+        Env own;
+        heap_calls_left = calls;
+        int64_t status = JormGenerateMSERs(own, 0, &image.a, nullptr, &m);
+        heap_calls_left = INT64_MAX;
+        const bool whole = status == JORM_OK && m.regions.capacity > 64;
+        if (status != JORM_OK) {
+            ASSERT_EQ(status, JORM_ENOMEM);
+            ASSERT_EQ(std::tuple(m.dark_store, m.bright_store, m.regions.data), std::tuple(nullptr, nullptr, nullptr));
+            ++fails;
+        }
+        ASSERT_EQ(JormGenerateMSERs(own, 0, &image.a, nullptr, &m), JORM_OK);
+        ASSERT_GT(m.regions.count, 64u);
+        m.clear();
+        JormXEfini(own);
+        ASSERT_EQ(heap_blocks, blocks);
+        if (whole) break;
+    }
+    EXPECT_GT(fails, 3);
+}
+
+TEST(Generation, VariationsOfAreas) {
+    jorm_fwtsr a = {}, b = {};
+    a.area = 30;
+    b.area = 40;
+    EXPECT_EQ(__JormMSERareaVariation(30, 40), 0.25f);
+    EXPECT_EQ(__JormMSERareaVariation(40, 30), float(-10) / 30);
+    EXPECT_EQ(__JormMSERareaVariationAbs(40, 30), float(10) / 30);
+    EXPECT_EQ(__JormMSERregionVariation(&b, &a), float(-10) / 30);
+    EXPECT_EQ(__JormMSERregionVariationAbs(&b, &a), float(10) / 30);
+}
+
+} // namespace
