@@ -26,30 +26,27 @@ jorm_array describe(const pb::Plane &plane) {
 struct Planes : pb::Data {
     pb::Plane framed2, framed16; // with a margin of so many pixels
     pb::Plane half, two_thirds;  // of the size
+    pb::Plane smooth;            // u8a smoothed, as the peers' cases of that name have it
 
     explicit Planes(const pb::Data &d)
         : pb::Data(d), framed2(frame(2)), framed16(frame(16)), half(plane(w / 2, h / 2)),
-          two_thirds(plane(w * 2 / 3, h * 2 / 3)) {}
-    ~Planes() {
-        std::free(framed2.data);
-        std::free(framed16.data);
-        std::free(half.data);
-        std::free(two_thirds.data);
-    pb::Plane smooth;            // u8a smoothed, as the peers' cases of that name have it
-
-    explicit Planes(const pb::Data &d) : pb::Data(d), framed2(frame(2)), framed16(frame(16)), smooth(frame(0)) {
+          two_thirds(plane(w * 2 / 3, h * 2 / 3)), smooth(frame(0)) {
         if (filters) smoothen();
     }
     ~Planes() {
-        std::free(framed2.data);
-        std::free(framed16.data);
-        std::free(smooth.data);
+        for (const pb::Plane *p : {&framed2, &framed16, &half, &two_thirds, &smooth}) std::free(p->data);
     }
     Planes(const Planes &) = delete;
 
 private:
     pb::Plane frame(int margin) const { return plane(w + 2 * margin, h + 2 * margin); }
     static pb::Plane plane(int w, int h) {
+        constexpr size_t block = size_t(2) << 20;
+        pb::Plane p = {nullptr, w, h, 1, pb::Elem::u8, size_t(w)};
+        const size_t bytes = (p.count() + block - 1) / block * block;
+        p.data = std::memset(std::aligned_alloc(block, bytes), 0, bytes);
+        return p;
+    }
     // A Gaussian of 7 x 7 pixels, sigma 1.5, mirrored at the edges.
     void smoothen() {
         double weight[7], sum = 0;
@@ -67,22 +64,13 @@ private:
                 smooth.as<uint8_t>()[size_t(y) * w + x] = uint8_t(std::lround(v));
             }
     }
-    pb::Plane frame(int margin) const {
-        constexpr size_t block = size_t(2) << 20;
-        pb::Plane p = {nullptr, w, h, 1, pb::Elem::u8, size_t(w)};
-        const size_t bytes = (p.count() + block - 1) / block * block;
-        p.data = std::memset(std::aligned_alloc(block, bytes), 0, bytes);
-        return p;
-    }
 };
 
 // What the cases work on: the planes as descriptors, under the same names, and room for scalar results.
 struct Scene {
     Planes planes;
     jorm_array u8a, u8b, u8c3, mask, s16a, s16b, s16w, f32a, f32b, f32w, out8, out16, out32f, framed2, framed16;
-    jorm_array half, two_thirds;
-    jorm_array u8a, u8b, u8c3, mask, s16a, s16b, s16w, f32a, f32b, f32w, out8, out16, out32f, framed2, framed16,
-        smooth;
+    jorm_array half, two_thirds, smooth;
     jorm_xe *xe;
     jorm_mser mser = {};
     double values[8];
@@ -92,10 +80,7 @@ struct Scene {
           s16a(describe(d.s16a)), s16b(describe(d.s16b)), s16w(describe(d.s16w)), f32a(describe(d.f32a)),
           f32b(describe(d.f32b)), f32w(describe(d.f32w)), out8(describe(d.out8)), out16(describe(d.out16)),
           out32f(describe(d.out32f)), framed2(describe(planes.framed2)), framed16(describe(planes.framed16)),
-          half(describe(planes.half)), two_thirds(describe(planes.two_thirds)), xe(JormXEopen(nullptr, nullptr, 0)) {}
-          xe(JormXEopen(nullptr, nullptr, 0)) {}
-    ~Scene() { JormXEclose(xe); }
-          out32f(describe(d.out32f)), framed2(describe(planes.framed2)), framed16(describe(planes.framed16)), smooth(describe(planes.smooth)),
+          half(describe(planes.half)), two_thirds(describe(planes.two_thirds)), smooth(describe(planes.smooth)),
           xe(JormXEopen(nullptr, nullptr, 0)) {
         const float pixels = float(d.w) * float(d.h);
         mser.delta = 5;
@@ -120,6 +105,8 @@ struct Scene {
     int64_t filter(const jorm_array &dst, const jorm_array &src, uint32_t kind, int32_t n) {
         jorm_seshape window;
         return JormFilter(xe, 0, &dst, &src, nullptr, nullptr, kind, __jorm_seshape__$g2(&window, n, n));
+    }
+
     // How often three of 256 values occur.
     int64_t histogram(const jorm_array &a) {
         jorm_histdesc d = {};
