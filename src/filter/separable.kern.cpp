@@ -34,6 +34,7 @@ void weigh_n(Out *to, const Sum *before, const void *const *row, const Sum *weig
     for (int k = 0; k < N; ++k) w[k] = weight[k];
     for (int64_t i = 0; i < n; ++i) {
         Sum sum = First ? Sum(0) : before[i];
+#pragma GCC unroll 8 // else the compiler leaves a loop of many rows in place, and no vectors come of it
         for (int k = 0; k < N; ++k) {
             const Sum x = Paired ? pair_of<In, Sum>(r[2 * k % (Paired ? 2 * N : N)][i], r[Paired ? 2 * k + 1 : k][i])
                                  : Sum(r[k][i]);
