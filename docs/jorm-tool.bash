@@ -3,7 +3,7 @@ _jorm_tool() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} words=
     COMPREPLY=()
     if [ "$COMP_CWORD" -eq 1 ]; then
-        words='info add sub diff min max mul blend negate and or xor convert gain clamp paint sheet hull border crop fill mask stats hist compare threshold resize matrix --help --version --manual --completion'
+        words='info add sub diff min max mul blend negate and or xor convert gain clamp paint sheet hull border crop fill mask stats hist compare threshold box gauss firefly erode dilate open close tophat bothat resize matrix --help --version --manual --completion'
     else
         case ${COMP_WORDS[1]}:$before in
         convert:--depth) words='8 16' ;;
@@ -11,6 +11,12 @@ _jorm_tool() {
         border:--mode) words='const replicate wrap reflect reflect101' ;;
         crop:--mode) words='const replicate wrap reflect reflect101' ;;
         compare:--relation) words='equal less less-or-equal greater greater-or-equal' ;;
+        erode:--shape) words='rectangle ellipse cross' ;;
+        dilate:--shape) words='rectangle ellipse cross' ;;
+        open:--shape) words='rectangle ellipse cross' ;;
+        close:--shape) words='rectangle ellipse cross' ;;
+        tophat:--shape) words='rectangle ellipse cross' ;;
+        bothat:--shape) words='rectangle ellipse cross' ;;
         info:*) case $word in -*) words='--help' ;; esac ;;
         add:*) case $word in -*) words='-o --output --wrap --help' ;; esac ;;
         sub:*) case $word in -*) words='-o --output --wrap --help' ;; esac ;;
@@ -37,6 +43,15 @@ _jorm_tool() {
         hist:*) case $word in -*) words='-o --output --bins --json --mask --help' ;; esac ;;
         compare:*) case $word in -*) words='-o --output --to --relation --help' ;; esac ;;
         threshold:*) case $word in -*) words='-o --output --level --help' ;; esac ;;
+        box:*) case $word in -*) words='-o --output --size --help' ;; esac ;;
+        gauss:*) case $word in -*) words='-o --output --size --sigma --help' ;; esac ;;
+        firefly:*) case $word in -*) words='-o --output --size --sigma --threshold --help' ;; esac ;;
+        erode:*) case $word in -*) words='-o --output --size --shape --mask --help' ;; esac ;;
+        dilate:*) case $word in -*) words='-o --output --size --shape --mask --help' ;; esac ;;
+        open:*) case $word in -*) words='-o --output --size --shape --mask --help' ;; esac ;;
+        close:*) case $word in -*) words='-o --output --size --shape --mask --help' ;; esac ;;
+        tophat:*) case $word in -*) words='-o --output --size --shape --mask --help' ;; esac ;;
+        bothat:*) case $word in -*) words='-o --output --size --shape --mask --help' ;; esac ;;
         resize:*) case $word in -*) words='-o --output --size --factor --help' ;; esac ;;
         matrix:*) case $word in -*) words='-o --output --by --help' ;; esac ;;
         esac

@@ -281,6 +281,65 @@ class Tool(unittest.TestCase):
             self.assertIn("--by", run("matrix", "c.png", "--by", by, "-o", "out.png", status=2).stderr)
         self.assertIn("colour", run("matrix", "a.pgm", "--by", "gray", "-o", "out.png", status=2).stderr)
 
+    def test_filters(self):
+        """Of pictures of 8 and 16 bits, grey and colour; each colour by itself, alpha as it was."""
+        w, h = 7, 5
+        full = [(dx, dy) for dy in (-1, 0, 1) for dx in (-1, 0, 1)]
+        plus = [(dx, dy) for dx, dy in full if dx == 0 or dy == 0]
+        long = [(dx, dy) for dy in (-1, 0, 1) for dx in range(-2, 3)]
+        round5 = [(dx, dy) for dy in range(-2, 3) for dx in range(-2, 3) if dx * dx + dy * dy < 8]
+        write_png("element.png", 3, [0, 255, 0, 255, 255, 255, 254, 255, 0], 0)
+
+        def over(plane, window, of, beyond=None):
+            """Beyond the edges the picture's mirror, or a value that never wins."""
+            def at(x, y):
+                if beyond is not None and not (0 <= x < w and 0 <= y < h):
+                    return beyond
+                x, y = abs(x), abs(y)
+                return plane[min(y, 2 * h - 2 - y) * w + min(x, 2 * w - 2 - x)]
+            return [of([at(x + dx, y + dy) for dx, dy in window]) for y in range(h) for x in range(w)]
+
+        for colour, depth in (0, 8), (0, 16), (6, 8), (6, 16):
+            n, top = CHANNELS[colour], 2 ** depth - 1
+            samples = [(i * i * 7919 + i * 104729) % (top + 1) for i in range(w * h * n)]
+            write_png("f.png", w, samples, colour, depth)
+
+            def opened(p, window):
+                return over(over(p, window, min), window, max, -1)
+
+            def closed(p, window):
+                return over(over(p, window, max), window, min, top + 1)
+
+            for words, expected in [
+                (["box", "--size", "5x3"], lambda p: over(p, long, lambda v: round(sum(v) / 15))),
+                (["gauss", "--size", "3x3", "--sigma", "1000"], lambda p: over(p, full, lambda v: round(sum(v) / 9))),
+                (["firefly", "--threshold", top], lambda p: p),
+                (["erode", "--size", "5x3"], lambda p: over(p, long, min)),
+                (["dilate", "--size", "3x3", "--shape", "cross"], lambda p: over(p, plus, max)),
+                (["dilate", "--shape", "ellipse"], lambda p: over(p, round5, max)),
+                (["erode", "--mask", "element.png"], lambda p: over(p, plus, min)),
+                (["open", "--size", "3x3"], lambda p: opened(p, full)),
+                (["close", "--size", "3x3", "--shape", "cross"], lambda p: closed(p, plus)),
+                (["tophat", "--size", "5x3"], lambda p: [a - b for a, b in zip(p, opened(p, long))]),
+                (["bothat", "--mask", "element.png"], lambda p: [b - a for a, b in zip(p, closed(p, plus))]),
+            ]:
+                run(*words, "f.png", "-o", "out.png")
+                found = read_png("out.png")[1]
+                for c in range(n):
+                    plane = samples[c::n]
+                    self.assertEqual(found[c::n], plane if c == 3 else expected(plane), (words, colour, depth, c))
+        spot = [10] * 12 + [200] + [10] * 12
+        write_pgm("spot.pgm", 5, spot)
+        for words in [], ["--threshold", "100"]:
+            run("firefly", *words, "spot.pgm", "-o", "out.png")
+            self.assertEqual(read_png("out.png")[1], [10] * 25)
+        run("gauss", "--sigma", "1,2", "spot.pgm", "-o", "out.png")
+        found = read_png("out.png")[1]
+        self.assertLess(found[11], found[7])  # steeper across than down
+        for words in [["box", "--size", "1x1"], ["gauss", "--sigma", "0"], ["gauss", "--sigma", "1,2,3"],
+                      ["erode", "--mask", "element.png", "--size", "3x3"], ["open", "--mask", "spot.pgm"]]:
+            run(*words, "spot.pgm", "-o", "out.png", status=2)
+
     def test_hull(self):
         write_pgm("dot.pgm", 4, [0, 0, 0, 0, 0, 128, 127, 0])
         self.assertIn("1 pixels\n", run("hull", "dot.pgm", "-o", "out.png").stdout)

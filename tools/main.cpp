@@ -17,6 +17,14 @@ const std::vector<Command> &commands() {
     const Option out_or_folder = {"output", "OUT", required,
                                   "the result, by its name .png, .jpg, .pgm or .ppm; - is standard output; or a "
                                   "folder, in which PNG files get the pictures' names"};
+    const Option window = {"size", "WxH", "5x5", "the window around each pixel"};
+    const Option deviation_window = {"size", "WxH", nullptr,
+                                     "the window around each pixel; as wide as --sigma needs if not given"};
+    const Option sigma = {"sigma", "S[,S]", nullptr,
+                          "the standard deviation in pixels, or those across and down; by --size if not given"};
+    const Option element_size = {"size", "WxH", "5x5", "the element; with odd sides nothing moves"};
+    const Option element_shape = {"shape", "NAME", "rectangle", "its shape", "rectangle ellipse cross"};
+    const Option element_mask = {"mask", "PICTURE", nullptr, "the white pixels of this picture as the element instead"};
     const char *border_modes = "const replicate wrap reflect reflect101";
 #define COMMAND(name, run, operands, summary, ...) {name, operands, summary, run, {__VA_ARGS__}},
     static const std::vector<Command> all = {

@@ -114,13 +114,17 @@ Picture read_mask(const std::string &path, const Picture &picture, bool inverted
     Picture read = read_picture(path);
     if (read.width != picture.width || read.height != picture.height)
         throw Failure("sizes differ: the picture is " + picture.shape() + ", the mask " + path + " is " + read.shape());
-    const int size = read.depth() / 8;
-    Picture mask(read.width, read.height, 1);
+    return mask_of(read, inverted);
+}
+
+Picture mask_of(Picture &picture, bool inverted) {
+    const int size = picture.depth() / 8;
+    Picture mask(picture.width, picture.height, 1);
     const jorm_array dst = mask.view();
     const Colour start = {inverted ? 255.0 : 0.0, 0, 0, 0};
     fill(dst, site(0, 0, mask.width, mask.height), start);
-    for (int i = 0; i < read.colour_count() * size; ++i) {
-        jorm_array part = read.channel(0);
+    for (int i = 0; i < picture.colour_count() * size; ++i) {
+        jorm_array part = picture.channel(0);
         part.eltype = JORM_U8;
         part.stride[3] = 1;
         part.loff = i;

@@ -106,8 +106,9 @@ Picture read_picture(const std::string &path); // "-" is standard input
 Picture read_same(const std::string &path, const Picture &first, const std::string &first_path);
 // The bytes of all colours of a pixel put together: not 0 where any colour differs from 0; inverted, not 255 where any
 // differs from white, for JORM_OPT_MASK_INVERT.
-Picture read_mask(const std::string &path, const Picture &picture, bool inverted = false);
-void write_picture(const std::string &path, Picture &); // "-" is standard output
+Picture mask_of(Picture &picture, bool inverted = false);
+Picture read_mask(const std::string &path, const Picture &picture, bool inverted = false); // of the picture's size
+void write_picture(const std::string &path, Picture &);                                    // "-" is standard output
 bool known_suffix(const std::string &path);
 
 // Reads each picture, lets the operation change it and writes it to -o, which is a folder for several of them.
