@@ -198,7 +198,7 @@ void check_immediate(Random &r) {
                 const Index at = sum(o, {z, 0, 0, 0});
                 uint8_t *const d = dst.at(at), *const x = src.at(at);
                 const uint32_t word = JORM_WORD(3);
-                const int32_t origin[3] = {0, 0, 0};
+                const int32_t origins[4] = {}, *const origin = origins + 1;
                 ASSERT_EQ(layer == 1   ? jorma__ethreshold(nullptr, 0, word, s, to, d, ds, from, x, ss, m, pairs, count)
                           : layer == 2 ? jorma_threshold(nullptr, 0, word, s, to, d, origin, ds, from, x, origin, ss,
                                                          pairs, count)

@@ -164,6 +164,8 @@ int64_t method_threshold(const ThresholdCall &call, const jorm_thhmethod *method
         return otsu_threshold(call, method);
     case JORM_THRESHOLD_USTO:
         return usto_threshold(call, method);
+    case JORM_THRESHOLD_BLUR:
+        return blur_threshold(call, method);
     default:
         return JORM_EINVAL;
     }

@@ -34,6 +34,7 @@ int64_t adaptive_threshold(const ThresholdCall &call, const double *pairs);
 int64_t immediate_threshold(const ThresholdCall &call, const double *pairs, int32_t count);
 int64_t otsu_threshold(const ThresholdCall &call, const jorm_thhmethod *method);
 int64_t usto_threshold(const ThresholdCall &call, const jorm_thhmethod *method);
+int64_t blur_threshold(const ThresholdCall &call, const jorm_thhmethod *method);
 int64_t method_threshold(const ThresholdCall &call, const jorm_thhmethod *method, const double *pairs, int32_t count);
 
 inline uint32_t method_code(const jorm_thhmethod *method) {

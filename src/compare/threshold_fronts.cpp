@@ -73,6 +73,7 @@ METHOD_LAYER(jorma__ethreshold, D)
     }
 ONE_METHOD(jorma__ethreshold_otsu, otsu_threshold)
 ONE_METHOD(jorma__ethreshold_usto, usto_threshold)
+ONE_METHOD(jorma__ethreshold_blur, blur_threshold)
 
 #define IMMEDIATE_LAYER(name, L)                                                                                       \
     int64_t name(LEAD_PARAMS, ONE_ARRAY(L), const double *thresholds, int32_t count) {                                 \

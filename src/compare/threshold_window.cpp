@@ -4,6 +4,7 @@
 #include "compare/threshold_rows.hpp"
 #include "jorm/arith.h"
 #include "jorm/filter.h"
+#include "jorm/sepfilter.h"
 #include "kernel/level_table.hpp"
 #include "xe/scratch.hpp"
 
@@ -159,6 +160,21 @@ int64_t usto_threshold(const ThresholdCall &call, const jorm_thhmethod *method) 
                    0, 0);
     });
     return status == JORM_OK ? classify(call, s, difference, method, true) : status;
+}
+
+int64_t blur_threshold(const ThresholdCall &call, const jorm_thhmethod *method) {
+    Shape s;
+    if (int64_t status = check_smooth(s, call); status != JORM_OK) return status;
+    if (empty(s)) return JORM_OK;
+    const Plane blurred(call.xe, call.src.type, s, s.channels);
+    if (!blurred) return JORM_ENOMEM;
+    const int64_t status = each_channel(call, s, blurred, [&](const Operand &from, const Operand &to) {
+        const jorm_seshape window = square(5);
+        const int32_t size[3] = {s.rows, s.pixels, 1};
+        return jorma__efilter_gaussian(call.xe, inner(call.options), three_axes, size, to.type, to.start,
+                                       to.stride, from.start, from.stride, &window, nullptr, nullptr, nullptr);
+    });
+    return status == JORM_OK ? classify(call, s, blurred, method, false) : status;
 }
 
 } // namespace jorm
