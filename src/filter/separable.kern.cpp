@@ -34,7 +34,6 @@ void weigh_n(Out *to, const Sum *before, const void *const *row, const Sum *weig
     for (int k = 0; k < N; ++k) w[k] = weight[k];
     for (int64_t i = 0; i < n; ++i) {
         Sum sum = First ? Sum(0) : before[i];
-#pragma GCC unroll 8 // else the compiler leaves a loop of many rows in place, and no vectors come of it
         for (int k = 0; k < N; ++k) {
             const Sum x = Paired ? pair_of<In, Sum>(r[2 * k % (Paired ? 2 * N : N)][i], r[Paired ? 2 * k + 1 : k][i])
                                  : Sum(r[k][i]);
@@ -44,42 +43,29 @@ void weigh_n(Out *to, const Sum *before, const void *const *row, const Sum *weig
     }
 }
 
-template <class In, class Sum, class Out, bool Paired, bool First>
+// As many weights as `count` says, at most N.
+template <class In, class Sum, class Out, bool Paired, bool First, int N>
 void weigh_few(Out *to, const Sum *before, const void *const *row, const Sum *weight, int64_t count, int64_t n) {
-    switch (count) {
-    case 1:
-        return weigh_n<In, Sum, Out, 1, Paired, First>(to, before, row, weight, n);
-    case 2:
-        return weigh_n<In, Sum, Out, 2, Paired, First>(to, before, row, weight, n);
-    case 3:
-        return weigh_n<In, Sum, Out, 3, Paired, First>(to, before, row, weight, n);
-    case 4:
-        return weigh_n<In, Sum, Out, 4, Paired, First>(to, before, row, weight, n);
-    case 5:
-        return weigh_n<In, Sum, Out, 5, Paired, First>(to, before, row, weight, n);
-    case 6:
-        return weigh_n<In, Sum, Out, 6, Paired, First>(to, before, row, weight, n);
-    case 7:
-        return weigh_n<In, Sum, Out, 7, Paired, First>(to, before, row, weight, n);
-    default:
-        return weigh_n<In, Sum, Out, 8, Paired, First>(to, before, row, weight, n);
-    }
+    if constexpr (N > 1)
+        if (count < N) return weigh_few<In, Sum, Out, Paired, First, N - 1>(to, before, row, weight, count, n);
+    weigh_n<In, Sum, Out, N, Paired, First>(to, before, row, weight, n);
 }
 
-constexpr int64_t group = 8;
+// Up to so many rows at a time does the compiler make vectors of the loop.
+constexpr int most_rows = 8;
 
 // Groups of weights gather in `sums` but for the last one, whose results go to `to`.
 template <class In, class Sum, class Out, bool Paired>
 void weigh(Out *to, Sum *sums, const WeightedRows &rows, int64_t n) {
     const void *const *row = rows.row;
     const Sum *weight = elements<Sum>(rows.weight);
-    constexpr int64_t rows_of_group = Paired ? 2 * group : group;
+    constexpr int group = Paired ? most_rows / 2 : most_rows;
     int64_t left = rows.count;
-    if (left <= group) return weigh_few<In, Sum, Out, Paired, true>(to, sums, row, weight, left, n);
+    if (left <= group) return weigh_few<In, Sum, Out, Paired, true, group>(to, sums, row, weight, left, n);
     weigh_n<In, Sum, Sum, group, Paired, true>(sums, sums, row, weight, n);
     for (left -= group; left > group; left -= group)
-        weigh_n<In, Sum, Sum, group, Paired, false>(sums, sums, row += rows_of_group, weight += group, n);
-    weigh_few<In, Sum, Out, Paired, false>(to, sums, row + rows_of_group, weight + group, left, n);
+        weigh_n<In, Sum, Sum, group, Paired, false>(sums, sums, row += most_rows, weight += group, n);
+    weigh_few<In, Sum, Out, Paired, false, group>(to, sums, row + most_rows, weight + group, left, n);
 }
 
 template <class T, class Sum> void down(void *sums, const WeightedRows &rows, int64_t n) {
