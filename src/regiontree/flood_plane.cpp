@@ -15,6 +15,7 @@ namespace jorm {
 namespace {
 
 constexpr uint32_t seen = 255, none = levels;
+constexpr int ahead = 8; // how far down in a pile pixels are fetched
 
 // Codes of the levels: a level above `split` has the code one less. Of the two that share the code `split` the lower
 // one may be unused; when both are used, `pair` is their code.
@@ -237,30 +238,33 @@ template <int smallest> int64_t PlaneFlood<smallest>::run() {
             next = *--sp;
         }
         for (;;) {
-            uint8_t *const at = plane + p;
-            const uint32_t v0 = at[1], v1 = at[-1], v2 = at[-stride], v3 = at[stride];
-            const uint32_t q0 = p + 1, q1 = p - 1, q2 = uint32_t(p - stride), q3 = uint32_t(p + stride);
-            const int32_t t0 = int32_t(v0 - code), t1 = int32_t(v1 - code), t2 = int32_t(v2 - code),
-                          t3 = int32_t(v3 - code);
-            const auto push = [&](uint32_t v, uint32_t q) { push_lane(top_of_, sp, next, v, code, q); };
-            if ((t0 | t1 | t2 | t3) < 0) {
+            uint8_t *at = plane + p;
+            const auto above = [at, code](int64_t step) { return int32_t(at[step]) - int32_t(code); };
+            const auto push = [&](uint32_t v, int64_t step) {
+                push_lane(top_of_, sp, next, v, code, p + uint32_t(step));
+            };
+            if ((above(1) | above(-1) | above(-stride) | above(stride)) < 0) {
                 // Down to the first lower neighbour; those before it are pushed, then the pixel itself.
-                uint32_t lowest = v3;
-                p = q3;
-                select_negative(p, lowest, t2, q2, v2);
-                select_negative(p, lowest, t1, q1, v1);
-                select_negative(p, lowest, t0, q0, v0);
-                const int32_t stop0 = t0 >> 31, stop1 = (t0 | t1) >> 31, stop2 = (t0 | t1 | t2) >> 31;
-                at[1] = uint8_t(v0 | ~uint32_t(stop0));
-                at[-1] = uint8_t(v1 | ~uint32_t(stop1));
-                at[-stride] = uint8_t(v2 | ~uint32_t(stop2));
-                push(uint8_t(v0 | uint32_t(stop0)), q0);
-                push(uint8_t(v1 | uint32_t(stop1)), q1);
-                push(uint8_t(v2 | uint32_t(stop2)), q2);
+                forget(at);
+                const uint32_t v0 = at[1], v1 = at[-1], v2 = at[-stride];
+                const int32_t t0 = int32_t(v0 - code), t1 = int32_t(v1 - code), t2 = int32_t(v2 - code);
+                uint32_t lower = p + uint32_t(stride), lowest = at[stride];
+                select_negative(lower, lowest, t2, p - uint32_t(stride), v2);
+                select_negative(lower, lowest, t1, p - 1, v1);
+                select_negative(lower, lowest, t0, p + 1, v0);
+                const uint32_t stop0 = uint32_t(t0 >> 31), stop1 = uint32_t((t0 | t1) >> 31),
+                               stop2 = uint32_t((t0 | t1 | t2) >> 31);
+                at[1] = uint8_t(v0 | ~stop0);
+                push(uint8_t(v0 | stop0), 1);
+                at[-1] = uint8_t(v1 | ~stop1);
+                push(uint8_t(v1 | stop1), -1);
+                at[-stride] = uint8_t(v2 | ~stop2);
+                push(uint8_t(v2 | stop2), -stride);
                 top_of_[seen] = seen_;
                 sp[0] = next;
-                sp[1] = uint32_t(at - plane);
+                sp[1] = p;
                 top_of_[code] = sp + 2;
+                p = lower;
                 code = lowest;
                 plane[p] = seen;
                 fell = true;
@@ -268,20 +272,22 @@ template <int smallest> int64_t PlaneFlood<smallest>::run() {
             }
             if (fell) components_.open(top, coding_.level(code), p, done);
             fell = false;
-            at[1] = at[-1] = at[-stride] = at[stride] = seen;
-            push(v0, q0);
-            push(v1, q1);
-            push(v2, q2);
-            push(v3, q3);
+            forget(at);
+            for (const int64_t step : {int64_t(1), int64_t(-1), -stride, stride}) {
+                const uint32_t v = at[step];
+                at[step] = seen;
+                push(v, step);
+            }
             top_of_[seen] = seen_;
             top->head = p;
             ++done;
             if (next == no_pixel) break;
             p = next;
             next = *--sp;
-            __builtin_prefetch(plane + sp[-6]);
-            __builtin_prefetch(plane + sp[-6] - stride);
-            __builtin_prefetch(plane + sp[-6] + stride);
+            const uint8_t *const soon = plane + sp[-ahead];
+            __builtin_prefetch(soon);
+            __builtin_prefetch(soon - stride);
+            __builtin_prefetch(soon + stride);
         }
     }
     return components_.finish(top, done) ? JORM_OK : JORM_ENOMEM;
@@ -294,12 +300,11 @@ int64_t plane_stride(int32_t columns) { return columns >= 1024 && columns % 1024
 
 template <int smallest> int64_t flood_with(jorm_xe *xe, jorm_fwtsres *store, const FloodSource &source) {
     using Flood = PlaneFlood<smallest>;
-    constexpr size_t ahead = 8; // what looks ahead in a pile may look below it
     uint32_t histogram[levels];
     count_levels(histogram, source);
     const Coding coding = choose_coding(histogram);
     const int64_t stride = plane_stride(source.columns);
-    size_t entries = ahead + levels;
+    size_t entries = 2 * ahead + levels;
     for (uint32_t l = 0; l < levels; ++l) entries += histogram[l];
     if (coding.pair != none) entries += histogram[coding.pair] + histogram[coding.pair + 1];
     const size_t bytes = entries * sizeof(uint32_t) + Flood::plane_bytes(source, stride);
@@ -311,8 +316,8 @@ template <int smallest> int64_t flood_with(jorm_xe *xe, jorm_fwtsres *store, con
     {
         Flood flood(store, source, stride, coding);
         auto *const waiting = static_cast<uint32_t *>(memory);
-        std::fill_n(waiting, ahead, 0u);
-        flood.lay_out(waiting + ahead, histogram);
+        std::fill_n(waiting, 2 * ahead, 0u); // what looks ahead may look below the lowest pile
+        flood.lay_out(waiting + 2 * ahead, histogram);
         flood.build(reinterpret_cast<uint8_t *>(waiting + entries));
         status = flood.run();
     }

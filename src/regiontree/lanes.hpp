@@ -9,6 +9,13 @@ namespace jorm {
 #define JORM_CMOV 1
 #endif
 
+// What was read through p is read again from here on: cheaper than to keep it in registers, of which there are few.
+template <class T> void forget(T *&p) {
+#if defined(__GNUC__)
+    asm("" : "+r"(p));
+#endif
+}
+
 inline uint32_t smaller(uint32_t a, uint32_t b) {
 #if JORM_CMOV
     asm("cmpl %[b], %[a]\n\tcmoval %[b], %[a]" : [a] "+r"(a) : [b] "r"(b) : "cc");
