@@ -87,6 +87,16 @@ private:
         return source_.level(sample) > coding_.pair;
     }
 
+    // Takes the top pixel off a pile and tells what lies below it.
+    uint32_t pop(uint32_t code) {
+        uint32_t *const top = --top_of_[code];
+        const uint8_t *const soon = plane_ + top[-ahead];
+        __builtin_prefetch(soon);
+        __builtin_prefetch(soon - stride_);
+        __builtin_prefetch(soon + stride_);
+        return top[-1];
+    }
+
     const FloodSource &source_;
     const int64_t stride_;
     const Coding coding_;
@@ -212,7 +222,6 @@ template <int smallest> int64_t PlaneFlood<smallest>::run() {
     bool fell = true; // down to p, where nothing is open at this level yet; otherwise up, to what waits there
     for (;;) {
         if (!fell) {
-            top_of_[code] = base_of_[code];
             do ++code;
             while (top_of_[code] == base_of_[code]);
             if (code == seen) break;
@@ -229,19 +238,21 @@ template <int smallest> int64_t PlaneFlood<smallest>::run() {
             if (fell) p = pixel_, code = code_;
             continue;
         }
-        // The waiting pixels of the present code: `next`, then those below sp.
-        uint32_t *sp = base_of_[code] - 1, next = no_pixel;
+        uint32_t next = no_pixel; // what waits on top at the present code, the end mark when nothing does
         if (!fell) {
-            sp = top_of_[code] - 1;
-            p = *sp;
+            p = top_of_[code][-1];
+            next = pop(code);
             if (!rise<smallest>(components_, top, int32_t(coding_.level(code)), p, done, no_list)) return JORM_ENOMEM;
-            next = *--sp;
         }
         for (;;) {
             uint8_t *at = plane + p;
             const auto above = [at, code](int64_t step) { return int32_t(at[step]) - int32_t(code); };
             const auto push = [&](uint32_t v, int64_t step) {
-                push_lane(top_of_, sp, next, v, code, p + uint32_t(step));
+                const uint32_t q = p + uint32_t(step);
+                uint32_t *const to = top_of_[v];
+                *to = q;
+                top_of_[v] = to + 1;
+                select_equal(next, v, code, q);
             };
             if ((above(1) | above(-1) | above(-stride) | above(stride)) < 0) {
                 // Down to the first lower neighbour; those before it are pushed, then the pixel itself.
@@ -261,9 +272,7 @@ template <int smallest> int64_t PlaneFlood<smallest>::run() {
                 at[-stride] = uint8_t(v2 | ~stop2);
                 push(uint8_t(v2 | stop2), -stride);
                 top_of_[seen] = seen_;
-                sp[0] = next;
-                sp[1] = p;
-                top_of_[code] = sp + 2;
+                *top_of_[code]++ = p;
                 p = lower;
                 code = lowest;
                 plane[p] = seen;
@@ -283,11 +292,7 @@ template <int smallest> int64_t PlaneFlood<smallest>::run() {
             ++done;
             if (next == no_pixel) break;
             p = next;
-            next = *--sp;
-            const uint8_t *const soon = plane + sp[-ahead];
-            __builtin_prefetch(soon);
-            __builtin_prefetch(soon - stride);
-            __builtin_prefetch(soon + stride);
+            next = pop(code);
         }
     }
     return components_.finish(top, done) ? JORM_OK : JORM_ENOMEM;

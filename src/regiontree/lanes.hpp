@@ -51,6 +51,16 @@ inline void link_lane(uint32_t &link, uint32_t &next, uint32_t a, uint32_t b, ui
 #endif
 }
 
+// When a == b: x = y.
+inline void select_equal(uint32_t &x, uint32_t a, uint32_t b, uint32_t y) {
+#if JORM_CMOV
+    asm("cmpl %[b], %[a]\n\tcmovel %[y], %[x]" : [x] "+r"(x) : [a] "r"(a), [b] "r"(b), [y] "r"(y) : "cc");
+#else
+    const uint32_t m = 0 - uint32_t(a == b);
+    x = (y & m) | (x & ~m);
+#endif
+}
+
 // When t < 0: a = x, b = y.
 inline void select_negative(uint32_t &a, uint32_t &b, int32_t t, uint32_t x, uint32_t y) {
 #if JORM_CMOV
@@ -63,32 +73,6 @@ inline void select_negative(uint32_t &a, uint32_t &b, int32_t t, uint32_t x, uin
     a = (x & m) | (a & ~m);
     b = (y & m) | (b & ~m);
 #endif
-}
-
-// Pushes a pixel on the pile of its code, top[v]. The pile of the present code lies in `sp` and `next`: when v == code,
-// the pixel becomes next, and what was next is pushed under it.
-inline void push_lane(uint32_t **top, uint32_t *&sp, uint32_t &next, uint32_t v, uint32_t code, uint32_t pixel) {
-    uint32_t *to = top[v], *after;
-    uint32_t value = pixel;
-#if JORM_CMOV
-    asm("cmpl %[code], %[v]\n\tcmovel %[next], %[value]\n\tcmovel %[pixel], %[next]\n\tcmoveq %[sp], %[to]\n\t"
-        "leaq 4(%[to]), %[after]\n\tcmoveq %[after], %[sp]"
-        : [value] "+&r"(value), [next] "+&r"(next), [to] "+&r"(to), [sp] "+&r"(sp), [after] "=&r"(after)
-        : [v] "r"(v), [code] "r"(code), [pixel] "r"(pixel)
-        : "cc");
-#else
-    const bool equal = v == code;
-    const uint32_t m = 0 - uint32_t(equal);
-    value = (next & m) | (pixel & ~m);
-    next = (pixel & m) | (next & ~m);
-    const uintptr_t wide = 0 - uintptr_t(equal);
-    const uintptr_t here = reinterpret_cast<uintptr_t>(sp);
-    to = reinterpret_cast<uint32_t *>((here & wide) | (reinterpret_cast<uintptr_t>(to) & ~wide));
-    after = to + 1;
-    sp += equal;
-#endif
-    *to = value;
-    top[v] = after;
 }
 
 } // namespace jorm
