@@ -9,6 +9,7 @@
 #include "regiontree/lanes.hpp"
 
 #include <cstring>
+#include <initializer_list>
 
 namespace jorm {
 namespace {
@@ -35,27 +36,6 @@ uint32_t *build_words(uint32_t *buffer, const FloodSource &s) {
     return words;
 }
 
-// One neighbour.
-struct Lane {
-    uint32_t *word;
-    uint32_t pixel, old;
-    uint32_t level; // `seen` or above when it is not fresh
-    Lane(uint32_t *words, int64_t pixel)
-        : word(words + pixel), pixel(uint32_t(pixel)), old(*word), level(old ^ fresh_bit) {}
-    int32_t above(uint32_t l) const { return int32_t(smaller(level, seen)) - int32_t(l); }
-};
-
-// Pushes a fresh neighbour that is not lower: one of the present level on top of `next`, which heads its bucket, any
-// other to its bucket. Leaves one that is not fresh, or not `wanted`, as it is.
-inline void push(const Lane &lane, uint32_t level, uint32_t *head, uint32_t &next) {
-    const uint32_t bucket = smaller(lane.level, seen);
-    uint32_t link = head[bucket];
-    link_lane(link, next, bucket, level, lane.pixel);
-    link = select_below(lane.level, seen, link, lane.old);
-    *lane.word = link;
-    head[bucket] = lane.pixel;
-}
-
 template <int smallest> int64_t run(jorm_fwtsres *store, uint32_t *words, const FloodSource &source) {
     const int64_t row = source.columns;
     uint32_t head[levels + 1]; // the last one belongs to the pixels that have been seen and must not look empty
@@ -68,46 +48,54 @@ template <int smallest> int64_t run(jorm_fwtsres *store, uint32_t *words, const 
     uint32_t p = uint32_t(source.start_row * row + source.start_column), next = no_pixel;
     uint32_t level = words[p] & 255;
     words[p] = no_pixel;
-
-    // Each round has a pixel p; when `opened` is false nothing is open at its level yet.
-    bool opened = false;
+    bool fell = true; // down to p, where nothing is open at this level yet
     for (;;) {
-        Lane right(words, int64_t(p) + 1), left(words, int64_t(p) - 1), up(words, p - row), down(words, p + row);
-        const int32_t t0 = right.above(level), t1 = left.above(level), t2 = up.above(level), t3 = down.above(level);
-        if ((t0 | t1 | t2 | t3) < 0) {
+        // `next` heads the bucket of the present level.
+        uint32_t *at = words + p;
+        const auto above = [at, level](int64_t step) {
+            return int64_t(int32_t(at[step])) - int32_t(level ^ fresh_bit); // of those seen far above
+        };
+        if ((above(1) | above(-1) | above(-row) | above(row)) < 0) {
             // Down to the first lower neighbour; those before it are pushed, then the pixel itself.
-            uint32_t q = down.pixel, lower = down.level;
-            select_negative(q, lower, t2, up.pixel, up.level);
-            select_negative(q, lower, t1, left.pixel, left.level);
-            select_negative(q, lower, t0, right.pixel, right.level);
-            right.level |= uint32_t(t0) & fresh_bit;
-            left.level |= uint32_t(t0 | t1) & fresh_bit;
-            up.level |= uint32_t(t0 | t1 | t2) & fresh_bit;
-            push(right, level, head, next);
-            push(left, level, head, next);
-            push(up, level, head, next);
-            words[p] = next;
+            forget(at);
+            uint32_t w0 = at[1], w1 = at[-1], w2 = at[-row], lowest = at[row];
+            const auto lower = [level](uint32_t word) { return int32_t(smaller(word ^ fresh_bit, seen) - level); };
+            const int32_t t0 = lower(w0), t1 = lower(w1), t2 = lower(w2);
+            uint32_t q = p + uint32_t(row);
+            select_negative(q, lowest, t2, p - uint32_t(row), w2);
+            select_negative(q, lowest, t1, p - 1, w1);
+            select_negative(q, lowest, t0, p + 1, w0);
+            const auto push_before = [&](int64_t step, uint32_t word, int32_t stop) {
+                const uint32_t v = (word ^ fresh_bit) | (uint32_t(stop) & fresh_bit), bucket = smaller(v, seen);
+                at[step] = select_below(v, seen, head[bucket], word);
+                head[bucket] = p + uint32_t(step);
+            };
+            push_before(1, w0, t0);
+            push_before(-1, w1, t0 | t1);
+            push_before(-row, w2, t0 | t1 | t2);
+            words[p] = head[level];
             head[level] = p;
             p = q;
-            level = lower;
+            level = lowest & 255;
             next = no_pixel;
             words[p] = no_pixel;
-            opened = false;
+            fell = true;
             continue;
         }
-        if (!opened) {
-            components.open(top, level, p, done);
-            opened = true;
+        if (fell) components.open(top, level, p, done);
+        fell = false;
+        forget(at);
+        for (const int64_t step : {int64_t(1), int64_t(-1), -row, row}) {
+            const uint32_t word = at[step], v = word ^ fresh_bit, bucket = smaller(v, seen);
+            const uint32_t q = p + uint32_t(step);
+            at[step] = select_below(v, seen, head[bucket], word);
+            head[bucket] = q;
+            select_equal(next, bucket, level, q);
         }
-        push(right, level, head, next);
-        push(left, level, head, next);
-        push(up, level, head, next);
-        push(down, level, head, next);
-        words[p] = top->head;
+        *at = top->head;
         top->head = p;
         ++done;
         if (next == no_pixel) {
-            head[level] = no_pixel;
             do ++level;
             while (head[level] == no_pixel);
             if (level == seen) break;
@@ -119,6 +107,7 @@ template <int smallest> int64_t run(jorm_fwtsres *store, uint32_t *words, const 
         }
         p = next;
         next = words[p];
+        head[level] = next;
         // The pixel after the next one; the end mark asks for nothing that matters.
         const uint32_t *const soon = words + words[select_below(next, no_pixel, next, p)];
         __builtin_prefetch(soon);

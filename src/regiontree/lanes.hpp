@@ -37,20 +37,6 @@ inline uint32_t select_below(uint32_t a, uint32_t b, uint32_t yes, uint32_t no) 
 #endif
 }
 
-// When a == b: link = next, next = pixel.
-inline void link_lane(uint32_t &link, uint32_t &next, uint32_t a, uint32_t b, uint32_t pixel) {
-#if JORM_CMOV
-    asm("cmpl %[b], %[a]\n\tcmovel %[next], %[link]\n\tcmovel %[pixel], %[next]"
-        : [link] "+r"(link), [next] "+r"(next)
-        : [a] "r"(a), [b] "r"(b), [pixel] "r"(pixel)
-        : "cc");
-#else
-    const uint32_t m = 0 - uint32_t(a == b);
-    link = (next & m) | (link & ~m);
-    next = (pixel & m) | (next & ~m);
-#endif
-}
-
 // When a == b: x = y.
 inline void select_equal(uint32_t &x, uint32_t a, uint32_t b, uint32_t y) {
 #if JORM_CMOV
