@@ -258,37 +258,32 @@ template <int smallest> int64_t PlaneFlood<smallest>::run() {
             if ((above(1) | above(-1) | above(-stride) | above(stride)) < 0) {
                 // Down to the first lower neighbour; those before it are pushed, then the pixel itself.
                 forget(at);
-                const uint32_t v0 = at[1], v1 = at[-1], v2 = at[-stride];
-                const int32_t t0 = int32_t(v0 - code), t1 = int32_t(v1 - code), t2 = int32_t(v2 - code);
-                uint32_t lower = p + uint32_t(stride), lowest = at[stride];
-                select_negative(lower, lowest, t2, p - uint32_t(stride), v2);
-                select_negative(lower, lowest, t1, p - 1, v1);
-                select_negative(lower, lowest, t0, p + 1, v0);
-                const uint32_t stop0 = uint32_t(t0 >> 31), stop1 = uint32_t((t0 | t1) >> 31),
-                               stop2 = uint32_t((t0 | t1 | t2) >> 31);
-                at[1] = uint8_t(v0 | ~stop0);
-                push(uint8_t(v0 | stop0), 1);
-                at[-1] = uint8_t(v1 | ~stop1);
-                push(uint8_t(v1 | stop1), -1);
-                at[-stride] = uint8_t(v2 | ~stop2);
-                push(uint8_t(v2 | stop2), -stride);
+                for (const int64_t step : {int64_t(1), int64_t(-1), -stride, stride}) {
+                    const uint32_t v = at[step];
+                    at[step] = seen;
+                    if (v < code) {
+                        *top_of_[code]++ = p;
+                        p += uint32_t(step);
+                        code = v;
+                        break;
+                    }
+                    push(v, step);
+                }
                 top_of_[seen] = seen_;
-                *top_of_[code]++ = p;
-                p = lower;
-                code = lowest;
-                plane[p] = seen;
                 fell = true;
                 break;
             }
             if (fell) components_.open(top, coding_.level(code), p, done);
             fell = false;
-            forget(at);
-            for (const int64_t step : {int64_t(1), int64_t(-1), -stride, stride}) {
-                const uint32_t v = at[step];
-                at[step] = seen;
-                push(v, step);
+            if ((at[1] & at[-1] & at[-stride] & at[stride]) != seen) {
+                forget(at);
+                for (const int64_t step : {int64_t(1), int64_t(-1), -stride, stride}) {
+                    const uint32_t v = at[step];
+                    at[step] = seen;
+                    push(v, step);
+                }
+                top_of_[seen] = seen_;
             }
-            top_of_[seen] = seen_;
             top->head = p;
             ++done;
             if (next == no_pixel) break;
