@@ -1,4 +1,4 @@
-// The flood: what it is given, the components that are open while it runs, and its two layouts.
+// The flood: what it is given, and the components that are open while it runs.
 #pragma once
 #include "regiontree/result_store.hpp"
 
@@ -87,10 +87,8 @@ template <int smallest, class Join>
     return true;
 }
 
-// Floods into the store's buffer, which holds the pixel lists afterwards.
-int64_t flood_words(jorm_fwtsres *store, const FloodSource &source, int smallest);
-
-// Floods without lists, in working memory of the environment, or of the store when there is none.
-int64_t flood_plane(jorm_xe *xe, jorm_fwtsres *store, const FloodSource &source, int smallest);
+// Floods, in working memory of the environment, or of the store when there is none. A buffer of the store holds the
+// pixel lists afterwards.
+int64_t flood(jorm_xe *xe, jorm_fwtsres *store, const FloodSource &source, int smallest);
 
 } // namespace jorm

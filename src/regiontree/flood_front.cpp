@@ -78,8 +78,7 @@ int64_t watershed(const FloodCall &call, FloodKind kind, const jorm_fwtsparams *
         return JORM_OK;
     }
     const int smallest = kind == FloodKind::fast ? 16 : 1;
-    const int64_t status =
-        store->buffer ? flood_words(store, source, smallest) : flood_plane(call.xe, store, source, smallest);
+    const int64_t status = flood(call.xe, store, source, smallest);
     if (status != JORM_OK) RegionPool::release(store);
     return status;
 }

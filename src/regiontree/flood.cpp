@@ -1,12 +1,16 @@
-// The flood without pixel lists, through a plane of one byte for each pixel and an array of waiting pixels for each
-// level. Less memory is touched than through words, and what is touched lies closer together.
+// The flood: a plane of one byte for each pixel and a pile of waiting pixels for each level.
 //
-// The visits are those of the flood through words. A byte of 255 says that a pixel has been seen, so levels get codes
-// from 0 to 254: with 256 levels in use the two neighbouring ones that are rarest together share a code. Pixels of that
-// code take a slow road which looks their levels up in the picture.
+// Each visit looks at all four neighbours at once. When none is lower, every neighbour goes through the same straight
+// code: one that has been seen before is pushed to where it does not matter, one of the present level becomes the next
+// pixel. Branches remain for a lower neighbour and for an empty pile. A pixel that a descent leaves behind is looked at
+// anew when it is popped; the neighbours pushed the first time have then been seen.
+//
+// A byte of 255 says that a pixel has been seen, so levels get codes from 0 to 254: with 256 levels in use the two
+// neighbouring ones that are rarest together share a code. Pixels of that code take a slow road which looks their
+// levels up in the picture.
 #include "regiontree/flood.hpp"
-#include "regiontree/lanes.hpp"
-#include "xe/scratch.hpp"
+
+#include "jorm/xe.h"
 
 #include <algorithm>
 #include <cstring>
@@ -16,7 +20,26 @@ namespace jorm {
 namespace {
 
 constexpr uint32_t seen = 255, none = levels;
-constexpr int ahead = 8; // how far down in a pile pixels are fetched
+constexpr uint32_t fresh_bit = 0x80000000; // on words of pixels that no flood has reached
+constexpr int ahead = 8;                   // how far down in a pile pixels are fetched
+
+// When a == b: x = y. What a neighbour is cannot be foretold, and compilers turn a conditional expression back into a
+// branch where they see fit, so x86-64 gets its conditional move by name.
+inline void select_equal(uint32_t &x, uint32_t a, uint32_t b, uint32_t y) {
+#if defined(__x86_64__) && defined(__GNUC__)
+    asm("cmpl %[b], %[a]\n\tcmovel %[y], %[x]" : [x] "+r"(x) : [a] "r"(a), [b] "r"(b), [y] "r"(y) : "cc");
+#else
+    const uint32_t m = 0 - uint32_t(a == b);
+    x = (y & m) | (x & ~m);
+#endif
+}
+
+// What was read through p is read again from here on: cheaper than to keep it in registers, of which there are few.
+inline void forget(uint8_t *&p) {
+#if defined(__GNUC__)
+    asm("" : "+r"(p));
+#endif
+}
 
 // Codes of the levels: a level above `split` has the code one less. Of the two that share the code `split` the lower
 // one may be unused; when both are used, `pair` is their code.
@@ -65,21 +88,29 @@ struct Pile {
     uint32_t pop() { return *--top; }
 };
 
-template <int smallest> class PlaneFlood {
+template <int smallest, bool lists> class Flood {
 public:
-    PlaneFlood(jorm_fwtsres *store, const FloodSource &source, int64_t stride, const Coding &coding)
-        : source_(source), stride_(stride), coding_(coding),
+    Flood(jorm_fwtsres *store, const FloodSource &source, int64_t stride, const Coding &coding, uint32_t *words)
+        : source_(source), stride_(stride), coding_(coding), words_(words),
           components_(store, uint32_t(stride), uint32_t(source.columns)) {}
 
     void build(uint8_t *memory);
     void lay_out(uint32_t *memory, const uint32_t *histogram);
     int64_t run();
-
-    // Bytes and entries that build() and lay_out() fill.
-    static size_t plane_bytes(const FloodSource &s, int64_t stride) { return size_t(stride) * (size_t(s.rows) + 2); }
+    void complete_words();
 
 private:
-    static constexpr auto no_list = [](uint32_t, int, uint32_t) {};
+    // A pixel is done: it goes on top of its region's list.
+    void add(Component *top, uint32_t pixel) {
+        if (lists) words_[pixel] = top->head;
+        top->head = pixel;
+    }
+    bool rise_to(Component *&top, uint32_t level, uint32_t pixel, uint32_t done) {
+        const auto splice = [words = words_](uint32_t tail, int merges, uint32_t rest) {
+            if (lists) words[tail] = merges ? rest : no_pixel;
+        };
+        return rise<smallest>(components_, top, int32_t(level), pixel, done, splice);
+    }
 
     enum class Way { down, up, failed };
     [[gnu::cold, gnu::noinline]] Way run_pair(bool fell);
@@ -95,6 +126,7 @@ private:
         __builtin_prefetch(soon);
         __builtin_prefetch(soon - stride_);
         __builtin_prefetch(soon + stride_);
+        if (lists) __builtin_prefetch(words_ + top[-ahead], 1);
         return top[-1];
     }
 
@@ -102,6 +134,7 @@ private:
     const int64_t stride_;
     const Coding coding_;
     uint8_t *plane_ = nullptr;
+    uint32_t *const words_;                       // of row 0, column 0
     uint32_t *top_of_[levels], *base_of_[levels]; // what waits at each code; [seen] takes pixels that have been seen
     uint32_t seen_[4];
     Pile pair_[2]; // what waits at the two levels of the pair; what was pushed meanwhile waits under the code
@@ -111,34 +144,37 @@ private:
     uint32_t pixel_ = 0, code_ = 0, done_ = 0;
 };
 
-template <int smallest> void PlaneFlood<smallest>::build(uint8_t *memory) {
+// A guard row above and below.
+size_t plane_bytes(const FloodSource &s, int64_t stride) { return size_t(stride) * (size_t(s.rows) + 2); }
+
+// The codes of a row, by comparisons where the compiler can make vectors of them.
+void encode_row(uint8_t *to, const FloodSource &s, int64_t r, const Coding &coding) {
+    const uint8_t *const from = s.row(r);
+    const uint8_t invert = s.invert, split = uint8_t(std::min(coding.split, 255u));
+    if (s.pixel_stride == 1 && s.shift == 0) {
+        for (int32_t c = 0; c < s.columns; ++c) {
+            const uint8_t level = from[c] ^ invert;
+            to[c] = uint8_t(level - (level > split));
+        }
+        return;
+    }
+    for (int32_t c = 0; c < s.columns; ++c) to[c] = uint8_t(coding.of(s.level(from[c * s.pixel_stride])));
+}
+
+template <int smallest, bool lists> void Flood<smallest, lists>::build(uint8_t *memory) {
     const FloodSource &s = source_;
-    std::memset(memory, seen, size_t(stride_));
+    std::memset(memory, seen, plane_bytes(s, stride_));
     plane_ = memory + stride_;
     for (int64_t r = 0; r < s.rows; ++r) {
+        if (!s.takes_part(r)) continue;
         uint8_t *const to = plane_ + r * stride_;
-        const uint8_t *const from = s.row(r);
-        if (!s.takes_part(r)) {
-            std::memset(to, seen, size_t(stride_));
-            continue;
-        }
-        const uint8_t invert = s.invert, shift = s.shift, split = uint8_t(std::min(coding_.split, 255u));
-        const auto code = [=](uint8_t sample) {
-            const uint8_t level = uint8_t(uint8_t(sample ^ invert) >> shift);
-            return uint8_t(level - uint8_t(level > split));
-        };
-        if (s.pixel_stride == 1)
-            for (int32_t c = 0; c < s.columns; ++c) to[c] = code(from[c]);
-        else
-            for (int32_t c = 0; c < s.columns; ++c) to[c] = code(from[c * s.pixel_stride]);
+        encode_row(to, s, r, coding_);
         to[0] = seen;
-        std::memset(to + s.columns, seen, size_t(stride_ - s.columns));
     }
-    std::memset(plane_ + s.rows * stride_, seen, size_t(stride_));
 }
 
 // A pile for each code, above an end mark.
-template <int smallest> void PlaneFlood<smallest>::lay_out(uint32_t *memory, const uint32_t *histogram) {
+template <int smallest, bool lists> void Flood<smallest, lists>::lay_out(uint32_t *memory, const uint32_t *histogram) {
     uint32_t room[levels] = {};
     for (uint32_t l = 0; l < levels; ++l) room[coding_.of(l)] += histogram[l];
     for (uint32_t code = 0; code < seen; ++code) {
@@ -157,19 +193,19 @@ template <int smallest> void PlaneFlood<smallest>::lay_out(uint32_t *memory, con
 
 // Visits the pixels of the two levels that share a code, one neighbour after the other: from pixel_ on, or from what
 // waits there; until the flood leaves for a lower code or nothing waits at these levels any more.
-template <int smallest> typename PlaneFlood<smallest>::Way PlaneFlood<smallest>::run_pair(bool fell) {
+template <int smallest, bool lists> typename Flood<smallest, lists>::Way Flood<smallest, lists>::run_pair(bool fell) {
     const uint32_t code = coding_.pair;
     uint32_t p = pixel_;
     uint32_t which = 0; // the upper one of the two levels?
-    const auto rise_to = [&](uint32_t to) {
+    const auto go_to = [&](uint32_t to) {
         which = to;
         p = pair_[which].pop();
-        return rise<smallest>(components_, top_, int32_t(code + which), p, done_, no_list);
+        return rise_to(top_, code + which, p, done_);
     };
     if (!fell) {
         for (const uint32_t *q = base_of_[code]; q != top_of_[code]; ++q) pair_[upper(*q)].push(*q);
         top_of_[code] = base_of_[code];
-        if (!rise_to(pair_[0].empty())) return Way::failed;
+        if (!go_to(pair_[0].empty())) return Way::failed;
     } else {
         which = upper(p);
     }
@@ -201,18 +237,18 @@ template <int smallest> typename PlaneFlood<smallest>::Way PlaneFlood<smallest>:
         if (lower) continue;
         if (fell) components_.open(top_, code + which, p, done_);
         fell = false;
-        top_->head = p;
+        add(top_, p);
         ++done_;
         if (!pair_[which].empty())
             p = pair_[which].pop();
         else if (which == 0 && !pair_[1].empty()) {
-            if (!rise_to(1)) return Way::failed;
+            if (!go_to(1)) return Way::failed;
         } else
             return Way::up;
     }
 }
 
-template <int smallest> int64_t PlaneFlood<smallest>::run() {
+template <int smallest, bool lists> int64_t Flood<smallest, lists>::run() {
     uint8_t *const plane = plane_;
     const int64_t stride = stride_;
     Component *top = top_;
@@ -243,7 +279,7 @@ template <int smallest> int64_t PlaneFlood<smallest>::run() {
         if (!fell) {
             p = top_of_[code][-1];
             next = pop(code);
-            if (!rise<smallest>(components_, top, int32_t(coding_.level(code)), p, done, no_list)) return JORM_ENOMEM;
+            if (!rise_to(top, coding_.level(code), p, done)) return JORM_ENOMEM;
         }
         for (;;) {
             uint8_t *at = plane + p;
@@ -284,7 +320,7 @@ template <int smallest> int64_t PlaneFlood<smallest>::run() {
                 }
                 top_of_[seen] = seen_;
             }
-            top->head = p;
+            add(top, p);
             ++done;
             if (next == no_pixel) break;
             p = next;
@@ -294,40 +330,64 @@ template <int smallest> int64_t PlaneFlood<smallest>::run() {
     return components_.finish(top, done) ? JORM_OK : JORM_ENOMEM;
 }
 
+// Words of what is in no list: guards, border, rows left out, and pixels that the flood did not reach.
+template <int smallest, bool lists> void Flood<smallest, lists>::complete_words() {
+    const FloodSource &s = source_;
+    const size_t guard = size_t(s.columns) + 2;
+    std::memset(words_ - guard, 0, guard * sizeof *words_);
+    std::memset(words_ + s.pixels(), 0, guard * sizeof *words_);
+    for (int64_t r = 0; r < s.rows; ++r) {
+        uint32_t *const to = words_ + r * stride_;
+        const uint8_t *const from = s.row(r), *const left = plane_ + r * stride_;
+        const uint32_t fresh = s.takes_part(r) ? fresh_bit : 0;
+        to[0] = s.level(from[0]);
+        if (!s.row_mask) continue;
+        for (int32_t c = 1; c < s.columns; ++c)
+            if (!fresh || left[c] != seen) to[c] = s.level(from[c * s.pixel_stride]) | fresh;
+    }
+}
+
 // Rows a multiple of 1024 bytes apart would meet in few sets of the cache.
 int64_t plane_stride(int32_t columns) { return columns >= 1024 && columns % 1024 == 0 ? columns + 64 : columns; }
 
 } // namespace
 
-template <int smallest> int64_t flood_with(jorm_xe *xe, jorm_fwtsres *store, const FloodSource &source) {
-    using Flood = PlaneFlood<smallest>;
+template <int smallest, bool lists> int64_t flood_with(jorm_xe *xe, jorm_fwtsres *store, const FloodSource &source) {
     uint32_t histogram[levels];
     count_levels(histogram, source);
     const Coding coding = choose_coding(histogram);
-    const int64_t stride = plane_stride(source.columns);
+    const int64_t stride = lists ? source.columns : plane_stride(source.columns); // pixels are numbered alike
     size_t entries = 2 * ahead + levels;
     for (uint32_t l = 0; l < levels; ++l) entries += histogram[l];
     if (coding.pair != none) entries += histogram[coding.pair] + histogram[coding.pair + 1];
-    const size_t bytes = entries * sizeof(uint32_t) + Flood::plane_bytes(source, stride);
+    const size_t bytes = entries * sizeof(uint32_t) + plane_bytes(source, stride);
 
     void *const stack = xe ? JormXEmmstack(xe) : store->storage;
     void *const memory = jorm_mmstack_alloca(stack, bytes, 64);
     if (!memory) return JORM_ENOMEM;
     int64_t status;
     {
-        Flood flood(store, source, stride, coding);
+        uint32_t *const words = lists ? store->buffer + source.columns + 2 : nullptr;
+        Flood<smallest, lists> flood(store, source, stride, coding, words);
         auto *const waiting = static_cast<uint32_t *>(memory);
         std::fill_n(waiting, 2 * ahead, 0u); // what looks ahead may look below the lowest pile
         flood.lay_out(waiting + 2 * ahead, histogram);
         flood.build(reinterpret_cast<uint8_t *>(waiting + entries));
         status = flood.run();
+        if (status == JORM_OK && lists) {
+            flood.complete_words();
+            store->words = words;
+        }
     }
     jorm_mmstack_freea(stack, memory);
     return status;
 }
 
-int64_t flood_plane(jorm_xe *xe, jorm_fwtsres *store, const FloodSource &source, int smallest) {
-    return smallest == 1 ? flood_with<1>(xe, store, source) : flood_with<16>(xe, store, source);
+int64_t flood(jorm_xe *xe, jorm_fwtsres *store, const FloodSource &source, int smallest) {
+    const auto run = store->buffer   ? smallest == 1 ? flood_with<1, true> : flood_with<16, true>
+                       : smallest == 1 ? flood_with<1, false>
+                                     : flood_with<16, false>;
+    return run(xe, store, source);
 }
 
 } // namespace jorm
