@@ -394,6 +394,73 @@ TEST(Filters, WithoutWordsGroupsAreEmpty) {
     JormMSERfreeFeatures(&features);
 }
 
+// From a picture to the pixels of its stable regions: each region is dark (or bright) as a whole, and connected.
+TEST(Filters, RegionsOfAPicture) {
+    constexpr int32_t h = 120, w = 160;
+    std::vector<uint8_t> samples(size_t(h * w), 120);
+    for (int blob = 0; blob < 24; ++blob) { // cones, every other one dark, two of three long in one direction
+        const int y = 15 + blob / 6 * 30, x = 15 + blob % 6 * 26;
+        for (int dy = -10; dy <= 10; ++dy) {
+            for (int dx = -10; dx <= 10; ++dx) {
+                const int depth = 100 - 10 * int(std::hypot(dy * (1 + blob % 3), dx));
+                if (depth > 0) samples[size_t((y + dy) * w + x + dx)] = uint8_t(blob % 2 ? 120 + depth : 120 - depth);
+            }
+        }
+    }
+    const jorm_array picture = {{1, h, w, 1}, {1, h, w, 1}, {h * w, w, 1, 1}, 3, 0, JORM_U8, 0, 0, samples.data()};
+    std::vector<uint32_t> words[2];
+    jorm_fwtsres stores[2] = {};
+    for (int k = 0; k < 2; ++k) {
+        words[k].resize(size_t(w * h + 2 * (w + 2)));
+        JormFWTSRESinit(&stores[k], words[k].data(), nullptr);
+    }
+    jorm_mser mser = {};
+    mser.delta = 5;
+    mser.max_area_fraction = 0.1f;
+    mser.max_variation = 0.5f;
+    mser.min_diversity = 0.2f;
+    mser.passes = 2;
+    mser.dark_store = &stores[0];
+    mser.bright_store = &stores[1];
+    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+    ASSERT_EQ(JormGenerateFMSERs(xe, 0, &picture, nullptr, &mser), JORM_OK);
+    jorm_mserfilt filter;
+    _jorm_mserfilt__$mf(&filter, 0, 0.8f);
+    filter.nesting = JORM_MSER_OUTERMOST;
+    jorm_vector regions = {}, groups = {}, oblong = {}, ellipses = {};
+    jorm_fmserf_regions(&regions, &mser, nullptr);
+    jorm_fmserf_pixreg_$2d(&groups, &mser, nullptr);
+    jorm_fmserf_regions(&oblong, &mser, &filter);
+    jorm_fmserf_ellipse_$f2d(&ellipses, &mser, &filter);
+    EXPECT_GE(mser.dark_count, 12u);
+    EXPECT_GE(mser.bright_count, 12u);
+    EXPECT_EQ(oblong.count, 16u);
+    for (const auto &e : entries<jorm_f2d_ell>(ellipses)) EXPECT_LT(e.semi1, 0.8f * e.semi2);
+    for (size_t i = 0; i < groups.count; ++i) {
+        const auto group = entries<jorm_pixgroup>(groups)[i];
+        const jorm_fwtsr *const region = entries<jorm_fwtsr *>(regions)[i];
+        EXPECT_EQ(group.count, region->area);
+        std::set<Place> open, front;
+        for (int64_t k = 0; k < group.count; ++k) open.insert({group.pixels[2 * k], group.pixels[2 * k + 1]});
+        EXPECT_EQ(int64_t(open.size()), group.count);
+        for (const Place &p : open) {
+            const int sample = samples[size_t(p[0] * w + p[1])];
+            EXPECT_TRUE(i < mser.dark_count ? sample <= region->level : sample >= region->level);
+        }
+        front.insert(open.extract(open.begin()));
+        while (!front.empty()) {
+            const Place p = front.extract(front.begin()).value();
+            for (const Place step : {Place{0, 1}, Place{0, -1}, Place{1, 0}, Place{-1, 0}}) {
+                if (auto next = open.extract(Place{p[0] + step[0], p[1] + step[1]})) front.insert(std::move(next));
+            }
+        }
+        EXPECT_TRUE(open.empty());
+    }
+    for (const jorm_vector *v : {&regions, &groups, &oblong, &ellipses, &mser.regions}) _UlMfree(v->data);
+    for (jorm_fwtsres &store : stores) JormFWTSRESfini(&store);
+    JormXEclose(xe);
+}
+
 // A feature of the caller's own, beside a built-in one: the sum of the rows.
 TEST(Gathering, FeaturesOfAnyKind) {
     Random r(5);

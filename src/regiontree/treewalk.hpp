@@ -60,10 +60,10 @@ private:
         Node *node;
         int32_t index; // negative: not known
     };
-    static constexpr int64_t room = 64;
+    static constexpr int64_t room = 64; // a power of two
 
-    Step &at(int64_t depth) { return steps_[depth % room]; }
-    const Step &at(int64_t depth) const { return steps_[depth % room]; }
+    Step &at(int64_t depth) { return steps_[depth & (room - 1)]; }
+    const Step &at(int64_t depth) const { return steps_[depth & (room - 1)]; }
 
     int64_t depth_ = 0;
     int64_t oldest_ = 0; // the least depth whose step is still held
