@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <cstdlib>
 
-static size_t heap_limit = SIZE_MAX; // larger requests fail
-static int heap_calls = 0;
+[[maybe_unused]] static size_t heap_limit = SIZE_MAX; // larger requests fail
+[[maybe_unused]] static int heap_calls = 0;
 static int64_t heap_blocks = 0;             // obtained and not given back
 static int64_t heap_calls_left = INT64_MAX; // requests that still succeed
 
