@@ -25,8 +25,9 @@
  * Region. Everything is relative to the region of interest: H rows, W columns, seeds, pixel indices (row * W + column).
  * Statuses, in this order: JORM_EINVAL (null pointers, bad or disagreeing descriptors, no store), JORM_EEMPTY (no pixel
  *   in the region), JORM_ENOTSUP (elements of 16, 32 or 64 bits, 2 to 4 channels), JORM_EINVAL (other element types,
- *   too many pixels), JORM_ENOMEM. Unless the status is JORM_OK the store is empty.
- * Environment. Working memory comes from it, 5 to 8 bytes for each pixel; with a null environment from the store. */
+ *   too many pixels), JORM_ENOMEM. After JORM_ENOMEM the store is empty, the other refusals leave it as it was.
+ * Environment. Working memory comes from it, 5 bytes for each pixel, of which the 4 that hold waiting pixels are
+ * touched only as far as they are needed; with a null environment it comes from the store. */
 #ifndef JORM_WATERSHED_H
 #define JORM_WATERSHED_H
 
@@ -160,9 +161,9 @@ JORM_API int64_t JormGenerateMSERsEx(jorm_xe *xe, uint64_t options, const jorm_a
                                      const int32_t *origin, const int32_t *size, jorm_mser *mser);
 
 /* Appends the stable regions of a tree (null: none) to a vector of region pointers, a region after those inside it, and
- * sets or clears the regions' flags. Regions of the vector whose flag is clear afterwards are removed. Subtrees under a
- * level below delta are looked at, others are not and keep their flags. A region for which there is no memory is not
- * appended. Any depth of tree will do. Returns the vector. */
+ * sets or clears the regions' flags. Regions of the vector whose flag is clear afterwards are removed. What lies
+ * under a region whose level is below delta is not looked at and keeps its flags. A region for which there is no memory
+ * is not appended. Any depth of tree will do. Returns the vector. */
 JORM_API jorm_vector *JormDetectFMSERs(jorm_vector *regions, jorm_fwtsr *root, const jorm_msercriteria *criteria);
 JORM_API jorm_vector *JormDetectMSERs(jorm_vector *regions, jorm_fwtsr *root, const jorm_msercriteria *criteria);
 
