@@ -12,6 +12,10 @@
 #include <cstring>
 #include <new>
 
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
+
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/asan_interface.h>
 #define JORM_NO_ASAN __attribute__((no_sanitize_address))
@@ -28,6 +32,7 @@ constexpr size_t default_align = 16;
 constexpr size_t default_block = size_t{64} << 10;
 constexpr size_t largest_step = size_t{16} << 20; // blocks stop growing on their own account here
 constexpr size_t largest_hint = size_t{1} << 30;
+constexpr size_t large_page = size_t{2} << 20;
 constexpr size_t largest_request = size_t(PTRDIFF_MAX) >> 17; // no address space holds more; sums cannot overflow
 
 constexpr size_t smaller(size_t a, size_t b) { return a < b ? a : b; }
@@ -144,9 +149,21 @@ void free_chain(Block *&chain) {
     }
 }
 
+// Floods of large pictures read all over their block: with small pages they would mostly wait for translations of
+// addresses.
+void ask_for_large_pages([[maybe_unused]] void *memory, [[maybe_unused]] size_t size) {
+#if defined(__linux__) && defined(MADV_HUGEPAGE)
+    if (size < 8 * large_page) return;
+    char *const from = static_cast<char *>(memory);
+    const size_t lead = -reinterpret_cast<uintptr_t>(from) & (large_page - 1);
+    madvise(from + lead, (size - lead) & ~(large_page - 1), MADV_HUGEPAGE); // no harm when it is refused
+#endif
+}
+
 Block *heap_block(size_t capacity) {
     void *const memory = std::malloc(sizeof(Block) + capacity);
     if (!memory) return nullptr;
+    ask_for_large_pages(memory, sizeof(Block) + capacity);
     Block *const block = new (memory) Block{};
     block->end = block->start() + capacity;
     return block;
