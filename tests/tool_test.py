@@ -401,6 +401,89 @@ class Tool(unittest.TestCase):
         run("compare", "c.png", "--to", "4,5,200", "--relation", "less", "-o", "out.png")
         self.assertEqual(read_png("out.png"), (3, [255 * (v < (4, 5, 200)[v % 4]) for v in range(16) if v % 4 < 3]))
 
+    def test_threshold_methods(self):
+        for name, depth, low, high in ("two.pgm", 8, 60, 200), ("wide_two.pgm", 16, 20000, 50000):
+            page = [low if (x - 16) ** 2 + (y - 16) ** 2 < 16 else high for y in range(32) for x in range(32)]
+            (write_pgm if depth == 8 else write_wide_pgm)(name, 32, page)
+            found = json.loads(run("otsu", "--json", name).stdout)
+            self.assertEqual((found[0]["picture"], found[0]["depth"]), (name, depth))
+            level, = found[0]["levels"]
+            self.assertTrue(low <= level < high)
+            self.assertEqual(run("otsu", name).stdout, f"{level}\n")
+            white = [255 * (v == high) for v in page]
+            for words in ["--method", "otsu"], ["--level", level], ["--method", "usto"]:
+                run("threshold", name, *words, "-o", "out.png")
+                self.assertEqual(read_png("out.png"), (1, white), (name, words))
+            run("threshold", name, "--method", "blur", "-o", "out.png")
+            blurred = read_png("out.png")[1]
+            self.assertLess(0, blurred.count(0))
+            self.assertLess(sum(a != b for a, b in zip(blurred, white)), 24)
+            for offset, expected in (-1, 255), (1, 0):  # where all of the window is alike
+                run("threshold", name, "--method", "adaptive", f"--offset={offset}", "-o", "out.png")
+                self.assertEqual(read_png("out.png")[1][:5], [expected] * 5)
+
+    def test_windows(self):
+        for command, choose in ("min", min), ("max", max):
+            run(command, "a.pgm", "--window", "3x1", "-o", "out.png")
+            self.assertEqual(read_png("out.png")[1], [choose(self.A[4 * y + i] for i in range(max(0, x - 1),
+                             min(3, x + 1) + 1)) for y in range(2) for x in range(4)])
+
+    def squares(self):
+        """Paper with a dark square of 8 by 8 in a corner, touching the left edge, and a light one of 6 by 10."""
+        page = [120] * (40 * 30)
+        for x0, y0, w, h, v in (0, 0, 8, 8, 20), (20, 12, 6, 10, 220):
+            for y in range(y0, y0 + h):
+                page[40 * y + x0:40 * y + x0 + w] = [v] * w
+        write_pgm("squares.pgm", 40, page)
+        return page
+
+    def test_mser(self):
+        self.squares()
+        write_pgm("left.pgm", 40, ([255] * 20 + [0] * 20) * 30)
+        dark = {"polarity": "dark", "level": 20, "area": 64, "variation": 0,
+                "box": {"x": 0, "y": 0, "width": 8, "height": 8}}
+        light = {"polarity": "light", "level": 220, "area": 60, "variation": 0,
+                 "box": {"x": 20, "y": 12, "width": 6, "height": 10}}
+        for words, expected in [([], [dark, light]), (["--polarity", "light"], [light]), (["--area", "61,99"], [dark]),
+                                (["--mask", "left.pgm"], [dark]), (["--area", "65,99"], [])]:
+            found = json.loads(run("mser", "squares.pgm", "--json", *words).stdout)
+            for region in found:
+                e = region.pop("ellipse")
+                box = region["box"]
+                self.assertEqual((e["x"], e["y"]), (box["x"] + (box["width"] - 1) / 2, box["y"] + (box["height"] - 1) / 2))
+                for semi, side in zip((e["semi1"], e["semi2"]), sorted((box["width"], box["height"]))):
+                    self.assertAlmostEqual(semi, 2 * ((side ** 2 - 1) / 12) ** 0.5, places=5)
+            self.assertEqual(found, expected, words)
+        run("mser", "squares.pgm", "--draw", "box", "-o", "out.png")
+        samples = read_png("out.png")[1]
+        pixel = lambda x, y: samples[3 * (40 * y + x):3 * (40 * y + x) + 3]
+        self.assertEqual([pixel(0, 7), pixel(20, 21), pixel(25, 12), pixel(22, 15), pixel(30, 3)],
+                         [[0, 224, 96], [255, 64, 64], [255, 64, 64], [220] * 3, [120] * 3])
+
+    def test_watershed_and_tree(self):
+        page = self.squares()
+        for words, inside in [(["--level", "20"], lambda v: v == 20), (["--level", "119"], lambda v: v == 20),
+                              (["--level", "220", "--polarity", "light"], lambda v: v == 220),
+                              (["--level", "19"], lambda v: False),
+                              (["--level", "20", "--least", "65"], lambda v: False)]:
+            run("watershed", "squares.pgm", *words, "-o", "out.png")
+            channels, samples = read_png("out.png")
+            self.assertEqual(channels, 3)
+            colours = list(zip(*[iter(samples)] * 3))
+            self.assertEqual([c != (0, 0, 0) for c in colours], [inside(v) for v in page], words)
+            self.assertLessEqual(len(set(colours)), 2)
+        run("paint", "shapes", "-o", "shapes.png")
+        run("watershed", "shapes.png", "--polarity", "light", "-o", "out.png")
+        self.assertGreater(len(set(zip(*[iter(read_png("out.png")[1])] * 3))), 10)
+        for polarity, levels, largest in [("dark", [(20, 1), (120, 1), (220, 1)], (1140, 120)),
+                                          ("light", [(20, 1), (120, 1), (220, 1)], (1136, 120))]:
+            tree = json.loads(run("tree", "squares.pgm", "--polarity", polarity, "--json").stdout)
+            self.assertEqual([(i["level"], i["regions"]) for i in tree["levels"]], levels)
+            self.assertEqual((tree["regions"], tree["leaves"], tree["depth"]), (3, 1, 3))
+            self.assertEqual((tree["largest"]["area"], tree["largest"]["level"]), largest)
+        write_pgm("flat.pgm", 2, [7, 7])
+        self.assertIsNone(json.loads(run("tree", "flat.pgm", "--json").stdout)["largest"])
+
     def test_hist(self):
         write_pgm("h.pgm", 4, [0, 15, 16, 255, 255, 255, 100, 100])
         self.assertEqual(json.loads(run("hist", "--json", "--bins", 16, "h.pgm").stdout),
@@ -509,6 +592,14 @@ class Tool(unittest.TestCase):
             (["compare", "a.pgm", *to], "another picture or --to"),
             (["threshold", "a.pgm", "--level", "1,2,3", *to], "1 or 2 numbers"),
             (["threshold", "a.pgm", "--level", "256", *to], "from 0 to 255"),
+            (["threshold", "a.pgm", *to], "--level is required, or a --method"),
+            (["threshold", "a.pgm", "--level", "3", "--method", "otsu", *to], "does not go with"),
+            (["threshold", "a.pgm", "--offset", "3", "--method", "otsu", *to], "adaptive only"),
+            (["max", "a.pgm", "--constant", "3", "--window", "3x3", *to], "another picture or --constant or --window"),
+            (["mser", "a.pgm", "--draw", "hull"], "--draw needs -o"),
+            (["mser", "a.pgm", "--delta", "0"], "from 1 to 254"),
+            (["mser", "a.pgm", "--mask", "small.pgm"], "sizes differ"),
+            (["watershed", "a.pgm", "--level", "256", *to], "from 0 to 255"),
             (["hull", "black.pgm", *to], "no sample of black.pgm reaches 128"),
             (["info", "missing.png"], "cannot read missing.png: No such file"),
             (["info", "."], "it is a folder"),

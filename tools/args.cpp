@@ -185,4 +185,16 @@ void read_factors(const Args &args, const char *option, const Picture &picture, 
     for (size_t c = 0; c < 4; ++c) factors[c] = c < values.size() ? values[c] : values[0];
 }
 
+std::string quoted(const std::string &text) {
+    std::string result = "\"";
+    for (const char c : text) {
+        char escape[8];
+        std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned char>(c));
+        result += c == '"' || c == '\\' ? std::string("\\") + c
+                  : c >= 0 && c < ' '   ? std::string(escape)
+                                        : std::string(1, c);
+    }
+    return result + '"';
+}
+
 } // namespace tool

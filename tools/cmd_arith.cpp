@@ -14,7 +14,7 @@ template <class Operation> void fold(const Args &args, const char *name, Samples
     const bool bits = samples == Samples::bits;
     Picture result = bits ? first : first.as(first.exact_type());
     const jorm_array dst = bits ? result.bits() : result.colours();
-    Progress progress(args.files.size());
+    Progress progress(args);
     progress.step(args.files[0]);
     for (size_t i = 1; i < args.files.size(); ++i) {
         Picture other = read_same(args.files[i], first, args.files[0]);
@@ -50,9 +50,11 @@ void fold_sum(const Args &args, const char *name, Arith *wrapping, Arith *clampi
 
 using LogicC = decltype(JormAndC);
 
-// Of pictures, or of one and a constant.
-void fold_extreme(const Args &args, const char *name, Logic *operation, LogicC *with_constant) {
-    if ((args.files.size() == 1) != args.has("constant")) throw Failure("wants another picture or --constant");
+// Of pictures, of one and a constant, or of the window around each pixel.
+void fold_extreme(const Args &args, const char *name, Logic *operation, LogicC *with_constant, uint32_t filter) {
+    if ((args.files.size() == 1) != (args.has("constant") != args.has("window")))
+        throw Failure("wants another picture or --constant or --window");
+    if (args.has("window")) return filter_window(args, "window", filter);
     if (!args.has("constant")) return fold_logic(args, name, operation, Samples::numbers);
     const std::string out = args.output();
     Picture picture = read_picture(args.files[0]), exact = picture.as(picture.exact_type());
@@ -81,8 +83,8 @@ void run_mul(const Args &args) {
 
 void run_diff(const Args &args) { fold_logic(args, "diff", JormAbsDiff, Samples::numbers); }
 
-void run_min(const Args &args) { fold_extreme(args, "min", JormMin, JormMinC); }
-void run_max(const Args &args) { fold_extreme(args, "max", JormMax, JormMaxC); }
+void run_min(const Args &args) { fold_extreme(args, "min", JormMin, JormMinC, JORM_FILTER_MIN); }
+void run_max(const Args &args) { fold_extreme(args, "max", JormMax, JormMaxC, JORM_FILTER_MAX); }
 
 // In single precision, rounded once at the end.
 void run_blend(const Args &args) {

@@ -24,9 +24,9 @@ void want_window(const char *option, int width, int height) {
     if (width == 1 && height == 1) throw Failure(std::string("--") + option + " wants more than one pixel");
 }
 
-jorm_seshape read_window(const Args &args) {
-    const auto [width, height] = args.size("size");
-    want_window("size", width, height);
+jorm_seshape read_window(const Args &args, const char *option = "size") {
+    const auto [width, height] = args.size(option);
+    want_window(option, width, height);
     jorm_seshape window;
     return *__jorm_seshape__$g2(&window, height, width);
 }
@@ -107,14 +107,16 @@ void morph(const Args &args, uint32_t op) {
 
 } // namespace
 
-void run_box(const Args &args) {
-    const jorm_seshape window = read_window(args);
+void filter_window(const Args &args, const char *option, uint32_t op) {
+    const jorm_seshape window = read_window(args, option);
     for_each_picture(args, [&](Picture &picture) {
         filter_colours(picture, [&](const jorm_array &colour, int) {
-            return JormFilter(env(), 0, &colour, &colour, nullptr, nullptr, JORM_FILTER_BOX, &window);
+            return JormFilter(env(), 0, &colour, &colour, nullptr, nullptr, op, &window);
         });
     });
 }
+
+void run_box(const Args &args) { filter_window(args, "size", JORM_FILTER_BOX); }
 
 void run_gauss(const Args &args) {
     const Gaussian g = read_gaussian(args);

@@ -65,7 +65,7 @@ void run_sheet(const Args &args) {
     const Colour ground = {48, 48, 48, 255}, ink = {230, 230, 230, 255};
     fill(whole, site(0, 0, sheet.width, sheet.height), ground);
 
-    Progress progress(args.files.size());
+    Progress progress(args);
     for (int i = 0; i < count; ++i) {
         Picture picture = to_bytes(read_picture(args.files[i]));
         const int step =

@@ -47,18 +47,6 @@ void print_table(const std::string &path, const Picture &picture, const Numbers 
     }
 }
 
-std::string quoted(const std::string &text) {
-    std::string result = "\"";
-    for (const char c : text) {
-        char escape[8];
-        std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned char>(c));
-        result += c == '"' || c == '\\' ? std::string("\\") + c
-                  : c >= 0 && c < ' '   ? std::string(escape)
-                                        : std::string(1, c);
-    }
-    return result + '"';
-}
-
 std::string json(const jorm_extremum &e) {
     if (e.row < 0) return "null";
     return "{\"value\": " + std::to_string(e.i) + ", \"x\": " + std::to_string(e.column) +

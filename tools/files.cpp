@@ -114,7 +114,7 @@ void for_each_picture(const Args &args, const std::function<void(Picture &)> &op
                 throw Failure("the picture " + path + " would be overwritten");
     }
     if (folder && (fs::create_directories(out, fault), fault)) throw cannot("make the folder", out, fault.message());
-    Progress progress(args.files.size());
+    Progress progress(args);
     for (size_t i = 0; i < args.files.size(); ++i) {
         Picture picture = read_picture(args.files[i]);
         operation(picture);

@@ -2,6 +2,7 @@
 #include "manual.hpp"
 
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <new>
 
@@ -25,11 +26,19 @@ const std::vector<Command> &commands() {
     const Option element_size = {"size", "WxH", "5x5", "the element; with odd sides nothing moves"};
     const Option element_shape = {"shape", "NAME", "rectangle", "its shape", "rectangle ellipse cross"};
     const Option element_mask = {"mask", "PICTURE", nullptr, "the white pixels of this picture as the element instead"};
+    const Option polarity = {"polarity", "NAME", "dark", "regions darker or lighter than what is around", "dark light"};
+    const Option polarity_both = {"polarity", "NAME", "both", polarity.help, "dark light both"};
     const char *border_modes = "const replicate wrap reflect reflect101";
 #define COMMAND(name, run, operands, summary, ...) {name, operands, summary, run, {__VA_ARGS__}},
-    static const std::vector<Command> all = {
+    static const std::vector<Command> all = [&] {
+        std::vector<Command> list = {
 #include "commands.def"
-    };
+        };
+        for (Command &c : list)
+            if (std::strstr(c.operands, "...") && !c.options.empty() && !std::strcmp(c.options[0].name, "output"))
+                c.options.push_back({"quiet", nullptr, nullptr, "no progress bar when there are several pictures"});
+        return list;
+    }();
 #undef COMMAND
     return all;
 }

@@ -1,5 +1,7 @@
 #include "tool.hpp"
 
+#include <unistd.h>
+
 #include <cstring>
 
 namespace tool {
@@ -145,16 +147,32 @@ void check(int64_t status, const char *what) {
 
 jorm_site site(int x, int y, int width, int height) { return {{0, y, x, 0}, {1, height, width, 4}}; }
 
+Progress::Progress(const Args &args)
+    : total_(args.files.size()), shown_(total_ > 1 && !args.has("quiet") && isatty(STDERR_FILENO)) {}
+
 Progress::~Progress() {
-    if (spoke_) std::fputc('\n', stderr);
+    if (shown_) std::fputs("\r\033[K", stderr);
 }
 
 void Progress::step(const std::string &what) {
     ++done_;
-    if (Clock::now() - last_ < std::chrono::seconds(1)) return;
-    last_ = Clock::now();
-    spoke_ = true;
-    std::fprintf(stderr, "\r%zu of %zu: %s\033[K", done_, total_, what.c_str());
+    if (!shown_) return;
+    constexpr size_t width = 24;
+    const size_t full = done_ * width / total_;
+    std::fprintf(stderr, "\r[%s%s] %zu of %zu: %.40s\033[K", std::string(full, '#').c_str(),
+                 std::string(width - full, '.').c_str(), done_, total_, what.c_str());
+}
+
+Picture grey_bytes(Picture &picture) {
+    const Colour gain = {1 / 257.0, 1 / 257.0, 1 / 257.0, 1 / 257.0}, none = {};
+    Picture bytes = picture.eltype == JORM_U8 ? picture : picture.scaled(JORM_U8, gain, none);
+    Picture grey(picture.width, picture.height, 1);
+    const size_t step = size_t(bytes.channels);
+    for (size_t i = 0; i < grey.bytes.size(); ++i) {
+        const uint8_t *p = &bytes.bytes[step * i];
+        grey.bytes[i] = step < 3 ? p[0] : uint8_t((299 * p[0] + 587 * p[1] + 114 * p[2] + 500) / 1000);
+    }
+    return grey;
 }
 
 } // namespace tool

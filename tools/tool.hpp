@@ -3,7 +3,6 @@
 
 #include "jorm.h"
 
-#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <functional>
@@ -111,8 +110,13 @@ Picture read_mask(const std::string &path, const Picture &picture, bool inverted
 void write_picture(const std::string &path, Picture &);                                    // "-" is standard output
 bool known_suffix(const std::string &path);
 
+Picture grey_bytes(Picture &); // one channel of 8 bits: luma of colours, the upper half of 16 bits
 // Reads each picture, lets the operation change it and writes it to -o, which is a folder for several of them.
 void for_each_picture(const Args &, const std::function<void(Picture &)> &operation);
+
+void filter_window(const Args &, const char *option, uint32_t op); // for_each_picture, over the window of an option
+
+std::vector<double> otsu_levels(Picture &); // whole numbers, one for each colour: what is above is the upper class
 
 jorm_xe *env();                               // the environment of the whole run
 void check(int64_t status, const char *what); // a negative status becomes a Failure
@@ -125,18 +129,35 @@ void fill_disk(const jorm_array &dst, double x, double y, double radius, const d
 void draw_text(const jorm_array &dst, int x, int y, int scale, const std::string &text, const double *colour);
 constexpr int glyph_width = 6, glyph_height = 9; // of one character at scale 1, with its margin
 
-// Says on stderr how far a long run has come; short runs stay silent.
+// Figures of sets of pixels.
+using Points = std::vector<jorm_2d_pt>;
+jorm_r2d_ell ellipse_of(const Points &); // with the moments of the set
+std::vector<jorm_r2d_pt> outline_of(const jorm_r2d_ell &);
+
+class Pen {
+public:
+    explicit Pen(Picture &picture);
+    void outline(const jorm_r2d_pt *points, int n, const double *colour) const; // closed, through n points
+
+private:
+    void line(const jorm_r2d_pt &a, const jorm_r2d_pt &b, const double *colour) const;
+
+    jorm_array array_;
+    int width_;
+};
+
+std::string quoted(const std::string &text); // as a JSON string
+
+// A bar on stderr while several files are worked on, if that is a terminal; not with --quiet.
 class Progress {
 public:
-    explicit Progress(size_t total) : total_(total) {}
+    explicit Progress(const Args &args);
     ~Progress();
     void step(const std::string &what);
 
 private:
-    using Clock = std::chrono::steady_clock;
     size_t total_, done_ = 0;
-    Clock::time_point last_ = Clock::now();
-    bool spoke_ = false;
+    bool shown_;
 };
 
 } // namespace tool
