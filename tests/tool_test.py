@@ -450,7 +450,8 @@ class Tool(unittest.TestCase):
             for region in found:
                 e = region.pop("ellipse")
                 box = region["box"]
-                self.assertEqual((e["x"], e["y"]), (box["x"] + (box["width"] - 1) / 2, box["y"] + (box["height"] - 1) / 2))
+                self.assertEqual((e["x"], e["y"]), (box["x"] + (box["width"] - 1) / 2,
+                                                    box["y"] + (box["height"] - 1) / 2))
                 for semi, side in zip((e["semi1"], e["semi2"]), sorted((box["width"], box["height"]))):
                     self.assertAlmostEqual(semi, 2 * ((side ** 2 - 1) / 12) ** 0.5, places=5)
             self.assertEqual(found, expected, words)
