@@ -110,7 +110,7 @@ Picture read_mask(const std::string &path, const Picture &picture, bool inverted
 void write_picture(const std::string &path, Picture &);                                    // "-" is standard output
 bool known_suffix(const std::string &path);
 
-Picture grey_bytes(Picture &); // one channel of 8 bits: luma of colours, the upper half of 16 bits
+Picture grey_bytes(Picture &); // one channel of 8 bits: luma of colours, 16 bits divided by 257
 // Reads each picture, lets the operation change it and writes it to -o, which is a folder for several of them.
 void for_each_picture(const Args &, const std::function<void(Picture &)> &operation);
 
