@@ -51,7 +51,7 @@ JORM_API void jorm_adjustgaussigmas(uint32_t layout, double *out, const int32_t 
 
 int64_t GaussianWeights::open(const WindowCall &c, const double *sigmas) {
     const int first = 4 - c.axes, k = 3 - first;
-    int32_t anchor[3], extent[4] = {1, 1, 1, 0};
+    int32_t anchor[3] = {}, extent[4] = {1, 1, 1, 0};
     int64_t length = 0;
     for (int i = first; i < 3; ++i) {
         anchor[i - first] = int32_t(c.before[i]);
@@ -60,7 +60,7 @@ int64_t GaussianWeights::open(const WindowCall &c, const double *sigmas) {
     }
     memory_.emplace(c.xe, scratch_bytes(length, sizeof(double)), alignof(double));
     if (!*memory_) return JORM_ENOMEM;
-    double *kernels[3] = {}, used[3], *next = memory_->as<double>();
+    double *kernels[3] = {}, used[3] = {}, *next = memory_->as<double>();
     for (int i = first; i < 3; next += extent[i++]) axis[i] = kernels[i - first] = next;
     jorm_adjustgaussigmas(JORM_WORD(c.axes), used, extent, sigmas);
     jorm__computegauskernel(k, kernels, anchor, extent + first, used);
