@@ -25,30 +25,18 @@ struct Family {
 
 // Every form of a family on its own slots: which are changed, to what, and that the others stay.
 TEST(Vec, BinaryFamilies) {
-    // clang-format off
-    const Family families[] = {
-        {"add", [](int64_t a, int64_t b) { return uint32_t(a + b); },
-         {jorm_vec__add, jorm_vec__add_$S}, {jorm_vec_add, jorm_vec_add_$S}, {jorm_vec_add_$L, jorm_vec_add_$LS},
-         {jorm_vec__add_$I, jorm_vec__add_$IS}, {jorm_vec_add_$I, jorm_vec_add_$IS},
-         {jorm_vec_add_$IL, jorm_vec_add_$ILS}},
-        {"sub", [](int64_t a, int64_t b) { return uint32_t(a - b); },
-         {jorm_vec__sub, jorm_vec__sub_$S}, {jorm_vec_sub, jorm_vec_sub_$S}, {jorm_vec_sub_$L, jorm_vec_sub_$LS},
-         {jorm_vec__sub_$I, jorm_vec__sub_$IS}, {jorm_vec_sub_$I, jorm_vec_sub_$IS},
-         {jorm_vec_sub_$IL, jorm_vec_sub_$ILS}},
-        {"rsb", [](int64_t a, int64_t b) { return uint32_t(b - a); },
-         {jorm_vec__rsb, jorm_vec__rsb_$S}, {jorm_vec_rsb, jorm_vec_rsb_$S}, {jorm_vec_rsb_$L, jorm_vec_rsb_$LS},
-         {jorm_vec__rsb_$I, jorm_vec__rsb_$IS}, {jorm_vec_rsb_$I, jorm_vec_rsb_$IS},
-         {jorm_vec_rsb_$IL, jorm_vec_rsb_$ILS}},
-        {"min", [](int64_t a, int64_t b) { return uint32_t(std::min(a, b)); },
-         {jorm_vec__min, jorm_vec__min_$S}, {jorm_vec_min, jorm_vec_min_$S}, {jorm_vec_min_$L, jorm_vec_min_$LS},
-         {jorm_vec__min_$I, jorm_vec__min_$IS}, {jorm_vec_min_$I, jorm_vec_min_$IS},
-         {jorm_vec_min_$IL, jorm_vec_min_$ILS}},
-        {"max", [](int64_t a, int64_t b) { return uint32_t(std::max(a, b)); },
-         {jorm_vec__max, jorm_vec__max_$S}, {jorm_vec_max, jorm_vec_max_$S}, {jorm_vec_max_$L, jorm_vec_max_$LS},
-         {jorm_vec__max_$I, jorm_vec__max_$IS}, {jorm_vec_max_$I, jorm_vec_max_$IS},
-         {jorm_vec_max_$IL, jorm_vec_max_$ILS}},
-    };
-    // clang-format on
+#define FAMILY(op, oracle)                                                                                             \
+    {                                                                                                                  \
+#op, [](int64_t a, int64_t b) { return uint32_t(oracle); }, {jorm_vec__##op, jorm_vec__##op##_$S },            \
+                                                                     {jorm_vec_##op, jorm_vec_##op##_$S },             \
+                                                                      {jorm_vec_##op##_$L, jorm_vec_##op##_$LS },      \
+                                                                       {jorm_vec__##op##_$I, jorm_vec__##op##_$IS },   \
+                                                                        {jorm_vec_##op##_$I, jorm_vec_##op##_$IS }, {  \
+            jorm_vec_##op##_$IL, jorm_vec_##op##_$ILS                                                                  \
+        }                                                                                                              \
+    }
+    const Family families[] = {FAMILY(add, a + b), FAMILY(sub, a - b), FAMILY(rsb, b - a), FAMILY(min, std::min(a, b)),
+                               FAMILY(max, std::max(a, b))};
     Random r(7);
     const auto random_vec = [&] {
         Index v;

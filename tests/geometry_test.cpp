@@ -28,21 +28,18 @@ template <class P, class R, class K, class C> struct Family {
     OfPoints<jorm_r2d_moment2> *poly_moment2, *poly_central, *moment2, *central;
 };
 
+// k: the letters of a kind of number; c: those of its centres.
+#define FAMILY(k, c)                                                                                                   \
+    Family<jorm_##k##_pt, jorm_##k##_rect, jorm_##k##_crect, jorm_##c##_pt> {                                          \
+        jorm_##k##_rect_intersec, jorm_##k##_rect_unite, jorm_##k##_rect_inside, __jorm_##k##_crect__$rect,            \
+            __jorm_##k##_rect__$crect, jorm_##k##_crect_inside, jorm_##k##_poly_inside, jorm_##k##_poly_perimeter,     \
+            jorm_##k##_poly_centroid, jorm_##k##_ptv_centroid, jorm_##k##_poly_moment2, jorm_##k##_poly_moment2_$c,    \
+            jorm_##k##_ptv_moment2, jorm_##k##_ptv_moment2_$c                                                          \
+    }
 template <class Test> void each_family(Test test) {
-    test(Family<jorm_2d_pt, jorm_2d_rect, jorm_2d_crect, jorm_r2d_pt>{
-        jorm_2d_rect_intersec, jorm_2d_rect_unite, jorm_2d_rect_inside, __jorm_2d_crect__$rect, __jorm_2d_rect__$crect,
-        jorm_2d_crect_inside, jorm_2d_poly_inside, jorm_2d_poly_perimeter, jorm_2d_poly_centroid, jorm_2d_ptv_centroid,
-        jorm_2d_poly_moment2, jorm_2d_poly_moment2_$c, jorm_2d_ptv_moment2, jorm_2d_ptv_moment2_$c});
-    test(Family<jorm_f2d_pt, jorm_f2d_rect, jorm_f2d_crect, jorm_f2d_pt>{
-        jorm_f2d_rect_intersec, jorm_f2d_rect_unite, jorm_f2d_rect_inside, __jorm_f2d_crect__$rect,
-        __jorm_f2d_rect__$crect, jorm_f2d_crect_inside, jorm_f2d_poly_inside, jorm_f2d_poly_perimeter,
-        jorm_f2d_poly_centroid, jorm_f2d_ptv_centroid, jorm_f2d_poly_moment2, jorm_f2d_poly_moment2_$c,
-        jorm_f2d_ptv_moment2, jorm_f2d_ptv_moment2_$c});
-    test(Family<jorm_r2d_pt, jorm_r2d_rect, jorm_r2d_crect, jorm_r2d_pt>{
-        jorm_r2d_rect_intersec, jorm_r2d_rect_unite, jorm_r2d_rect_inside, __jorm_r2d_crect__$rect,
-        __jorm_r2d_rect__$crect, jorm_r2d_crect_inside, jorm_r2d_poly_inside, jorm_r2d_poly_perimeter,
-        jorm_r2d_poly_centroid, jorm_r2d_ptv_centroid, jorm_r2d_poly_moment2, jorm_r2d_poly_moment2_$c,
-        jorm_r2d_ptv_moment2, jorm_r2d_ptv_moment2_$c});
+    test(FAMILY(2d, r2d));
+    test(FAMILY(f2d, f2d));
+    test(FAMILY(r2d, r2d));
 }
 
 // The members of a record, which are all numbers of one type.
@@ -97,18 +94,15 @@ template <class T, class S, class To, class From> void expect_cast(To *(*cast)(T
 template <class T, class S, class... Casts> void expect_casts(Casts... casts) { (expect_cast<T, S>(casts), ...); }
 
 TEST(Figures, CastsRoundToNearestEven) {
-    expect_casts<int32_t, float>(__jorm_2d_point__$cast$f, __jorm_2d_rect__$cast$f, __jorm_2d_crect__$cast$f,
-                                 __jorm_2d_quad__$cast$f);
-    expect_casts<int32_t, double>(__jorm_2d_point__$cast$r, __jorm_2d_rect__$cast$r, __jorm_2d_crect__$cast$r,
-                                  __jorm_2d_quad__$cast$r);
-    expect_casts<float, int32_t>(__jorm_f2d_point__$cast$i, __jorm_f2d_rect__$cast$i, __jorm_f2d_crect__$cast$i,
-                                 __jorm_f2d_quad__$cast$i);
-    expect_casts<float, double>(__jorm_f2d_point__$cast$r, __jorm_f2d_rect__$cast$r, __jorm_f2d_crect__$cast$r,
-                                __jorm_f2d_quad__$cast$r, __jorm_f2d_ellipse__$cast$r);
-    expect_casts<double, int32_t>(__jorm_r2d_point__$cast$i, __jorm_r2d_rect__$cast$i, __jorm_r2d_crect__$cast$i,
-                                  __jorm_r2d_quad__$cast$i);
-    expect_casts<double, float>(__jorm_r2d_point__$cast$f, __jorm_r2d_rect__$cast$f, __jorm_r2d_crect__$cast$f,
-                                __jorm_r2d_quad__$cast$f, __jorm_r2d_ellipse__$cast$f);
+#define CASTS(k, from)                                                                                                 \
+    __jorm_##k##_point__$cast$##from, __jorm_##k##_rect__$cast$##from, __jorm_##k##_crect__$cast$##from,               \
+        __jorm_##k##_quad__$cast$##from
+    expect_casts<int32_t, float>(CASTS(2d, f));
+    expect_casts<int32_t, double>(CASTS(2d, r));
+    expect_casts<float, int32_t>(CASTS(f2d, i));
+    expect_casts<float, double>(CASTS(f2d, r), __jorm_f2d_ellipse__$cast$r);
+    expect_casts<double, int32_t>(CASTS(r2d, i));
+    expect_casts<double, float>(CASTS(r2d, f), __jorm_r2d_ellipse__$cast$f);
     for (const double k : {0.5, -2.5, 2147483647.4, 2147483647.5, -3e9, nan}) {
         jorm_2d_pt one = {1, 0};
         EXPECT_EQ(jorm_2d_pt_scale_$I(&one, k)->x, converted(JORM_S32, k)) << k;
@@ -169,20 +163,16 @@ TEST(Points, EveryFamily) {
             EXPECT_EQ(members<T>(other), (std::array<T, 4>{want[0] - 1, want[1], want[2] + 2, want[3]}));
         }
     };
-    test(Pairs<jorm_2d_pt, jorm_2d_rect, jorm_r2d_pt, int64_t>{
-        __jorm_2d_point__$g2, __jorm_2d_point__$, jorm_2d_pt_add, jorm_2d_pt_sub, jorm_2d_pt_scale, jorm_2d_pt_equal,
-        jorm_2d_pt_dot, jorm_2d_pt_cross, jorm_2d_pt_dist2, jorm_2d_pt_dist, jorm_2d_pt_norm, __jorm_2d_rect__$pts,
-        __jorm_2d_rect__$g4, jorm_2d_rect_grow_$I, jorm_2d_rect_equal, jorm_2d_rect_area, jorm_2d_rect_centre});
-    test(Pairs<jorm_f2d_pt, jorm_f2d_rect, jorm_f2d_pt, double>{
-        __jorm_f2d_point__$g2, __jorm_f2d_point__$, jorm_f2d_pt_add, jorm_f2d_pt_sub, jorm_f2d_pt_scale,
-        jorm_f2d_pt_equal, jorm_f2d_pt_dot, jorm_f2d_pt_cross, jorm_f2d_pt_dist2, jorm_f2d_pt_dist, jorm_f2d_pt_norm,
-        __jorm_f2d_rect__$pts, __jorm_f2d_rect__$g4, jorm_f2d_rect_grow_$I, jorm_f2d_rect_equal, jorm_f2d_rect_area,
-        jorm_f2d_rect_centre});
-    test(Pairs<jorm_r2d_pt, jorm_r2d_rect, jorm_r2d_pt, double>{
-        __jorm_r2d_point__$g2, __jorm_r2d_point__$, jorm_r2d_pt_add, jorm_r2d_pt_sub, jorm_r2d_pt_scale,
-        jorm_r2d_pt_equal, jorm_r2d_pt_dot, jorm_r2d_pt_cross, jorm_r2d_pt_dist2, jorm_r2d_pt_dist, jorm_r2d_pt_norm,
-        __jorm_r2d_rect__$pts, __jorm_r2d_rect__$g4, jorm_r2d_rect_grow_$I, jorm_r2d_rect_equal, jorm_r2d_rect_area,
-        jorm_r2d_rect_centre});
+#define PAIRS(k, c, number)                                                                                            \
+    Pairs<jorm_##k##_pt, jorm_##k##_rect, jorm_##c##_pt, number>{                                                      \
+        __jorm_##k##_point__$g2, __jorm_##k##_point__$,   jorm_##k##_pt_add,     jorm_##k##_pt_sub,                    \
+        jorm_##k##_pt_scale,     jorm_##k##_pt_equal,     jorm_##k##_pt_dot,     jorm_##k##_pt_cross,                  \
+        jorm_##k##_pt_dist2,     jorm_##k##_pt_dist,      jorm_##k##_pt_norm,    __jorm_##k##_rect__$pts,              \
+        __jorm_##k##_rect__$g4,  jorm_##k##_rect_grow_$I, jorm_##k##_rect_equal, jorm_##k##_rect_area,                 \
+        jorm_##k##_rect_centre}
+    test(PAIRS(2d, r2d, int64_t));
+    test(PAIRS(f2d, f2d, double));
+    test(PAIRS(r2d, r2d, double));
 }
 
 // Rectangles on a small lattice against the membership of its points.
@@ -444,14 +434,13 @@ TEST(Quadrilaterals, LatticeCorners) {
         Q q;
         EXPECT_EQ(members<T>(*f.of_rect(&q, &rect)), (std::array<T, 8>{-3, 2, -3, 11, 2, 11, 2, 2}));
     };
-    test(Quads<jorm_2d_pt, jorm_2d_rect, jorm_2d_quad>{__jorm_2d_quad__$pts, __jorm_2d_quad__$rect, jorm_2d_quad_area,
-                                                       jorm_2d_quad_isconvex, jorm_2d_quad_inside, jorm_2d_quad_brect});
-    test(Quads<jorm_f2d_pt, jorm_f2d_rect, jorm_f2d_quad>{__jorm_f2d_quad__$pts, __jorm_f2d_quad__$rect,
-                                                          jorm_f2d_quad_area, jorm_f2d_quad_isconvex,
-                                                          jorm_f2d_quad_inside, jorm_f2d_quad_brect});
-    test(Quads<jorm_r2d_pt, jorm_r2d_rect, jorm_r2d_quad>{__jorm_r2d_quad__$pts, __jorm_r2d_quad__$rect,
-                                                          jorm_r2d_quad_area, jorm_r2d_quad_isconvex,
-                                                          jorm_r2d_quad_inside, jorm_r2d_quad_brect});
+#define QUADS(k)                                                                                                       \
+    Quads<jorm_##k##_pt, jorm_##k##_rect, jorm_##k##_quad>{__jorm_##k##_quad__$pts, __jorm_##k##_quad__$rect,          \
+                                                           jorm_##k##_quad_area,    jorm_##k##_quad_isconvex,          \
+                                                           jorm_##k##_quad_inside,  jorm_##k##_quad_brect}
+    test(QUADS(2d));
+    test(QUADS(f2d));
+    test(QUADS(r2d));
 }
 
 template <class P, class R, class Q, class E> struct FloatQuads {
@@ -500,16 +489,12 @@ TEST(Quadrilaterals, TurnedRectangles) {
             expect_near(std::sin(e.angle) * s - std::cos(e.angle) * c, 0, 10 * tolerance);
         }
     };
-    test(
-        FloatQuads<jorm_f2d_pt, jorm_f2d_rect, jorm_f2d_quad, jorm_f2d_ell>{
-            __jorm_f2d_quad__$rect, jorm_f2d_quad_rotate_$I, jorm_f2d_quad_bquad, jorm_f2d_quad_centroid,
-            jorm_f2d_quad_moment2, jorm_f2d_quad_moment2_$c, jorm_f2d_quad_rotation, jorm_f2d_quad_fitell},
-        4e-6L);
-    test(
-        FloatQuads<jorm_r2d_pt, jorm_r2d_rect, jorm_r2d_quad, jorm_r2d_ell>{
-            __jorm_r2d_quad__$rect, jorm_r2d_quad_rotate_$I, jorm_r2d_quad_bquad, jorm_r2d_quad_centroid,
-            jorm_r2d_quad_moment2, jorm_r2d_quad_moment2_$c, jorm_r2d_quad_rotation, jorm_r2d_quad_fitell},
-        1e-14L);
+#define FLOAT_QUADS(k)                                                                                                 \
+    FloatQuads<jorm_##k##_pt, jorm_##k##_rect, jorm_##k##_quad, jorm_##k##_ell>{                                       \
+        __jorm_##k##_quad__$rect, jorm_##k##_quad_rotate_$I,  jorm_##k##_quad_bquad,    jorm_##k##_quad_centroid,      \
+        jorm_##k##_quad_moment2,  jorm_##k##_quad_moment2_$c, jorm_##k##_quad_rotation, jorm_##k##_quad_fitell}
+    test(FLOAT_QUADS(f2d), 4e-6L);
+    test(FLOAT_QUADS(r2d), 1e-14L);
 }
 
 TEST(Solvers, Roots) {

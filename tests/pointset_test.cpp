@@ -13,23 +13,19 @@ using Pairs = std::vector<std::pair<double, double>>;
 __extension__ typedef __int128 Big;
 
 // The three families behind one set of overloads, for points that all of them can hold.
-#define FAMILY(P, srt, hul, cpy, alo, area, ccw, cw, cvx, col)                                                         \
-    void angular_sort(P *p, int n) { EXPECT_EQ(p, srt(p, n)); }                                                        \
-    int hull(P *p, int n) { return hul(p, n); }                                                                        \
-    int hull(P *out, const P *p, int n) { return cpy(out, p, n); }                                                     \
-    int hull(const P *p, int n, P **out) { return alo(p, n, out); }                                                    \
-    std::vector<double> shape(const P *p, int n) {                                                                     \
-        return {area(p, n), double(ccw(p, n)), double(cw(p, n)), double(cvx(p, n)), double(col(p, n))};                \
+#define FAMILY(k)                                                                                                      \
+    void angular_sort(jorm_##k##_pt *p, int n) { EXPECT_EQ(p, jorm_##k##_ptv_sort_$I(p, n)); }                         \
+    int hull(jorm_##k##_pt *p, int n) { return jorm_##k##_ptv_convexhull_$I(p, n); }                                   \
+    int hull(jorm_##k##_pt *out, const jorm_##k##_pt *p, int n) { return jorm_##k##_ptv_convexhull(out, p, n); }       \
+    int hull(const jorm_##k##_pt *p, int n, jorm_##k##_pt **out) { return jorm_##k##_ptv_aconvexhull(p, n, out); }     \
+    std::vector<double> shape(const jorm_##k##_pt *p, int n) {                                                         \
+        return {jorm_##k##_ptv___sarea(p, n), double(jorm_##k##_ptv_iscclockwise(p, n)),                               \
+                double(jorm_##k##_ptv_isclockwise(p, n)), double(jorm_##k##_ptv_isconvex(p, n)),                       \
+                double(jorm_##k##_ptv_all_colinear(p, n))};                                                            \
     }
-FAMILY(jorm_2d_pt, jorm_2d_ptv_sort_$I, jorm_2d_ptv_convexhull_$I, jorm_2d_ptv_convexhull, jorm_2d_ptv_aconvexhull,
-       jorm_2d_ptv___sarea, jorm_2d_ptv_iscclockwise, jorm_2d_ptv_isclockwise, jorm_2d_ptv_isconvex,
-       jorm_2d_ptv_all_colinear)
-FAMILY(jorm_f2d_pt, jorm_f2d_ptv_sort_$I, jorm_f2d_ptv_convexhull_$I, jorm_f2d_ptv_convexhull, jorm_f2d_ptv_aconvexhull,
-       jorm_f2d_ptv___sarea, jorm_f2d_ptv_iscclockwise, jorm_f2d_ptv_isclockwise, jorm_f2d_ptv_isconvex,
-       jorm_f2d_ptv_all_colinear)
-FAMILY(jorm_r2d_pt, jorm_r2d_ptv_sort_$I, jorm_r2d_ptv_convexhull_$I, jorm_r2d_ptv_convexhull, jorm_r2d_ptv_aconvexhull,
-       jorm_r2d_ptv___sarea, jorm_r2d_ptv_iscclockwise, jorm_r2d_ptv_isclockwise, jorm_r2d_ptv_isconvex,
-       jorm_r2d_ptv_all_colinear)
+FAMILY(2d)
+FAMILY(f2d)
+FAMILY(r2d)
 
 // Integer points on a grid of the given pitch.
 template <class P> std::vector<P> on_grid(const Points &points, double origin, double pitch) {
