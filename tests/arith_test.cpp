@@ -319,7 +319,7 @@ TEST(Statuses, NullsFurtherDown) {
 }
 
 TEST(Statuses, EmptySizesWriteNothing) {
-    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+    Env xe;
     Random r(8);
     for (const char *types : {"bbb", "bii"}) // the second needs a strip
         for (const auto &[rows, pixels] : {std::pair{0, 1}, {1, 0}, {-1, 5}, {5, -1}, {0, 0}}) {
@@ -331,7 +331,6 @@ TEST(Statuses, EmptySizesWriteNothing) {
             EXPECT_EQ(call(c, xe), JORM_OK);
             EXPECT_EQ(before, c.x[0]->memory);
         }
-    JormXEclose(xe);
 }
 
 // What a destination narrower than its sources needs.
@@ -341,12 +340,11 @@ TEST(Statuses, StripsNeedAnEnvironmentWithMemory) {
     const Bytes before = c.x[0]->memory;
     EXPECT_EQ(call(c, nullptr), JORM_EINVAL);
     if (own_heap) {
-        jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+        Env xe;
         heap_limit = 0;
         while (JormXEalloca(xe, 4096, 0)) continue;
         const int64_t status = call(c, xe);
         heap_limit = SIZE_MAX;
-        JormXEclose(xe);
         EXPECT_EQ(status, JORM_ENOMEM);
     }
     EXPECT_EQ(before, c.x[0]->memory);

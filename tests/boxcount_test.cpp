@@ -17,13 +17,8 @@ void check_case(Random &r, jorm_xe *xe, int rows, int pixels) {
         if (type == JORM_F32) return style == 0 && r.one_in(3) ? nan : r.in(-1000, 1000) / 64.;
         return style == 0 ? r.of(std::array{lowest(type), highest(type)}) : r.in(0, 100);
     });
-    Index o = {}, n = full;
-    jorm_site roi = {};
-    const bool part = r.one_in(2);
-    for (size_t i = 0; i < 4; ++i) {
-        if (part) o[i] = r.in(0, n[i] - 1), n[i] = r.in(1, n[i] - o[i]);
-        roi.origin[i] = o[i], roi.size[i] = n[i];
-    }
+    const Part part(r, full);
+    const Index &o = part.origin, &n = part.size;
     const bool with_shape = !r.one_in(4);
     jorm_seshape shape = {};
     Index window = {1, 5, 5, 1};
@@ -72,8 +67,8 @@ void check_case(Random &r, jorm_xe *xe, int rows, int pixels) {
     for (int level = 0; level < jorm::level_count; ++level) {
         use_level(level);
         double results[4] = {-7, -7, -7, -7};
-        ASSERT_EQ(JormCountRelBox(xe, uint64_t(chosen) << 4, &src.a, part ? &roi : nullptr,
-                                  with_shape ? &shape : nullptr, given ? ranges : nullptr, results),
+        ASSERT_EQ(JormCountRelBox(xe, uint64_t(chosen) << 4, &src.a, part.roi(), with_shape ? &shape : nullptr,
+                                  given ? ranges : nullptr, results),
                   JORM_OK);
         for (int c = 0; c < 4; ++c) ASSERT_EQ(results[c], expected[c]) << "type " << type << " level " << level;
     }
@@ -81,20 +76,19 @@ void check_case(Random &r, jorm_xe *xe, int rows, int pixels) {
 
 TEST(BoxCount, Counts) {
     Random r(61);
-    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+    Env xe;
     for (int i = 0; i < 2560; ++i) {
         const bool large = i >= 2500;
         const int rows = r.in(1, large ? 30 : 14), pixels = r.in(1, large ? 900 : 20);
         check_case(r, xe, rows, pixels);
     }
-    JormXEclose(xe);
 }
 
 TEST(BoxCount, Refusals) {
     Random r(62);
     Picture a(r, JORM_U8, {1, 6, 6, 3}, true), four(r, JORM_U8, {1, 6, 6, 4}, true),
         f64(r, JORM_F64, {1, 6, 6, 1}, true);
-    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+    Env xe;
     double results[4] = {-7, -7, -7, -7};
     const jorm_site outside = {{0, 6, 0, 0}, {1, 1, 1, 3}};
     const jorm_seshape narrow = {{}, {1, -6, 3, 0}};
@@ -107,7 +101,6 @@ TEST(BoxCount, Refusals) {
     EXPECT_EQ(count(xe, &f64.a, nullptr, nullptr, results), JORM_ENOTSUP);
     EXPECT_EQ(results[0], -7);
     EXPECT_EQ(count(xe, &a.a, nullptr, &narrow, results), JORM_OK); // an extent of 0 becomes 1
-    JormXEclose(xe);
 }
 
 } // namespace

@@ -35,9 +35,8 @@ double written(uint32_t type, double v) {
 }
 
 struct Compare : testing::Test {
-    jorm_xe *xe = JormXEopen(nullptr, nullptr, 0);
+    Env xe;
     Random r{11};
-    ~Compare() override { JormXEclose(xe); }
 
     Picture picture(uint32_t type, const Index &extent, int ndims = 3, bool plain = false) {
         Picture p(r, type, extent, plain, ndims);

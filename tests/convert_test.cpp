@@ -23,9 +23,8 @@ double mapped(double x, const vrng &d, const vrng &s) {
 }
 
 struct Convert : testing::Test {
-    jorm_xe *xe = JormXEopen(nullptr, nullptr, 0);
+    Env xe;
     Random r{7};
-    ~Convert() override { JormXEclose(xe); }
 
     Picture picture(uint32_t type, const Index &extent, int ndims = 3) {
         Picture p(r, type, extent, false, ndims);
@@ -250,11 +249,7 @@ TEST_F(Convert, GainsInEveryLayout) {
                     if (round % 7 == 6) (r.one_in(2) ? gain : offset)[c] = r.of(odd);
                 }
                 const bool no_gain = round % 11 == 5, no_offset = round % 4 == 1;
-                Bytes reference;
-                const Bytes before = dst.memory;
-                for (int level = 0; level < jorm::level_count; ++level) {
-                    use_level(level);
-                    std::copy(before.begin(), before.end(), dst.memory.begin());
+                at_each_level(dst, [&](int level) {
                     ASSERT_EQ(JormGain(nullptr, 0, &dst.a, &src.a, no_gain ? nullptr : gain,
                                        no_offset ? nullptr : offset, nullptr, nullptr),
                               0);
@@ -265,7 +260,7 @@ TEST_F(Convert, GainsInEveryLayout) {
                             << d << " <- " << s << " level " << level << " of " << x << " * " << gain[i[3]] << " + "
                             << offset[i[3]] << ": " << got << ", not " << wish;
                     });
-                }
+                });
             }
 }
 

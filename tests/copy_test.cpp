@@ -47,11 +47,10 @@ struct Operand {
 
 class Copies : public testing::Test {
 protected:
-    jorm_xe *xe = JormXEopen(nullptr, nullptr, 0);
+    Env xe;
     Random r{20240817};
     Bytes buffers[3], before[3];
 
-    ~Copies() override { JormXEclose(xe); }
     void new_round(int i) {
         use_level(i % jorm::level_count);
         for (Bytes &b : buffers) {
@@ -268,7 +267,7 @@ TEST_F(Copies, OverlapsInPlace) {
         {"one row for all", 0, w, 1, w, 0, 1, h, w, true},
     };
     for (const auto &c : cases)
-        for (jorm_xe *with : {xe, static_cast<jorm_xe *>(nullptr)}) {
+        for (jorm_xe *with : {&xe.xe, static_cast<jorm_xe *>(nullptr)}) {
             SCOPED_TRACE(testing::Message() << c.name << (with ? "" : " without an environment"));
             new_round(1);
             const auto in_buffer = [&](int first, int row, int pixel) {

@@ -94,13 +94,9 @@ void check_case(Random &r, int rows, int pixels) {
     const Index full = {axes == 4 ? r.in(1, 3) : 1, rows, pixels, r.in(1, 3)};
     Picture src(r, type, full, false, axes);
     src.fill([&] { return sample(r, type, style); });
-    jorm_site roi = {};
-    Index o = {}, n = full;
-    const bool part = r.one_in(2), masked = type != JORM_S8 && r.one_in(2), inverted = r.one_in(2);
-    for (size_t i = 0; i < 4; ++i) {
-        if (part) o[i] = r.in(0, n[i] - 1), n[i] = r.in(1, n[i] - o[i]);
-        roi.origin[i] = o[i], roi.size[i] = n[i];
-    }
+    const Part part(r, full);
+    const Index &o = part.origin, &n = part.size;
+    const bool masked = type != JORM_S8 && r.one_in(2), inverted = r.one_in(2);
     const Index m = {0, r.in(0, 2), r.in(0, 2), 0};
     Picture mask(r, r.of(std::array{JORM_U8, JORM_S8}), {full[0], n[1] + m[1], n[2] + m[2], 1}, false, axes);
     mask.fill([&] { return r.in(0, 7) < density ? r.in(1, 255) : 0; });
@@ -124,10 +120,9 @@ void check_case(Random &r, int rows, int pixels) {
         uint8_t *const p = src.at(layer == 1 ? Index{} : o), *const q = mask.at(layer == 1 ? Index{} : m);
         const jorm_histparams params = {0, h};
         const auto call = [&] {
-            const jorm_site *const where = part ? &roi : nullptr;
             if (layer == 0)
-                return masked ? JormHistogramEx(xe, options, &src.a, &mask.a, where, m.data(), 0, h)
-                              : JormHistogram(xe, options, &src.a, where, 0, h);
+                return masked ? JormHistogramEx(xe, options, &src.a, &mask.a, part.roi(), m.data(), 0, h)
+                              : JormHistogram(xe, options, &src.a, part.roi(), 0, h);
             if (layer == 1)
                 return masked ? jorma_histogram_xm(xe, options, word, s, type, p, &o[lead], stride, q, &m[lead], by, h)
                               : jorma_histogram(xe, options, word, s, type, p, &o[lead], stride, h);

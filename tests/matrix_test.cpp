@@ -32,66 +32,48 @@ template <class A, class B> double sum_of(int n, A a, B b) {
     return sum;
 }
 
-// Runs the call at every level; afterwards `dst` holds what `expected` says in all of `size`, and nothing else changed.
-template <class Call, class F>
-void expect_result(Picture &dst, const Index &size, Call call, F expected, Picture *restored = nullptr) {
-    const uint32_t type = dst.a.eltype;
-    Picture &owner = restored ? *restored : dst;
-    const Bytes before = owner.memory;
-    std::vector<double> wanted;
-    each(size, [&](const Index &i) { wanted.push_back(rounded(type, expected(i))); });
-    for (int level = 0; level < jorm::level_count; ++level) {
-        use_level(level);
-        std::copy(before.begin(), before.end(), owner.memory.begin());
-        ASSERT_EQ(call(), JORM_OK);
-        size_t k = 0;
-        each(size, [&](const Index &i) {
-            const double got = dst.get(i);
-            ASSERT_TRUE(same(got, wanted[k])) << got << " for " << wanted[k] << ", type " << type << " level " << level;
-            ++k;
-        });
-        each(size, [&](const Index &i) {
-            const size_t at = size_t(dst.at(i) - owner.memory.data()), n = size_t(bytes_of(type));
-            std::memcpy(&owner.memory[at], &before[at], n);
-        });
-        ASSERT_TRUE(owner.memory == before);
-    }
+double at(const Picture &p, int y, int x) { return p.get({0, y, x, 0}); }
+double product(const Picture &a, const Picture &b, int y, int x) {
+    return sum_of(
+        extent_of(a.a)[2], [&](int k) { return at(a, y, k); }, [&](int k) { return at(b, k, x); });
 }
 
-void check_products(Random &r, jorm_xe *xe, int most) {
-    const int h = r.in(1, most), k = r.in(1, most), w = r.in(1, most);
-    const bool special = r.one_in(3);
+// Runs the call at every level; afterwards `dst` holds what `expected` says, and nothing else in its memory changed.
+template <class Call, class F> void expect_result(Picture &memory, const jorm_array &dst, Call call, F expected) {
+    const uint32_t type = dst.eltype;
+    const Bytes before = memory.memory;
+    std::vector<double> wanted;
+    each(extent_of(dst), [&](const Index &i) { wanted.push_back(rounded(type, expected(i))); });
+    at_each_level(memory, [&](int level) {
+        ASSERT_EQ(call(), JORM_OK);
+        size_t k = 0;
+        each(extent_of(dst), [&](const Index &i) {
+            uint8_t *const p = element(dst, i);
+            const double got = load(type, p), wish = wanted[k++];
+            ASSERT_TRUE(same(got, wish)) << got << " for " << wish << ", type " << type << " level " << level;
+            std::memcpy(p, &before[size_t(p - memory.memory.data())], size_t(bytes_of(type)));
+        });
+        ASSERT_TRUE(memory.memory == before);
+    });
+}
+
+void check_product(Random &r, jorm_xe *xe, int h, int k, int w, bool special) {
     Picture a(r, r.of(reals), {1, h, k, 1}), b(r, r.of(reals), {1, k, w, 1}), dst(r, r.of(reals), {1, h, w, 1});
     fill(r, a, special), fill(r, b, special);
     expect_result(
-        dst, {1, h, w, 1}, [&] { return JormMulMM(xe, 0, &dst.a, &a.a, &b.a); },
-        [&](const Index &i) {
-            return sum_of(
-                k,
-                [&](int j) {
-                    return a.get({0, i[1], j, 0});
-                },
-                [&](int j) {
-                    return b.get({0, j, i[2], 0});
-                });
-        });
+        dst, dst.a, [&] { return JormMulMM(xe, 0, &dst.a, &a.a, &b.a); },
+        [&](const Index &i) { return product(a, b, i[1], i[2]); });
 
-    const bool upright = r.one_in(2), result_upright = r.one_in(2);
+    const bool upright = r.one_in(2);
     Picture v(r, r.of(reals), upright ? Index{1, k, 1, 1} : Index{1, 1, k, 1});
-    const Index size = result_upright ? Index{1, h, 1, 1} : Index{1, 1, h, 1};
-    Picture out(r, r.of(reals), size);
+    Picture out(r, r.of(reals), r.one_in(2) ? Index{1, h, 1, 1} : Index{1, 1, h, 1});
     fill(r, v, special);
+    const auto element = [&](int j) { return upright ? at(v, j, 0) : at(v, 0, j); };
     expect_result(
-        out, size, [&] { return JormMulMV(xe, 0, &out.a, &a.a, &v.a); },
+        out, out.a, [&] { return JormMulMV(xe, 0, &out.a, &a.a, &v.a); },
         [&](const Index &i) {
             return sum_of(
-                k,
-                [&](int j) {
-                    return a.get({0, i[1] + i[2], j, 0});
-                },
-                [&](int j) {
-                    return v.get(upright ? Index{0, j, 0, 0} : Index{0, 0, j, 0});
-                });
+                k, [&](int j) { return at(a, i[1] + i[2], j); }, element);
         });
 }
 
@@ -109,75 +91,50 @@ void check_vectors(Random &r, jorm_xe *xe, bool in_pixels, Place place, int most
     m.fill([&] { return r.one_in(30) ? r.of(std::array{nan, inf, 3e9}) : r.in(-2000, 2000) / 1024.; });
     Picture src(r, src_type, from, false, axes);
     jorm_array v = src.a, d = dst.a;
-    Picture *owner = &dst;
-    if (place != Place::apart) {
-        // One row less of the destination's memory, from one row further on.
-        fill(r, dst, false);
-        v = dst.a;
-        if (place == Place::shifted) {
-            if (size[1] < 2) return;
-            --v.extent[1], --dst.a.extent[1];
-            v.loff += v.stride[1];
-            d = dst.a;
-        }
-    } else
-        fill(r, src, true);
+    fill(r, place == Place::apart ? src : dst, place == Place::apart);
+    if (place != Place::apart) v = dst.a;
+    if (place == Place::shifted) { // both one row less, one of them from one row further on
+        if (size[1] < 2) return;
+        --v.extent[1], --d.extent[1];
+        v.loff += v.stride[1];
+    }
     std::vector<double> source;
     const Index count = extent_of(v);
     each(count, [&](const Index &i) { source.push_back(load(v.eltype, element(v, i))); });
-    const auto at = [&](const Index &i) {
-        return source[size_t(((i[0] * count[1] + i[1]) * count[2] + i[2]) * count[3] + i[3])];
+    const auto at_source = [&](int z, int y, int x, int c) {
+        return source[size_t(((z * count[1] + y) * count[2] + x) * count[3] + c)];
     };
     expect_result(
-        dst, extent_of(d), [&] { return JormMulMV_n(xe, 0, &d, &m.a, &v); },
+        dst, d, [&] { return JormMulMV_n(xe, 0, &d, &m.a, &v); },
         [&](const Index &i) {
-            const int row = in_pixels ? i[3] : i[2];
-            return sum_of(
-                k,
-                [&](int j) {
-                    return m.get({0, row, j, 0});
-                },
-                [&](int j) {
-                    return at({i[0], i[1], in_pixels ? i[2] : j, in_pixels ? j : 0});
-                });
-        },
-        owner);
+            const auto of_matrix = [&](int j) { return at(m, in_pixels ? i[3] : i[2], j); };
+            const auto of_vector = [&](int j) {
+                return in_pixels ? at_source(i[0], i[1], i[2], j) : at_source(i[0], i[1], j, 0);
+            };
+            return sum_of(k, of_matrix, of_vector);
+        });
 }
 
 TEST(Matrix, Products) {
     Random r(51);
-    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
-    for (int i = 0; i < 600; ++i) check_products(r, xe, 12);
-    for (int i = 0; i < 60; ++i) check_products(r, xe, 70);
-    // Beyond every block: several rows of blocks, pieces of the sums, and rows too long for many of them.
-    for (const auto &[h, k, w] : {std::array{150, 400, 30}, {9, 9000, 5}, {1, 500, 60}}) {
-        Picture a(r, JORM_F32, {1, h, k, 1}), b(r, JORM_F32, {1, k, w, 1}), dst(r, JORM_F32, {1, h, w, 1});
-        fill(r, a, false), fill(r, b, false);
-        expect_result(
-            dst, {1, h, w, 1}, [&] { return JormMulMM(xe, 0, &dst.a, &a.a, &b.a); },
-            [&, k = k](const Index &i) {
-                return sum_of(
-                    k,
-                    [&](int j) {
-                        return a.get({0, i[1], j, 0});
-                    },
-                    [&](int j) {
-                        return b.get({0, j, i[2], 0});
-                    });
-            });
+    Env xe;
+    for (int i = 0; i < 660; ++i) {
+        const int most = i < 600 ? 12 : 70, h = r.in(1, most), k = r.in(1, most), w = r.in(1, most);
+        check_product(r, xe, h, k, w, r.one_in(3));
     }
-    JormXEclose(xe);
+    // Beyond every block: several rows of blocks, pieces of the sums, and rows too long for many of them.
+    for (const auto &[h, k, w] : {std::array{150, 400, 30}, {9, 9000, 5}, {1, 500, 60}})
+        check_product(r, xe, h, k, w, false);
 }
 
 TEST(Matrix, ManyVectors) {
     Random r(52);
-    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+    Env xe;
     for (int i = 0; i < 900; ++i) {
         const bool in_pixels = r.one_in(2);
         const Place place = r.of(std::array{Place::apart, Place::same, Place::shifted});
         check_vectors(r, xe, in_pixels, place, r.one_in(8) ? 700 : 90);
     }
-    JormXEclose(xe);
 }
 
 TEST(Matrix, Refusals) {
@@ -186,7 +143,7 @@ TEST(Matrix, Refusals) {
         out(r, JORM_F32, {1, 4, 4, 1}, true);
     Picture wide(r, JORM_F32, {1, 4, 5, 1}, true), colour(r, JORM_U8, {1, 3, 3, 3}, true);
     Picture whole(r, JORM_S32, {1, 4, 4, 1}, true), deep(r, JORM_F32, {1, 4, 4, 1}, true, 4);
-    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+    Env xe;
     const Bytes before = out.memory;
     const jorm_array *const no = nullptr;
     const auto with = [](jorm_array array, auto change) { return change(array), array; };
@@ -206,7 +163,6 @@ TEST(Matrix, Refusals) {
     expect_each(JORM_ENOTSUP, {JormMulMM(xe, 0, &out.a, &whole.a, &b.a), JormMulMM(xe, 0, &whole.a, &a.a, &b.a),
                                JormMulMM(xe, 0, &deep.a, &a.a, &b.a), JormMulMV_n(xe, 0, &out.a, &whole.a, &b.a)});
     EXPECT_EQ(out.memory, before);
-    JormXEclose(xe);
 }
 
 } // namespace

@@ -28,7 +28,7 @@ struct Pages {
 
 TEST(Reads, StayInside) {
     const Pages from, by, to;
-    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+    Env xe;
     const double values[4] = {1, 2, 3, 4};
     double sums[4];
     jorm_minmax extrema;
@@ -59,7 +59,6 @@ TEST(Reads, StayInside) {
                 ASSERT_EQ(JormGain(xe, 0, &d, &a, values, values, nullptr, nullptr), 0);
                 ASSERT_EQ(JormMin(xe, 0, &d, &a, &d, nullptr, nullptr, nullptr), 0);
             }
-    JormXEclose(xe);
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 #include "support/failures.hpp"
 #include "support/picture.hpp"
 
-
 namespace {
 
 using Place = std::array<int32_t, 2>;

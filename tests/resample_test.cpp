@@ -74,11 +74,8 @@ void check_resize(Random &r, bool large) {
         at[3] += i[3];
         std::memcpy(&expected[size_t(dst.at(sum(to, o)) - dst.memory.data())], src.at(at), size_t(bytes_of(type)));
     });
-    const Bytes before = dst.memory;
-    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
-    for (int level = 0; level < jorm::level_count; ++level) {
-        use_level(level);
-        std::copy(before.begin(), before.end(), dst.memory.begin());
+    Env xe;
+    at_each_level(dst, [&](int level) {
         double f[4];
         std::copy(factors, factors + 4, f);
         const jorm_site *const to = parts ? &roi : nullptr, *const where = parts ? &src_roi : nullptr;
@@ -90,8 +87,7 @@ void check_resize(Random &r, bool large) {
             const bool replaced = k < 3 && !nothing && std::fabs(factors[k]) < 1e-7;
             ASSERT_EQ(f[k], replaced ? double(along[k].p) / double(along[k].q) : factors[k]);
         }
-    }
-    JormXEclose(xe);
+    });
 }
 
 TEST(Resize, ReadsTheNearest) {
@@ -102,7 +98,7 @@ TEST(Resize, ReadsTheNearest) {
 
 // Every pair of sizes of one row, where rounded quotients would go wrong.
 TEST(Resize, IsExactForSizes) {
-    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+    Env xe;
     std::vector<int32_t> from(600), to(600);
     for (int i = 0; i < 600; ++i) from[size_t(i)] = i;
     Random r(42);
@@ -128,13 +124,12 @@ TEST(Resize, IsExactForSizes) {
     factors[2] = 0.5;
     ASSERT_EQ(JormEResize(xe, 0, &dst, &src, nullptr, nullptr, factors, offsets), 0);
     EXPECT_EQ((std::array{to[0], to[1], to[2]}), (std::array{0, 1, 3})); // just below 0, 2, 4
-    JormXEclose(xe);
 }
 
 TEST(Resize, Refusals) {
     Random r(43);
     Picture dst(r, JORM_U8, {1, 6, 6, 3}, true), src(r, JORM_U8, {1, 4, 4, 3}, true);
-    jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+    Env xe;
     const Bytes before = dst.memory;
     double factors[4] = {};
     const auto call = [&](const jorm_array &d, const jorm_array &s, const jorm_site *roi = nullptr,
@@ -167,7 +162,6 @@ TEST(Resize, Refusals) {
     EXPECT_EQ(dst.memory, before);
     expect_each(0, {int64_t(factors[0]), int64_t(factors[1]), int64_t(factors[2])});
     EXPECT_EQ(call(columns(0, 3), columns(3, 3)), JORM_OK);
-    JormXEclose(xe);
 }
 
 TEST(Resize, Factors) {

@@ -66,13 +66,10 @@ void check_case(Random &r, int rows, int pixels) {
     Picture src(r, type, full, false, axes);
     src.fill([&] { return sample(r, type, style); });
 
-    jorm_site roi = {};
-    Index o = {}, n = full;
-    const bool part = r.one_in(2), masked = r.one_in(2), inverted = r.one_in(2);
-    for (size_t i = 0; i < 4; ++i) {
-        if (part) o[i] = r.in(0, n[i] - 1), n[i] = r.in(1, n[i] - o[i]);
-        roi.origin[i] = o[i], roi.size[i] = n[i];
-    }
+    const Part part(r, full);
+    const Index &o = part.origin;
+    Index n = part.size;
+    const bool masked = r.one_in(2), inverted = r.one_in(2);
     const Index m = {r.in(0, axes - 3), r.in(0, 2), r.in(0, 2), 0};
     Picture mask(r, r.of(std::array{JORM_U8, JORM_S8}), {full[0], n[1] + m[1], n[2] + m[2], 1}, false, axes);
     mask.fill([&] { return r.in(0, 7) < density ? r.in(1, 255) : 0; });
@@ -83,7 +80,6 @@ void check_case(Random &r, int rows, int pixels) {
     src.a.extent[3] |= in_code << 4;
     const uint64_t options =
         (chosen - in_code) << 4 | (inverted ? JORM_OPT_MASK_INVERT : 0) | (r.one_in(2) ? JORM_OPT_FAST : 0);
-    const jorm_site *const where = part ? &roi : nullptr;
     const int lead = 4 - axes;
     const uint32_t word = JORM_WORD(axes);
     const Index size = {n[0], n[1], n[2], n[3] | int(in_code << 4)};
@@ -96,8 +92,8 @@ void check_case(Random &r, int rows, int pixels) {
                               auto tga_ex, auto *out) {
             uint8_t *const p = src.at(layer == adapter ? Index{} : o);
             uint8_t *const q = mask.at(layer == adapter ? Index{} : m);
-            if (layer == entry && masked) return ex(nullptr, options, &src.a, &mask.a, where, m.data(), out);
-            if (layer == entry) return plain(nullptr, options, &src.a, where, out);
+            if (layer == entry && masked) return ex(nullptr, options, &src.a, &mask.a, part.roi(), m.data(), out);
+            if (layer == entry) return plain(nullptr, options, &src.a, part.roi(), out);
             if (layer == adapter && masked)
                 return base_xm(nullptr, options, word, s, type, p, &o[lead], stride, q, &m[lead], by, out);
             if (layer == adapter) return base(nullptr, options, word, s, type, p, &o[lead], stride, out);

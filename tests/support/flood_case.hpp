@@ -9,13 +9,6 @@ namespace {
 
 using Samples = std::vector<uint8_t>;
 
-struct Env {
-    jorm_xe xe = {};
-    Env() { JormXEinit(&xe, nullptr); }
-    ~Env() { JormXEclose(&xe); }
-    operator jorm_xe *() { return &xe; }
-};
-
 struct Store : jorm_fwtsres {
     Store() : jorm_fwtsres{} { JormFWTSRESinit(this, nullptr, nullptr); }
     ~Store() { JormFWTSRESfini(this); }

@@ -41,6 +41,15 @@ inline void use_level(int level) {
     jorm::limit_level(jorm::Level(level));
 }
 
+// An environment for the length of a scope.
+struct Env {
+    jorm_xe xe = {};
+    Env() { JormXEinit(&xe, nullptr); }
+    ~Env() { JormXEclose(&xe); }
+    Env(const Env &) = delete;
+    operator jorm_xe *() { return &xe; }
+};
+
 // Calls of which all give the same.
 inline void expect_each(int64_t wanted, const std::vector<int64_t> &got) {
     for (const int64_t &value : got) EXPECT_EQ(value, wanted) << "call " << &value - got.data();
@@ -188,5 +197,30 @@ struct Picture {
         each(extent_of(a), [&](const Index &i) { store(a.eltype, at(i), value()); });
     }
 };
+
+// A random part of such an extent, or all of it.
+struct Part {
+    Index origin = {}, size;
+    jorm_site site;
+    bool whole;
+
+    Part(Random &r, const Index &extent) : size(extent), whole(r.one_in(2)) {
+        for (size_t k = 0; k < 4; ++k) {
+            if (!whole) origin[k] = r.in(0, size[k] - 1), size[k] = r.in(1, size[k] - origin[k]);
+            site.origin[k] = origin[k], site.size[k] = size[k];
+        }
+    }
+    const jorm_site *roi() const { return whole ? nullptr : &site; }
+};
+
+// Calls f at every level, each time with the picture's memory as it was.
+template <class F> void at_each_level(Picture &p, F f) {
+    const Bytes before = p.memory;
+    for (int level = 0; level < jorm::level_count; ++level) {
+        use_level(level);
+        std::copy(before.begin(), before.end(), p.memory.begin());
+        f(level);
+    }
+}
 
 } // namespace
