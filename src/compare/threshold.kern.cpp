@@ -14,7 +14,7 @@ template <class D, class A> void between(void *dst, const void *const *src, int6
     A lo, hi;
     __builtin_memcpy(&lo, &p.constant, sizeof lo);
     __builtin_memcpy(&hi, &p.upper, sizeof hi);
-    row1<D, A>(dst, src, n, [=](A a) { return D((lo <= a) & (a <= hi) ? yes : no); });
+    row1<D, A>(dst, src, n, [=](A a) { return D(((lo <= a) & (a <= hi)) ? yes : no); });
 }
 
 // Differences of integers are exact, those of single precision rounded to double.
