@@ -286,14 +286,10 @@ TEST_F(Compare, Statuses) {
 }
 
 TEST_F(Compare, OperatorNames) {
-    EXPECT_STREQ(jorm_cmpop_str(0), "nul-cmpop");
-    EXPECT_STREQ(jorm_cmpop_str(1), "unknown-cmpop");
-    EXPECT_STREQ(jorm_cmpop_str(0x13), "equal-cmpop");
-    EXPECT_STREQ(jorm_cmpop_str(JORM_CMP_LESS), "less-cmpop");
-    EXPECT_STREQ(jorm_cmpop_str(JORM_CMP_LESS_EQUAL), "less-or-equal-cmpop");
-    EXPECT_STREQ(jorm_cmpop_str(JORM_CMP_GREATER), "greater-cmpop");
-    EXPECT_STREQ(jorm_cmpop_str(0xF7), "greater-or-equal-cmpop");
-    EXPECT_STREQ(jorm_cmpop_str(8), "unknown-cmpop");
+    const std::pair<uint32_t, const char *> names[] = {
+        {0, "nul"},  {1, "unknown"},       {0x13, "equal"}, {JORM_CMP_GREATER, "greater"}, {8, "unknown"},
+        {4, "less"}, {5, "less-or-equal"}, {0x14, "less"},  {0xF7, "greater-or-equal"}};
+    for (const auto &[op, name] : names) EXPECT_EQ(jorm_cmpop_str(op), name + std::string("-cmpop")) << op;
 }
 
 } // namespace

@@ -203,19 +203,6 @@ TEST_F(Convert, RangesAreRepairedAndFilled) {
     expect_elements(dst, src, 0, [](double, int) { return 3; });
 }
 
-TEST_F(Convert, NarrowsInPlace) {
-    for (int level = 0; level < jorm::level_count; ++level) {
-        use_level(level);
-        std::vector<int16_t> memory(5000);
-        for (int16_t &v : memory) v = int16_t(r.in(-100, 500));
-        const std::vector<int16_t> before = memory;
-        const int32_t size[2] = {5000, 1}, wide[2] = {2, 2}, narrow[2] = {1, 1};
-        ASSERT_EQ(_jorma__tconvert_u8s16(xe, 0, JORM_WORD(2), size, memory.data(), narrow, memory.data(), wide), 0);
-        const auto *bytes = reinterpret_cast<const uint8_t *>(memory.data());
-        for (size_t i = 0; i < 5000; ++i) ASSERT_EQ(bytes[i], converted(JORM_U8, before[i])) << i;
-    }
-}
-
 // ---- By a gain and an offset ----
 
 const uint32_t gain_types[] = {JORM_U8, JORM_S8, JORM_U16, JORM_S16, JORM_S32, JORM_F32};

@@ -454,78 +454,73 @@ struct Flood {
 
 using Place = std::pair<int32_t, int32_t>;
 
+struct Grown { // a block and the pixels of its subtree
+    void *block = nullptr;
+    std::multiset<Place> places = {};
+};
+
 // Regions take pixels and merge, fully or lazily; once gathered each has the area, the moments and the pixels of its
 // subtree, through every chain and with either form of update.
 TEST(WatershedBuilder, GatheredRegionsHoldTheirSubtrees) {
     Random r(3);
-    for (const auto &[kinds, flags] : std::vector<std::pair<std::string, uint64_t>>{
-             {"mp", 0}, {"pm", 0x100000}, {"m", 0}, {"m", 0x200000}, {"p", 0x400000}, {"pm", 0x600000}, {"", 0}}) {
-        for (int round = 0; round < 20; ++round) {
-            Flood flood(kinds, flags);
-            const jorm_wtsl &ops = flood.ops();
-            std::vector<std::pair<void *, std::multiset<Place>>> open; // a block with the pixels of its subtree
-            std::vector<std::pair<void *, std::multiset<Place>>> done;
-            while (done.size() < 30) {
-                if (open.size() < 2 || r.one_in(3)) {
-                    jorm_dgt *const node = __JormWTSTBnewregionNode(nullptr, flood.builder, &flood.layout);
-                    ASSERT_TRUE(node && *static_cast<jorm_dgt **>(node->data) == node);
-                    open.push_back({node->data, {}});
-                }
-                auto &[block, places] = open[r() % open.size()];
-                std::vector<Place> run(size_t(r.in(0, 5)));
-                std::vector<Wide> wide;
-                for (Place &p : run) {
-                    p = {r.in(0, 99), r.in(0, 99)};
-                    wide.push_back({-1, p.first, p.second, {}});
-                    places.insert(p);
-                }
-                const int32_t n = int32_t(run.size());
-                if (r.one_in(2)) {
-                    ops.update(nullptr, flood.builder, &flood.layout, block, wide.data(), n);
-                } else {
-                    ops.update2D(nullptr, flood.builder, &flood.layout, block, run.data(), n);
-                }
-                if (open.size() < 2 || r.one_in(2)) continue;
-                std::swap(open.back(), open[r() % open.size()]);
-                const auto child = open.back();
-                open.pop_back();
-                auto &parent = open[r() % open.size()];
-                (r.one_in(2) ? ops.merge : ops.lazymerge)(nullptr, flood.builder, &flood.layout, parent.first,
-                                                          child.first);
-                parent.second.insert(child.second.begin(), child.second.end());
-                done.push_back(child);
-                jorm_agt *const node = static_cast<jorm_agt *>(static_cast<jorm_wtsrgn *>(child.first)->node);
-                EXPECT_EQ(node->parent->child, node);
-                EXPECT_EQ(flood.builder->tree->root, node->parent);
+    const std::pair<std::string, uint64_t> chains[] = {{"mp", 0},       {"pm", 0x100000}, {"m", 0}, {"m", 0x200000},
+                                                       {"p", 0x400000}, {"pm", 0x600000}, {"", 0}};
+    for (int round = 0; round < 140; ++round) {
+        const auto &[kinds, flags] = chains[round % 7];
+        Flood flood(kinds, flags);
+        const jorm_wtsl &ops = flood.ops();
+        std::vector<Grown> open(30), done;
+        for (Grown &x : open) {
+            jorm_dgt *const node = __JormWTSTBnewregionNode(nullptr, flood.builder, &flood.layout);
+            ASSERT_TRUE(node && *static_cast<jorm_dgt **>(node->data) == node);
+            x.block = node->data;
+        }
+        while (open.size() > 1) {
+            const jorm_wtslsc *const layout = r.one_in(3) ? nullptr : &flood.layout; // the builder knows it
+            std::swap(open.back(), open[r() % open.size()]);
+            std::vector<Place> run(size_t(r.in(0, 5)));
+            std::vector<Wide> wide;
+            for (Place &p : run) {
+                p = {r.in(0, 99), r.in(0, 99)};
+                wide.push_back({-1, p.first, p.second, {}});
+                open.back().places.insert(p);
             }
-            while (open.size() > 1) {
-                ops.lazymerge(nullptr, flood.builder, nullptr, open[0].first, open.back().first);
-                open[0].second.insert(open.back().second.begin(), open.back().second.end());
-                done.push_back(open.back());
-                open.pop_back();
+            const int32_t n = int32_t(run.size());
+            if (r.one_in(2))
+                ops.update(nullptr, flood.builder, layout, open.back().block, wide.data(), n);
+            else
+                ops.update2D(nullptr, flood.builder, layout, open.back().block, run.data(), n);
+            if (r.one_in(2)) continue;
+            done.push_back(open.back());
+            open.pop_back();
+            const Grown &child = done.back();
+            Grown &parent = open[r() % open.size()];
+            (r.one_in(2) ? ops.merge : ops.lazymerge)(nullptr, flood.builder, layout, parent.block, child.block);
+            parent.places.insert(child.places.begin(), child.places.end());
+            jorm_agt *const node = static_cast<jorm_agt *>(static_cast<jorm_wtsrgn *>(child.block)->node);
+            EXPECT_EQ(node->parent->child, node);
+            EXPECT_EQ(flood.builder->tree->root, node->parent);
+        }
+        done.push_back(open[0]);
+        __JormSTBrootnode(flood.builder, static_cast<jorm_agt *>(static_cast<jorm_wtsrgn *>(open[0].block)->node));
+        EXPECT_EQ(JormAGTcountChildren(flood.builder->tree->root, 1), int32_t(done.size()) - 1);
+        for (const int request : {0, 1}) ops.gather(nullptr, flood.builder, &flood.layout, request);
+        for (const auto &[block, places] : done) {
+            EXPECT_EQ(static_cast<jorm_wtsrgn *>(block)->area, int32_t(places.size()));
+            if (kinds.find('m') != kinds.npos) {
+                const auto &m = flood.data<jorm_moments>(block, JORM_WTS_MOMENTS);
+                double y = 0, x = 0, xy = 0;
+                for (const Place &p : places) y += p.first, x += p.second, xy += p.first * p.second;
+                EXPECT_EQ(m.count, int32_t(places.size()));
+                EXPECT_EQ((std::array{m.sum_y, m.sum_x, m.sum_xy}), (std::array{y, x, xy}));
             }
-            done.push_back(open[0]);
-            __JormSTBrootnode(flood.builder, static_cast<jorm_agt *>(static_cast<jorm_wtsrgn *>(open[0].first)->node));
-            EXPECT_EQ(JormAGTcountChildren(flood.builder->tree->root, 1), int32_t(done.size()) - 1);
-            ops.gather(nullptr, flood.builder, &flood.layout, 0);
-            ops.gather(nullptr, flood.builder, &flood.layout, 1);
-            for (const auto &[block, places] : done) {
-                EXPECT_EQ(static_cast<jorm_wtsrgn *>(block)->area, int32_t(places.size()));
-                if (kinds.find('m') != kinds.npos) {
-                    const auto &m = flood.data<jorm_moments>(block, JORM_WTS_MOMENTS);
-                    double y = 0, x = 0, xy = 0;
-                    for (const Place &p : places) y += p.first, x += p.second, xy += p.first * p.second;
-                    EXPECT_EQ(m.count, int32_t(places.size()));
-                    EXPECT_EQ((std::array{m.sum_y, m.sum_x, m.sum_xy}), (std::array{y, x, xy}));
-                }
-                if (kinds.find('p') == kinds.npos) continue;
-                const auto &list = flood.data<jorm_pixlist>(block, JORM_WTS_PIXELS);
-                std::multiset<Place> got;
-                for (uint64_t i = 0; i < list.count; ++i)
-                    got.insert({int32_t(list.entries[i]), int32_t(list.entries[i] >> 32)});
-                EXPECT_EQ(got, places);
-                EXPECT_EQ(__JormWTSPF__isgathered__(&list), 1);
-            }
+            if (kinds.find('p') == kinds.npos) continue;
+            const auto &list = flood.data<jorm_pixlist>(block, JORM_WTS_PIXELS);
+            std::multiset<Place> got;
+            for (uint64_t i = 0; i < list.count; ++i)
+                got.insert({int32_t(list.entries[i]), int32_t(list.entries[i] >> 32)});
+            EXPECT_EQ(got, places);
+            EXPECT_EQ(__JormWTSPF__isgathered__(&list), 1);
         }
     }
 }
@@ -533,14 +528,10 @@ TEST(WatershedBuilder, GatheredRegionsHoldTheirSubtrees) {
 TEST(WatershedBuilder, ChoosesItsChain) {
     const void *const general = JormWTSTBxinterface();
     std::set<const void *> chains = {general};
-    for (const auto &[kinds, flags, own] :
-         std::vector<std::tuple<std::string, uint64_t, bool>>{{"mp", 0, false},
-                                                              {"m", 0, false},
-                                                              {"p", 0x80000, false},
-                                                              {"mp", 0x600000, false},
-                                                              {"m", 0x100000, true},
-                                                              {"m", 0x400000, true},
-                                                              {"p", 0x200000, true}}) {
+    const std::tuple<const char *, uint64_t, bool> cases[] = {
+        {"mp", 0, false},      {"m", 0, false},       {"p", 0x80000, false}, {"mp", 0x600000, false},
+        {"m", 0x100000, true}, {"m", 0x400000, true}, {"p", 0x200000, true}};
+    for (const auto &[kinds, flags, own] : cases) {
         Flood flood(kinds, flags);
         EXPECT_EQ(flood.builder->iface != general, own) << kinds << flags;
         chains.insert(flood.builder->iface);
