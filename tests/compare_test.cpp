@@ -172,14 +172,13 @@ TEST_F(Compare, Kernels) {
                     const int32_t size[] = {n / channels, channels}, ds[] = {db * channels, db},
                                   ss[] = {sb * channels, sb};
                     const void *const src = in_place ? out.data() : a.data();
-                    const auto call = [&](auto *as, auto... rest) {
-                        auto *const f = reinterpret_cast<decltype(as)>(reinterpret_cast<void (*)()>(found));
-                        return int32_t(f(xe, 0, 2, size, out.data(), ds, src, ss, rest...));
+                    const auto call = [&](auto *kernel, auto... rest) {
+                        return int32_t(kernel(xe, 0, 2, size, out.data(), ds, src, ss, rest...));
                     };
-                    if (form == 0) status = call((jorm_compare_kernel *)nullptr, b.data(), ss, op);
-                    if (form == 1) status = call((jorm_comparec_kernel *)nullptr, pattern, op);
-                    if (form == 2) status = call((jorm_ecompare_kernel *)nullptr, b.data(), ss, op, yes, no);
-                    if (form == 3) status = call((jorm_ecomparec_kernel *)nullptr, pattern, op, yes, no);
+                    if (form == 0) status = call(kernel_as<jorm_compare_kernel>(found), b.data(), ss, op);
+                    if (form == 1) status = call(kernel_as<jorm_comparec_kernel>(found), pattern, op);
+                    if (form == 2) status = call(kernel_as<jorm_ecompare_kernel>(found), b.data(), ss, op, yes, no);
+                    if (form == 3) status = call(kernel_as<jorm_ecomparec_kernel>(found), pattern, op, yes, no);
                     ASSERT_EQ(status, JORM_OK);
                     for (int i = 0; i < n / channels * channels; ++i) {
                         const double x = load(s, &a[size_t(i * sb)]),

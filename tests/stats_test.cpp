@@ -176,9 +176,6 @@ TEST(Stats, RangesAreMeasuredAndRepaired) {
 // Kernels give what the dispatchers give.
 TEST(Stats, Kernels) {
     Random r(8);
-    const auto kernel_of = []<class K>(K *, auto *lookup, uint64_t options, uint32_t code, uint32_t type, int &status) {
-        return reinterpret_cast<K *>(reinterpret_cast<void (*)()>(lookup(options, code, type, &status)));
-    };
     for (uint32_t type : types)
         for (uint32_t code : {1u, 2u, 3u, 4u, 11u, 12u, 5u, 0u}) {
             const int channels = code > 10 ? 4 : int(code);
@@ -194,15 +191,13 @@ TEST(Stats, Kernels) {
             EXPECT_EQ(jorma__sum(nullptr, 0, word, size, type, start, stride, s), served ? JORM_OK : JORM_EINVAL);
             int32_t looked = 1;
             for (const uint64_t options : {uint64_t(0), JORM_OPT_FAST}) {
-                const auto kernel =
-                    kernel_of((jorm_sum_kernel *)nullptr, jorma__sumfun_imp, options, code, type, looked);
+                auto *const kernel = kernel_as<jorm_sum_kernel>(jorma__sumfun_imp(options, code, type, &looked));
                 EXPECT_EQ(looked, !served ? JORM_EINVAL : code == 2 ? JORM_ENOTSUP : JORM_OK) << code;
                 EXPECT_EQ(kernel(nullptr, options, word, size, start, stride, t), looked);
                 EXPECT_TRUE(looked != JORM_OK || std::memcmp(s, t, sizeof s) == 0) << type << ' ' << code;
             }
             if (!served) continue;
-            const auto kernel =
-                kernel_of((jorm_minmax_xm_kernel *)nullptr, jorma__minmaxfunxm_imp, 0, code, type, looked);
+            auto *const kernel = kernel_as<jorm_minmax_xm_kernel>(jorma__minmaxfunxm_imp(0, code, type, &looked));
             EXPECT_EQ(looked, channels == 1 ? JORM_OK : JORM_ENOTSUP);
             EXPECT_EQ(jorma__minmax_xm(nullptr, 0, word, size, type, start, stride, m, by, &mm), JORM_OK);
             EXPECT_EQ(kernel(nullptr, 0, word, size, start, stride, m, by, &nn), looked);

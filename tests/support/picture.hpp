@@ -55,6 +55,11 @@ inline void expect_each(int64_t wanted, const std::vector<int64_t> &got) {
     for (const int64_t &value : got) EXPECT_EQ(value, wanted) << "call " << &value - got.data();
 }
 
+// What a lookup found, as what it is.
+template <class Kernel> Kernel *kernel_as(jorm_proc *found) {
+    return reinterpret_cast<Kernel *>(reinterpret_cast<void (*)()>(found));
+}
+
 // ---- Elements ----
 
 inline int bytes_of(uint32_t type) { return "\0\1\2\4\10\4\10"[type & 7]; }
