@@ -1,0 +1,173 @@
+// Every way into a neighbourhood operation gives what its entry gives.
+#include "jorm/filter.h"
+#include "jorm/morphology.h"
+#include "jorm/sepfilter.h"
+#include "support/picture.hpp"
+
+#include <functional>
+#include <set>
+
+namespace {
+
+using Ways = std::vector<std::function<int64_t()>>;
+const jorm_border mirror = {JORM_BORDER_REFLECT101, 0, {}};
+
+// A region inside a picture, where windows see true pixels, or all of the picture, where they leave it.
+struct Layers : testing::TestWithParam<std::tuple<uint32_t, int, bool>> {
+    Random r{31};
+    Env xe;
+    const uint32_t type = std::get<0>(GetParam());
+    const int channels = std::get<1>(GetParam());
+    const bool whole = std::get<2>(GetParam());
+    const Index extent = {1, 30, 40, channels}, from = whole ? Index{} : Index{0, 5, 6, 0};
+    const Index count = whole ? extent : Index{1, 20, 25, channels};
+    const Picture src{r, type, extent}, dst{r, type, extent};
+    const int32_t *const size = &count[1], *const ds = dst.a.stride + 1, *const ss = src.a.stride + 1;
+    const jorm_site roi = {{0, from[1], from[2], 0}, {1, count[1], count[2], channels}};
+    const jorm_site base_sites[2] = {{{}, {1, 30, 40, 1}}, {{}, {1, 30, 40, 1}}};
+    const jorm_site own = {{0, -from[1], -from[2], 0}, {1, 30, 40, 1}}, sites[2] = {own, own};
+    jorm_seshape shape;
+
+    Layers() {
+        __jorm_seshape__$g22(&shape, 1, 2, 3, 5);
+        for (const Picture *p : {&src, &dst})
+            each(extent, [&](const Index &i) { store(type, p->at(i), r.in(0, 250)); });
+    }
+    // All ways below give the bits of the entry; `bare` ones need true pixels around the region.
+    void expect_same(const std::function<int64_t()> &entry, const Ways &bordered, const Ways &bare) {
+        const auto results = [&] {
+            std::vector<double> all;
+            each(extent, [&](const Index &i) { all.push_back(dst.get(i)); });
+            return all;
+        };
+        ASSERT_EQ(entry(), JORM_OK);
+        const std::vector<double> wanted = results();
+        Ways ways = bordered;
+        if (!whole) ways.insert(ways.end(), bare.begin(), bare.end());
+        for (const auto &way : ways) {
+            each(count, [&](const Index &i) { store(type, dst.at(sum(i, from)), 77); });
+            EXPECT_EQ(way(), JORM_OK);
+            EXPECT_EQ(results(), wanted) << "way " << &way - ways.data();
+        }
+    }
+};
+#define ENTRY xe, 0, &dst.a, &src.a, &roi, &roi
+#define STARTS xe, 0, JORM_WORD(3), size, type, dst.at(from), ds, src.at(from), ss
+#define BASES xe, 0, JORM_WORD(3), size, type, dst.at({}), &from[1], ds, src.at({}), &from[1], ss
+#define SLICE JORM_WORD(3), size, type, dst.at(from), ds, type, src.at(from), ss
+#define KERNEL xe, 0, 3, size, dst.at(from), ds, src.at(from), ss
+#define WAY(call) [&] { return call; }
+
+TEST_P(Layers, Rectangles) {
+    const struct {
+        uint32_t kind;
+        jorm_filter_handler *handler;
+        jorm_filter_proc *(*lookup)(uint32_t, uint32_t, int32_t *) = nullptr;
+    } kinds[] = {{JORM_FILTER_MIN, jorma__filter_min, jorma__minfiltfun_imp},
+                 {JORM_FILTER_MAX, jorma__filter_max, jorma__maxfiltfun_imp},
+                 {JORM_FILTER_BOX, jorma__filter_box, jorma__boxfiltfun_imp},
+                 {JORM_FILTER_CLOSE, jorma__filter_close},
+                 {JORM_FILTER_OPEN, jorma__filter_open},
+                 {JORM_FILTER_TOPHAT, jorma__filter_tophat},
+                 {JORM_FILTER_BOTHAT, jorma__filter_bothat}};
+    for (const auto &k : kinds) {
+        const jorm_filtparams params = {k.kind, shape, mirror, {own, own}};
+        jorm_filter_proc *const kernel = k.lookup ? k.lookup(uint32_t(channels), type, nullptr) : nullptr;
+        if (channels == 1)
+            expect_same(WAY(JormFilter(ENTRY, k.kind, &shape)),
+                        {WAY(jorma__efilter(STARTS, &shape, k.kind, nullptr, sites)),
+                         WAY(jorma_efilter(BASES, &shape, k.kind, &mirror, whole ? nullptr : base_sites)),
+                         WAY(JormTGAfilter(xe, 0, &params, SLICE))},
+                        {WAY(jorma__filter(STARTS, k.kind, &shape)), WAY(jorma_filter(BASES, k.kind, &shape)),
+                         WAY(k.handler(STARTS, &shape)),
+                         WAY(kernel ? kernel(KERNEL, &shape) : k.handler(STARTS, &shape))});
+        else
+            expect_each(JORM_ENOTSUP,
+                        {JormFilter(ENTRY, k.kind, &shape), JormTGAfilter(xe, 0, &params, SLICE),
+                         k.handler(STARTS, &shape), kernel ? kernel(KERNEL, &shape) : int64_t(JORM_ENOTSUP)});
+    }
+    expect_each(JORM_EINVAL,
+                {JormTGAfilter(xe, 0, nullptr, SLICE), jorma__filter(STARTS, 17, &shape),
+                 jorma__minfiltfun_imp(1, type, nullptr)(xe, 0, 5, size, dst.at({}), ds, src.at({}), ss, &shape)});
+}
+
+TEST_P(Layers, Masks) {
+    const struct {
+        uint32_t op;
+        jorm_morph_handler *handler;
+        jorm_morph_proc *(*lookup)(uint32_t, uint32_t, int32_t *) = nullptr;
+    } ops[] = {{JORM_MORPH_ERODE, jorma__morphop_erode, jorma__erodefun_imp},
+               {JORM_MORPH_DILATE, jorma__morphop_dilate, jorma__dilatefun_imp},
+               {JORM_MORPH_CLOSE, jorma__morphop_close},
+               {JORM_MORPH_OPEN, jorma__morphop_open},
+               {JORM_MORPH_TOPHAT, jorma__morphop_tophat},
+               {JORM_MORPH_BOTHAT, jorma__morphop_bothat}};
+    uint8_t cross[15] = {0, 0, 255, 0, 0, 255, 255, 255, 255, 255, 0, 0, 255, 0, 0};
+    jorm_strel strel = {{0, 1, 2, 0}, {}};
+    jorm_array_make(&strel.mask, JORM_U8, 3, 5, 1, 0, cross);
+    for (const auto &o : ops) {
+        const jorm_morphparams params = {o.op, &strel, mirror, {own, own}};
+        jorm_morph_proc *const kernel = o.lookup ? o.lookup(uint32_t(channels), type, nullptr) : nullptr;
+        expect_same(WAY(JormMorphop(ENTRY, o.op, &strel)),
+                    {WAY(jorma__emorphop(STARTS, &strel, o.op, nullptr, sites)),
+                     WAY(jorma_emorphop(BASES, &strel, o.op, &mirror, whole ? nullptr : base_sites)),
+                     WAY(JormTGAmorphop(xe, 0, &params, SLICE))},
+                    {WAY(jorma__morphop(STARTS, o.op, &strel)), WAY(jorma_morphop(BASES, o.op, &strel)),
+                     WAY(o.handler(STARTS, &strel)), WAY(kernel ? kernel(KERNEL, &strel) : o.handler(STARTS, &strel))});
+    }
+    strel.mask.eltype = JORM_S16;
+    expect_each(JORM_EINVAL, {JormTGAmorphop(xe, 0, nullptr, SLICE), jorma__emorphop(STARTS, &strel, 2, nullptr, sites),
+                              jorma__morphop(STARTS, 2, &strel)});
+}
+
+TEST_P(Layers, Weights) {
+    const double w[5] = {1, 2, 3, 2, 0.5}, sigmas[2] = {1.3, 0.7};
+    const jorm_sepkernel kernel = {shape, {w, w}};
+    const jorm_sepparams params = {kernel, mirror, {own, own}};
+    const jorm_site *const of_base = whole ? nullptr : base_sites;
+    auto *const typed = jorma__sepfiltfun_imp(uint32_t(channels), type, nullptr);
+    expect_same(
+        WAY(JormSepFilter(ENTRY, &kernel)),
+        {WAY(jorma__esepfilter(STARTS, &kernel, nullptr, sites)),
+         WAY(jorma_esepfilter(BASES, &kernel, &mirror, of_base)), WAY(JormTGAsepfilter(xe, 0, &params, SLICE))},
+        {WAY(jorma__sepfilter(STARTS, &kernel)), WAY(jorma_sepfilter(BASES, &kernel)), WAY(typed(KERNEL, &kernel))});
+    const jorm_gaussparams smooth = {shape, sigmas, mirror, {own, own}};
+    expect_same(
+        WAY(JormGaussianFilter(ENTRY, &shape, sigmas)),
+        {WAY(jorma__efilter_gaussian(STARTS, &shape, sigmas, nullptr, sites)),
+         WAY(jorma_egaussianfilter(BASES, &shape, sigmas, &mirror, of_base)),
+         WAY(JormTGAgaussianfilter(xe, 0, &smooth, SLICE))},
+        {WAY(jorma__filter_gaussian(STARTS, &shape, sigmas)), WAY(jorma_gaussianfilter(BASES, &shape, sigmas))});
+    expect_each(JORM_EINVAL, {JormTGAsepfilter(xe, 0, nullptr, SLICE), JormTGAgaussianfilter(xe, 0, nullptr, SLICE),
+                              jorma__esepfilter(STARTS, nullptr, nullptr, sites), jorma__sepfilter(STARTS, nullptr),
+                              typed(xe, 0, 5, size, dst.at({}), ds, src.at({}), ss, &kernel)});
+}
+
+// Without a border a window may only read what is there; an unknown border is refused.
+TEST_P(Layers, Borders) {
+    const jorm_border none = {JORM_BORDER_NUL, 0, {}}, unknown = {1, 0, {}};
+    const jorm_site nothing[2] = {{{}, {1, 0, 40, 1}}, {{}, {1, 0, 40, 1}}};
+    const jorm_sepkernel kernel = {shape, {}};
+    const auto smooth = [&](const jorm_border *border, const jorm_site *at) {
+        return jorma__efilter_gaussian(STARTS, &shape, nullptr, border, at);
+    };
+    expect_each(whole ? JORM_EINVAL : JORM_OK, {smooth(&none, sites)});
+    expect_each(JORM_EINVAL, {smooth(&unknown, sites), smooth(&none, nullptr), jorma__sepfilter(STARTS, &kernel)});
+    expect_each(JORM_EEMPTY, {smooth(nullptr, nothing)});
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Layers,
+                         testing::Combine(testing::Values(JORM_U8, JORM_S16, JORM_S32, JORM_F32), testing::Values(1, 3),
+                                          testing::Bool()));
+
+TEST(Names, OfFiltersAndOperations) {
+    std::set<std::string> filters, ops;
+    for (uint32_t code = 0; code < 256; ++code) filters.insert(jorm_filter_str(code + 256));
+    for (uint32_t code = 0; code < 16; ++code) ops.insert(jorm_morphop_str(code + 16));
+    EXPECT_EQ(filters.size(), 11u);
+    EXPECT_EQ(ops.size(), 9u);
+    EXPECT_STREQ(jorm_filter_str(JORM_FILTER_BOTHAT), "bothat-filter");
+    EXPECT_STREQ(jorm_morphop_str(JORM_MORPH_OPEN), "morph-open");
+}
+
+} // namespace
