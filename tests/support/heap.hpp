@@ -14,6 +14,7 @@ constexpr bool own_heap = false;
 #else
 constexpr bool own_heap = true;
 extern "C" void *__libc_malloc(size_t);
+extern "C" void *__libc_calloc(size_t, size_t);
 extern "C" void *__libc_realloc(void *, size_t);
 extern "C" void __libc_free(void *);
 static bool heap_refuses(size_t bytes) {
@@ -22,6 +23,11 @@ static bool heap_refuses(size_t bytes) {
 }
 extern "C" void *malloc(size_t bytes) noexcept {
     void *const p = heap_refuses(bytes) ? nullptr : __libc_malloc(bytes);
+    heap_blocks += p != nullptr;
+    return p;
+}
+extern "C" void *calloc(size_t n, size_t bytes) noexcept { // some compilers make it of malloc and memset
+    void *const p = heap_refuses(n * bytes) ? nullptr : __libc_calloc(n, bytes);
     heap_blocks += p != nullptr;
     return p;
 }
