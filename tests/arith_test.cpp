@@ -1,5 +1,6 @@
 // Every element-wise entry, adapter and dispatcher, over all types, layouts, regions and levels, against exact
 // arithmetic in 128 bits and double precision.
+#include "arith/kernels/lists.hpp"
 #include "support/arith_case.hpp"
 #include "support/heap.hpp"
 
@@ -115,26 +116,40 @@ TEST(Kernels, LargePictures) {
     }
 }
 
+// Every kernel, which its name describes: operation, channels, types of the destination, the sources, the constants.
 TEST(Kernels, CalledDirectly) {
-    const std::tuple<const char *, const char *, int, Fn> kernels[] = {
-        {"Add", "bbb", 1, Fn(jorma__add_c1_u8u8u8)},         {"Sub", "ifb", 1, Fn(jorma__sub_c1_s32f32u8)},
-        {"Mul", "bhb", 1, Fn(jorma__mul_c1_u8s16u8)},        {"Addq", "cbb", 1, Fn(jorma__addq_c1_s8u8u8)},
-        {"AddC", "bb", 1, Fn(jorma__addC_c1_u8u8s32)},       {"MulC", "cb", 1, Fn(jorma__mulC_c1_s8u8u8)},
-        {"RSubqC", "ii", 1, Fn(jorma__rsubqC_c1_s32s32s32)}, {"Div", "hhh", 1, Fn(jorma__div_c1_s16s16s16)},
-        {"RDivC", "ii", 3, Fn(jorma__rdivC_c3_s32s32)},      {"DivrC", "hh", 4, Fn(jorma__divrC_c4_s16s16)},
-        {"MulAdd", "bhbb", 1, Fn(jorma__mla_c1_u8s16u8u8)},  {"MulAddC", "bbh", 1, Fn(jorma__mlaC_c1_u8u8s16s32)},
-        {"MulSubCC", "bb", 1, Fn(jorma__mlsCC_c1_u8u8u8u8)}, {"Negate", "hf", 1, Fn(jorma__neg_c1_s16f32)},
-        {"Sqr", "bh", 1, Fn(jorma__sqr_c1_u8s16)},           {"Xor", "iii", 1, Fn(jorma__xor_c1_s32s32s32)},
-        {"Mulq", "bih", 1, Fn(jorma__mulq_c1_u8s32s16)},     {"AbsDiff", "ccc", 1, Fn(jorma__absdiff_c1_s8s8s8)},
-        {"MaxC", "ff", 1, Fn(jorma__maxC_c1_f32f32)},        {"MulqC", "bf", 1, Fn(jorma__mulqC_c1_u8f32)},
-        {"AndC", "bb", 4, Fn(jorma__andC_c4_u8u8)},          {"Not", "hh", 1, Fn(jorma__not_c1_s16s16)},
-    };
+#define K(name, ...) {#name, Fn(name)},
+    const std::pair<const char *, Fn> kernels[] = {
+        JORM_ADD_KERNELS(K) JORM_SUB_KERNELS(K) JORM_RSUB_KERNELS(K) JORM_MUL_KERNELS(K) JORM_ADDQ_KERNELS(K)
+            JORM_SUBQ_KERNELS(K) JORM_RSUBQ_KERNELS(K) JORM_DIV_KERNELS(K) JORM_DIVR_KERNELS(K) JORM_AND_KERNELS(K)
+                JORM_ORR_KERNELS(K) JORM_XOR_KERNELS(K) JORM_MULQ_KERNELS(K) JORM_ABSDIFF_KERNELS(K) JORM_MIN_KERNELS(K)
+                    JORM_MAX_KERNELS(K) JORM_ADD_C_KERNELS(K) JORM_SUB_C_KERNELS(K) JORM_RSUB_C_KERNELS(K)
+                        JORM_MUL_C_KERNELS(K) JORM_ADDQ_C_KERNELS(K) JORM_SUBQ_C_KERNELS(K) JORM_RSUBQ_C_KERNELS(K)
+                            JORM_DIV_C_KERNELS(K) JORM_RDIV_C_KERNELS(K) JORM_DIVR_C_KERNELS(K) JORM_RDIVR_C_KERNELS(K)
+                                JORM_AND_C_KERNELS(K) JORM_ORR_C_KERNELS(K) JORM_XOR_C_KERNELS(K) JORM_MULQ_C_KERNELS(K)
+                                    JORM_ABSDIFF_C_KERNELS(K) JORM_MIN_C_KERNELS(K) JORM_MAX_C_KERNELS(K)
+                                        JORM_MLA_KERNELS(K) JORM_MLS_KERNELS(K) JORM_MLA_C_KERNELS(K)
+                                            JORM_MLS_C_KERNELS(K) JORM_MLA_CC_KERNELS(K) JORM_MLS_CC_KERNELS(K)
+                                                JORM_NEG_KERNELS(K) JORM_NEGQ_KERNELS(K) JORM_SQR_KERNELS(K)
+                                                    JORM_NOT_KERNELS(K)};
+#undef K
     Random r(3);
-    for (const auto &[name, types, channels, f] : kernels)
-        for (int i = 0; i < 20; ++i) {
-            const int h = r.in(1, 4), w = r.in(1, 300);
-            ASSERT_TRUE(random_case(named(name), types, r, h, w, channels, f));
+    for (const auto &[name, f] : kernels) {
+        const char *const tail = strstr(name, "_c");
+        std::string operation(name + strlen("jorma__"), tail), types;
+        for (const auto &[brief, full] : {std::pair{"mla", "MulAdd"}, {"mls", "MulSub"}, {"neg", "Negate"}})
+            if (operation.starts_with(brief)) operation.replace(0, 3, full);
+        for (const char *t = tail + 4; *t; t += 1 + strcspn(t + 1, "usf"))
+            types += *t == 'u' ? 'b' : *t == 'f' ? 'f' : t[1] == '8' ? 'c' : t[1] == '1' ? 'h' : 'i';
+        const Op *const op = std::find_if(std::begin(ops), std::end(ops),
+                                          [&](const Op &o) { return strcasecmp(o.name, operation.c_str()) == 0; });
+        ASSERT_NE(op, std::end(ops)) << name;
+        types.resize(size_t(op->sources) + 1);
+        for (int i = 0; i < 3; ++i) {
+            const int h = r.in(1, 4), w = r.in(1, 100);
+            ASSERT_TRUE(random_case(*op, types, r, h, w, tail[2] - '0', f)) << name;
         }
+    }
 }
 
 TEST(Kernels, AddLookup) {
