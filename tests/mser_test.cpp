@@ -141,6 +141,23 @@ TEST(Detection, DeepTrees) {
     _UlMfree(v.data);
 }
 
+// By the entry or one of the layers below it.
+int64_t generate(Random &r, jorm_xe *xe, bool fast, const jorm_array &a, const jorm_array *mask, jorm_mser &m) {
+    const int32_t size[] = {int32_t(a.extent[1]), int32_t(a.extent[2]), 1},
+                  origin[4] = {}, *const zero = origin + 1, *const s = a.stride + 1;
+    const uint32_t word = JORM_WORD(3), u8 = JORM_U8;
+    const void *const p = element(a, {}), *const q = mask ? element(*mask, {}) : nullptr;
+    const int32_t *const t = mask ? mask->stride + 1 : nullptr;
+    const int way = a.ndims == 4 ? 0 : r.in(0, 2);
+    if (way == 1 && fast && mask) return JormTGAgenerateFMSERsEx(xe, 0, &m, word, size, u8, p, s, u8, q, t);
+    if (way == 1 && fast) return JormTGAgenerateFMSERs(xe, 0, &m, word, size, u8, p, s);
+    if (way == 2 && mask)
+        return (fast ? jorma_fmser_xm : jorma_mser_xm)(xe, 0, word, size, u8, p, zero, s, u8, q, zero, t, &m);
+    if (way == 2 && fast) return jorma_fmser(xe, 0, word, size, u8, p, zero, s, &m);
+    if (mask) return (fast ? JormGenerateFMSERsEx : JormGenerateMSERsEx)(xe, 0, &a, mask, nullptr, nullptr, &m);
+    return (fast ? JormGenerateFMSERs : JormGenerateMSERs)(xe, 0, &a, nullptr, &m);
+}
+
 TEST(Generation, ListsOfBothKinds) {
     Random r(12);
     Env xe;
@@ -181,11 +198,7 @@ TEST(Generation, ListsOfBothKinds) {
                 wanted[bright].push_back(facts(x));
             }
         }
-        const auto plain = fast ? JormGenerateFMSERs : JormGenerateMSERs;
-        const auto ex = fast ? JormGenerateFMSERsEx : JormGenerateMSERsEx;
-        ASSERT_EQ(masked ? ex(xe, 0, &image.a, &mask.a, nullptr, nullptr, &mser)
-                         : plain(xe, 0, &image.a, nullptr, &mser),
-                  JORM_OK);
+        ASSERT_EQ(generate(r, xe, fast, image.a, masked ? &mask.a : nullptr, mser), JORM_OK);
         for (uint32_t i = 0; i < mser.dark_count; ++i) got[0].push_back(facts(mser.dark[i]));
         for (uint32_t i = 0; i < mser.bright_count; ++i) got[1].push_back(facts(mser.bright[i]));
         ASSERT_EQ(mser.regions.count, mser.dark_count + mser.bright_count);
@@ -259,6 +272,32 @@ TEST(Generation, StoresMemoryAndFailures) {
         heap_calls_left = left;
     });
     EXPECT_GT(requests, 3);
+}
+
+// Of several planes the last one stays.
+TEST(Generation, Planes) {
+    Random r(14);
+    Env xe;
+    Samples samples = flood_picture(r, 60, 40, 3), ones(samples.size(), 1);
+    jorm_array planes, last, masks, mask;
+    jorm_array_make4(&planes, JORM_U8, 2, 30, 40, 1, 0, 0, samples.data());
+    jorm_array_make4(&masks, JORM_U8, 2, 30, 40, 1, 0, 0, ones.data());
+    jorm_array_make(&last, JORM_U8, 30, 40, 1, 0, &samples[30 * 40]);
+    jorm_array_make(&mask, JORM_U8, 30, 40, 1, 0, ones.data());
+    for (const bool fast : {false, true})
+        for (const bool masked : {false, true}) {
+            std::vector<decltype(facts(nullptr))> found[2];
+            for (const int k : {0, 1}) {
+                Mser m;
+                m.set({4, 5, 0, 0.9f, 0});
+                m.max_area_fraction = 0.5f, m.passes = 2;
+                ASSERT_EQ(generate(r, xe, fast, k ? last : planes, masked ? k ? &mask : &masks : nullptr, m), JORM_OK);
+                for (uint64_t i = 0; i < m.regions.count; ++i)
+                    found[k].push_back(facts(static_cast<jorm_fwtsr **>(m.regions.data)[i]));
+            }
+            EXPECT_GT(found[0].size(), 10u);
+            EXPECT_EQ(found[0], found[1]);
+        }
 }
 
 TEST(Generation, VariationsOfAreas) {
