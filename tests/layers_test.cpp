@@ -1,7 +1,8 @@
-// Every way into a neighbourhood operation gives what its entry gives.
+// Every way into a neighbourhood operation, or a threshold, gives what its entry gives.
 #include "jorm/filter.h"
 #include "jorm/morphology.h"
 #include "jorm/sepfilter.h"
+#include "jorm/threshold.h"
 #include "support/picture.hpp"
 
 #include <functional>
@@ -55,6 +56,7 @@ struct Layers : testing::TestWithParam<std::tuple<uint32_t, int, bool>> {
 #define STARTS xe, 0, JORM_WORD(3), size, type, dst.at(from), ds, src.at(from), ss
 #define BASES xe, 0, JORM_WORD(3), size, type, dst.at({}), &from[1], ds, src.at({}), &from[1], ss
 #define SLICE JORM_WORD(3), size, type, dst.at(from), ds, type, src.at(from), ss
+#define TYPED_BASES JORM_WORD(3), size, type, dst.at({}), &from[1], ds, type, src.at({}), &from[1], ss
 #define KERNEL xe, 0, 3, size, dst.at(from), ds, src.at(from), ss
 #define WAY(call) [&] { return call; }
 
@@ -143,6 +145,57 @@ TEST_P(Layers, Weights) {
                               typed(xe, 0, 5, size, dst.at({}), ds, src.at({}), ss, &kernel)});
 }
 
+TEST_P(Layers, Thresholds) {
+    const double pairs[6] = {60, 180, 40, 200, 50, 150}, local[6] = {10, nan, -5, nan, 0, nan};
+    const auto entry = [&](const jorm_array &from, const jorm_thhmethod *method, const double *thresholds, int count) {
+        return JormThreshold(xe, 0, &dst.a, &from, &roi, roi.origin, method, thresholds, count);
+    };
+    const std::pair<uint32_t, jorm_ethreshold_dispatcher *> methods[] = {{JORM_THRESHOLD_IMMEDIATE, jorma__ethreshold},
+                                                                         {JORM_THRESHOLD_OTSU, jorma__ethreshold_otsu},
+                                                                         {JORM_THRESHOLD_USTO, jorma__ethreshold_usto},
+                                                                         {JORM_THRESHOLD_BLUR, jorma__ethreshold_blur}};
+    for (const auto &m : methods) {
+        const uint32_t code = m.first;
+        const jorm_thhmethod method = {code, 0, {}, {}};
+        const jorm_thresholdparams params = {&method, pairs, 2};
+        if (code >= JORM_THRESHOLD_USTO && (type == JORM_S16 || type == JORM_S32)) {
+            expect_each(JORM_ENOTSUP, {entry(src.a, &method, pairs, 2), JormTGAthreshold(xe, 0, &params, SLICE)});
+            continue;
+        }
+        expect_same(WAY(entry(src.a, &method, pairs, 2)),
+                    {WAY(JormTGAthreshold(xe, 0, &params, SLICE)),
+                     WAY(jorma__ethreshold(xe, 0, SLICE, &method, pairs, 2)),
+                     WAY(jorma_ethreshold(xe, 0, TYPED_BASES, &method, pairs, 2)),
+                     WAY(m.second(xe, 0, SLICE, &method, pairs, 2))},
+                    {});
+        if (code != JORM_THRESHOLD_BLUR || !whole) continue;
+        // Of smoothed pixels, also in the planes of four axes.
+        const Picture smooth{r, type, extent};
+        const jorm_thhmethod otsu = {JORM_THRESHOLD_OTSU, 0, {}, {}};
+        EXPECT_EQ(JormGaussianFilter(xe, 0, &smooth.a, &src.a, nullptr, nullptr, nullptr, nullptr), JORM_OK);
+        jorm_array deep = dst.a, deep_src = src.a;
+        deep.ndims = deep_src.ndims = 4;
+        expect_same(WAY(entry(smooth.a, &otsu, nullptr, 0)),
+                    {WAY(entry(src.a, &method, nullptr, 0)),
+                     WAY(JormThreshold(xe, 0, &deep, &deep_src, nullptr, nullptr, &method, nullptr, 0))},
+                    {});
+    }
+    for (const double *thresholds : {pairs, local})
+        for (const int count : {1, 2}) {
+            jorm_threshold_dispatcher *const kernel =
+                thresholds == pairs ? count < 2 ? jorma__sheer_threshold_n1 : jorma__sheer_threshold_n2
+                : count < 2         ? jorma__adaptive_threshold_n1
+                                    : jorma__adaptive_threshold_n2;
+            expect_same(WAY(entry(src.a, nullptr, thresholds, count)),
+                        {WAY(jorma__threshold(xe, 0, SLICE, thresholds, count)),
+                         WAY(jorma_threshold(xe, 0, TYPED_BASES, thresholds, count)),
+                         WAY(kernel(xe, 0, SLICE, thresholds, count))},
+                        {});
+        }
+    expect_each(JORM_EINVAL,
+                {JormTGAthreshold(xe, 0, nullptr, SLICE), jorma__adaptive_threshold_n1(xe, 0, SLICE, nullptr, 1)});
+}
+
 // Without a border a window may only read what is there; an unknown border is refused.
 TEST_P(Layers, Borders) {
     const jorm_border none = {JORM_BORDER_NUL, 0, {}}, unknown = {1, 0, {}};
@@ -161,11 +214,15 @@ INSTANTIATE_TEST_SUITE_P(All, Layers,
                                           testing::Bool()));
 
 TEST(Names, OfFiltersAndOperations) {
-    std::set<std::string> filters, ops;
+    std::set<std::string> filters, ops, methods;
     for (uint32_t code = 0; code < 256; ++code) filters.insert(jorm_filter_str(code + 256));
-    for (uint32_t code = 0; code < 16; ++code) ops.insert(jorm_morphop_str(code + 16));
+    for (uint32_t code = 0; code < 16; ++code) {
+        ops.insert(jorm_morphop_str(code + 16));
+        methods.insert(jorm_thhmethod_str(code + 16));
+    }
     EXPECT_EQ(filters.size(), 11u);
     EXPECT_EQ(ops.size(), 9u);
+    EXPECT_EQ(methods.size(), 5u);
     EXPECT_STREQ(jorm_filter_str(JORM_FILTER_BOTHAT), "bothat-filter");
     EXPECT_STREQ(jorm_morphop_str(JORM_MORPH_OPEN), "morph-open");
 }

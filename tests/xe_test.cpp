@@ -224,6 +224,8 @@ TEST(Switch, UndecidedTurnsOff) {
         jorm::limit_level(jorm::Level(cap));
         EXPECT_EQ(jorm::level(0), std::min(jorm::Level(cap), highest));
     }
+    for (const size_t level1 : {jorm_level1_dcache_size(), jorm_level1_icache_size()})
+        EXPECT_TRUE(level1 > 0 && level1 < jorm_level2_cache_size());
 }
 
 TEST(Status, EachHasItsText) {

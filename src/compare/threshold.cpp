@@ -150,6 +150,7 @@ int64_t check_method(const jorm_thhmethod *method, const double *pairs) {
         return pairs ? JORM_OK : JORM_EINVAL;
     case JORM_THRESHOLD_OTSU:
     case JORM_THRESHOLD_USTO:
+    case JORM_THRESHOLD_BLUR:
         return JORM_OK;
     default:
         return JORM_EINVAL;
