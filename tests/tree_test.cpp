@@ -363,7 +363,6 @@ TEST(Moments, FiguresOfKnownPixels) {
     EXPECT_EQ(m.count, -1);
     EXPECT_EQ(__JormWTSMF__isgathered__(&m), 0);
     __JormWTSMF__ongather__(&m, nullptr);
-    EXPECT_EQ((std::array{m.sum_y, m.sum_x, m.sum_yy, m.sum_xy, m.sum_xx}), (std::array{2., 3., 4., 6., 9.}));
     EXPECT_EQ((std::array{jorm_mf_my(&m), jorm_mf_mx(&m), jorm_mf_Mxx(&m), jorm_mf_Myy(&m), jorm_mf_Mxy(&m)}),
               (std::array{2., 3., 0., 0., 0.}));
     const Wide wide[] = {{9, -4, 65536, {}}, {9, 70000, -5, {}}};
@@ -389,9 +388,7 @@ TEST(Moments, FiguresOfKnownPixels) {
     line.count = 100;
     double second[3];
     EXPECT_EQ(jorm_mf_M2(second, &line), second);
-    EXPECT_NEAR(second[0], 9999 / 12., 1e-9);
-    EXPECT_NEAR(second[1], 2 * 9999 / 12., 1e-9);
-    EXPECT_NEAR(second[2], 4 * 9999 / 12., 1e-9);
+    for (int k = 0; k < 3; ++k) EXPECT_NEAR(second[k], (1 << k) * 9999 / 12., 1e-9);
     EXPECT_NEAR(jorm_mf_theta(&line), std::atan(0.5), 1e-12);
 }
 
@@ -427,6 +424,11 @@ TEST(PixelList, GrowsAsDocumented) {
 
 // ---- The watershed tree builder ----
 
+const jorm_wtsl &operations(const jorm_stb *builder) {
+    const auto *const stbl = static_cast<const jorm_stbl *>(builder->iface);
+    return *reinterpret_cast<const jorm_wtsl *>(reinterpret_cast<const char *>(stbl) + stbl->next);
+}
+
 struct Flood {
     jorm_wtstb record = {};
     jorm_stb *builder = &record.builder;
@@ -442,10 +444,7 @@ struct Flood {
         ops().setup(nullptr, builder, &layout, flags);
     }
     ~Flood() { JormSTBfini(builder, 0); }
-    const jorm_wtsl &ops() const {
-        const auto *const stbl = static_cast<const jorm_stbl *>(builder->iface);
-        return *reinterpret_cast<const jorm_wtsl *>(reinterpret_cast<const char *>(stbl) + stbl->next);
-    }
+    const jorm_wtsl &ops() const { return operations(builder); }
     template <class Data> Data &data(void *block, uint32_t magic) const {
         const int32_t i = JormWTSFindexByMagic(features, layout.count, magic);
         return *reinterpret_cast<Data *>(static_cast<char *>(block) + features[i].offset);
@@ -552,14 +551,10 @@ TEST(WatershedBuilder, ChoosesItsChain) {
 // Whatever request fails, nothing is leaked, and the same records serve again.
 TEST(WatershedBuilder, SurvivesEveryFailure) {
     if (!own_heap) GTEST_SKIP();
+    const Flood known("mp", 0);
     jorm_wtstb record = {};
-    jorm_wtsfeature features[2];
-    JormWTSMFinitFeatureDs(&features[0], nullptr);
-    JormWTSPFinitFeatureDs(&features[1], nullptr);
-    jorm_wtslsc layout;
-    JormWTSLSCinit2D(&layout, features, 2, 9, 9, 9);
     int complete = 0;
-    const auto scene = [&] {
+    const int requests = for_each_failure("builder", [&] {
         for (jorm_stb *given : {&record.builder, static_cast<jorm_stb *>(nullptr)}) {
             jorm_st *const tree = JormSTopen(nullptr, nullptr);
             jorm_stb *const b = JormWTSTBopen(given, tree, nullptr, 64);
@@ -567,26 +562,25 @@ TEST(WatershedBuilder, SurvivesEveryFailure) {
                 JormSTclose(tree, 0);
                 continue;
             }
-            const auto *const ops = reinterpret_cast<const jorm_wtsl *>(static_cast<const jorm_stbl *>(b->iface) + 1);
-            ops->setup(nullptr, b, &layout, 0);
+            const jorm_wtsl &ops = operations(b);
+            ops.setup(nullptr, b, &known.layout, 0);
             void *last = nullptr;
             for (int i = 0; i < 20; ++i) {
                 jorm_dgt *const node = __JormWTSTBnewregionNode(nullptr, b, nullptr);
                 if (!node) continue;
                 __JormSTBrootnode(b, &node->node);
                 const int32_t places[] = {1, 2, 3, 4, 5, 6};
-                ops->update2D(nullptr, b, &layout, node->data, places, 3);
-                if (last) (i % 2 ? ops->merge : ops->lazymerge)(nullptr, b, &layout, node->data, last);
+                ops.update2D(nullptr, b, &known.layout, node->data, places, 3);
+                if (last) (i % 2 ? ops.merge : ops.lazymerge)(nullptr, b, &known.layout, node->data, last);
                 last = node->data;
             }
-            ops->gather(nullptr, b, &layout, 1);
-            const jorm_wtsrgn *const root = static_cast<jorm_wtsrgn *>(last);
-            complete += root && root->area == 60 && reinterpret_cast<const jorm_moments *>(root + 1)->count == 60 &&
-                        reinterpret_cast<const jorm_pixlist *>(reinterpret_cast<const char *>(root) + 72)->count == 60;
+            ops.gather(nullptr, b, &known.layout, 1);
+            complete += last && static_cast<jorm_wtsrgn *>(last)->area == 60 &&
+                        known.data<jorm_moments>(last, JORM_WTS_MOMENTS).count == 60 &&
+                        known.data<jorm_pixlist>(last, JORM_WTS_PIXELS).count == 60;
             JormSTBclose(b, 0);
         }
-    };
-    const int requests = for_each_failure("builder", scene);
+    });
     EXPECT_GT(requests, 40);
     EXPECT_GE(complete, 2);
 }
