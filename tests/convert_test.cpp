@@ -150,48 +150,6 @@ TEST_F(Convert, MeasuredRangesScalesAndOffsets) {
     expect_elements(bytes, src, 0, [](double x, int) { return converted(JORM_U8, x); });
 }
 
-TEST_F(Convert, EveryWayInGivesTheSame) {
-    const Index extent = {1, 5, 40, 2}, from = {0, 1, 2, 0}, size = {1, 3, 30, 2};
-    const jorm_site roi = {{0, 1, 2, 0}, {1, 3, 30, 2}};
-    const double scales[2] = {0.25, 0.5}, offsets[2] = {10, 20};
-    const vrng known[2] = {{-50, 200}, {0, 300}};
-    vrng to[2] = {{0, 100}, {0, 100}};
-    const jorm_convert_params by_scales = {known, scales, offsets};
-    const jorm_vconvert_params by_ranges = {to, known};
-    for (const uint32_t s : {JORM_S16, JORM_U8}) {
-        const uint32_t d = JORM_U8;
-        Picture src = picture(s, extent), scaled = picture(d, extent), ranged = picture(d, extent),
-                got = picture(d, extent);
-        ASSERT_EQ(JormConvert(xe, 0, &scaled.a, &src.a, &roi, roi.origin, scales, offsets, known), JORM_OK);
-        ASSERT_EQ(JormVConvert(xe, 0, &ranged.a, &src.a, &roi, roi.origin, to, known), JORM_OK);
-        int way = 0;
-        const auto expect = [&](const Picture &want, int64_t status) {
-            EXPECT_EQ(status, JORM_OK);
-            each(size, [&](const Index &i) {
-                ASSERT_EQ(got.get(sum(i, from)), want.get(sum(i, from))) << "way " << way << " from " << s;
-            });
-            got.fill([] { return 77; });
-            ++way;
-        };
-#define FLAT xe, 0, JORM_WORD(3), &size[1]
-#define STARTS d, got.at(from), got.a.stride + 1, s, src.at(from), src.a.stride + 1
-#define BASES d, got.at({}), &from[1], got.a.stride + 1, s, src.at({}), &from[1], src.a.stride + 1
-        expect(scaled, jorma__econvert(FLAT, STARTS, scales, offsets, known));
-        expect(scaled, jorma_econvert(FLAT, BASES, scales, offsets, known));
-        expect(scaled, JormTGAconvert(xe, 0, &by_scales, JORM_WORD(3), &size[1], STARTS));
-        if (s == d) expect(scaled, jorma_escale(FLAT, BASES, scales, offsets, known));
-        expect(ranged, jorma__vconvert(FLAT, STARTS, to, known));
-        expect(ranged, jorma_vconvert(FLAT, BASES, to, known));
-        expect(ranged, JormTGAvconvert(xe, 0, &by_ranges, JORM_WORD(3), &size[1], STARTS));
-        if (s == d) expect(ranged, jorma_vscale(FLAT, BASES, to, known));
-        expect_each(JORM_EINVAL, {JormTGAconvert(xe, 0, nullptr, JORM_WORD(3), &size[1], STARTS),
-                                  JormTGAvconvert(xe, 0, nullptr, JORM_WORD(3), &size[1], STARTS)});
-#undef FLAT
-#undef STARTS
-#undef BASES
-    }
-}
-
 TEST_F(Convert, RangesAreRepairedAndFilled) {
     Picture src = picture(JORM_U8, {1, 2, 9, 1}), dst = picture(JORM_F32, {1, 2, 9, 1});
     vrng invalid = {5, 1}, to = {3, 9};

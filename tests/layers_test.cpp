@@ -1,4 +1,6 @@
-// Every way into a neighbourhood operation, or a threshold, gives what its entry gives.
+// Every way into an operation gives what its entry gives: neighbourhoods, thresholds, conversions, comparisons.
+#include "jorm/compare.h"
+#include "jorm/convert.h"
 #include "jorm/filter.h"
 #include "jorm/morphology.h"
 #include "jorm/sepfilter.h"
@@ -194,6 +196,57 @@ TEST_P(Layers, Thresholds) {
         }
     expect_each(JORM_EINVAL,
                 {JormTGAthreshold(xe, 0, nullptr, SLICE), jorma__adaptive_threshold_n1(xe, 0, SLICE, nullptr, 1)});
+}
+
+TEST_P(Layers, Conversions) {
+    const double scales[3] = {0.25, 0.5, 2}, offsets[3] = {10, 20, -3};
+    const vrng known[3] = {{-50, 200}, {0, 300}, {0, 100}};
+    vrng to[3] = {{0, 100}, {0, 100}, {5, 6}};
+    const jorm_convert_params by_scales = {known, scales, offsets};
+    const jorm_vconvert_params by_ranges = {to, known};
+    expect_same(WAY(JormConvert(xe, 0, &dst.a, &src.a, &roi, roi.origin, scales, offsets, known)),
+                {WAY(jorma__econvert(xe, 0, SLICE, scales, offsets, known)),
+                 WAY(jorma_econvert(xe, 0, TYPED_BASES, scales, offsets, known)),
+                 WAY(jorma_escale(xe, 0, TYPED_BASES, scales, offsets, known)),
+                 WAY(JormTGAconvert(xe, 0, &by_scales, SLICE))},
+                {});
+    expect_same(WAY(JormVConvert(xe, 0, &dst.a, &src.a, &roi, roi.origin, to, known)),
+                {WAY(jorma__vconvert(xe, 0, SLICE, to, known)), WAY(jorma_vconvert(xe, 0, TYPED_BASES, to, known)),
+                 WAY(jorma_vscale(xe, 0, TYPED_BASES, to, known)), WAY(JormTGAvconvert(xe, 0, &by_ranges, SLICE))},
+                {});
+    expect_each(JORM_EINVAL, {JormTGAconvert(xe, 0, nullptr, SLICE), JormTGAvconvert(xe, 0, nullptr, SLICE)});
+}
+
+TEST_P(Layers, Comparisons) {
+    const double k[3] = {100, 50, 150}, yes[3] = {7, 8, 9}, no[3] = {1, 2, 3};
+    const Picture other{r, type, extent};
+    each(extent, [&](const Index &i) { store(type, other.at(i), r.in(0, 250)); });
+    const jorm_array &b = other.a;
+    const int32_t *const at = roi.origin, *const bs = b.stride + 1;
+    const uint32_t op = JORM_CMP_LESS_EQUAL;
+    const jorm_compare_params plain = {op};
+    const jorm_comparec_params constant = {k, op};
+    const jorm_ecompare_params chosen = {yes, no, op};
+    const jorm_ecomparec_params chosen_constant = {k, yes, no, op};
+#define STARTS2 xe, 0, SLICE, type, other.at(from), bs
+#define BASES2 xe, 0, TYPED_BASES, type, other.at({}), &from[1], bs
+    expect_same(WAY(JormCompare(xe, 0, &dst.a, &src.a, &b, &roi, at, at, op)),
+                {WAY(jorma__compare(STARTS2, op)), WAY(jorma_compare(BASES2, op)),
+                 WAY(JormTGAcompare(xe, 0, &plain, SLICE, type, other.at(from), bs))},
+                {});
+    expect_same(WAY(JormECompare(xe, 0, &dst.a, &src.a, &b, &roi, at, at, op, yes, no)),
+                {WAY(jorma__ecompare(STARTS2, op, yes, no)), WAY(jorma_ecompare(BASES2, op, yes, no)),
+                 WAY(JormTGAecompare(xe, 0, &chosen, SLICE, type, other.at(from), bs))},
+                {});
+    expect_same(WAY(JormCompareC(xe, 0, &dst.a, &src.a, k, &roi, at, op)),
+                {WAY(jorma__compareC(xe, 0, SLICE, k, op)), WAY(jorma_compareC(xe, 0, TYPED_BASES, k, op)),
+                 WAY(JormTGAcompareC(xe, 0, &constant, SLICE))},
+                {});
+    expect_same(WAY(JormECompareC(xe, 0, &dst.a, &src.a, k, &roi, at, op, yes, no)),
+                {WAY(jorma__ecompareC(xe, 0, SLICE, k, op, yes, no)),
+                 WAY(jorma_ecompareC(xe, 0, TYPED_BASES, k, op, yes, no)),
+                 WAY(JormTGAecompareC(xe, 0, &chosen_constant, SLICE))},
+                {});
 }
 
 // Without a border a window may only read what is there; an unknown border is refused.
