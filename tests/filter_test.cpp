@@ -6,12 +6,12 @@ namespace {
 
 constexpr uint32_t types[] = {JORM_U8, JORM_S16, JORM_S32, JORM_F32};
 
-// The exact mean, rounded to nearest even.
+// The mean of exact sums, or of sums in double precision, rounded to nearest even.
 double mean(const WindowCase &c, const Index &p) {
     if (c.src.eltype == JORM_F32) {
-        long double sum = 0;
+        double sum = 0;
         c.each_in_window(p, [&](double v, const Index &) { sum += v; });
-        return float(sum / (c.shape.extent[0] * c.shape.extent[1] * c.shape.extent[2]));
+        return float((long double)sum / (c.shape.extent[0] * c.shape.extent[1] * c.shape.extent[2]));
     }
     const int64_t area = int64_t(c.shape.extent[0]) * c.shape.extent[1] * c.shape.extent[2];
     int64_t sum = 0;

@@ -56,8 +56,8 @@ enum {
  * Minimum, maximum: NaN takes no part; a window of nothing but NaN gives NaN. Which of two zeros of different sign wins
  * is not said. Windows taller than 7 rows cost the same whatever their height (van Herk 1992; Gil and Werman 1993).
  *
- * Mean: exact sums; of integers rounded to nearest even, of f32 rounded once to single precision. NaN and infinities
- * reach the windows that hold them and no others. The cost does not depend on the size of the window.
+ * Mean: of integers exact sums, rounded to nearest even; of f32 sums in double precision, rounded once to single. NaN
+ * and infinities reach the windows that hold them and no others. The cost does not depend on the size of the window.
  *
  * Close: the minimum of the maximum; open: the maximum of the minimum. The second pass sees the results of the first
  * within the region only; around it stands the value that never wins (the limits of the type, for f32 the finite ones).
