@@ -1,6 +1,7 @@
 // Every way into an operation gives what its entry gives: neighbourhoods, thresholds, conversions, comparisons.
 #include "jorm/compare.h"
 #include "jorm/convert.h"
+#include "jorm/copy.h"
 #include "jorm/filter.h"
 #include "jorm/morphology.h"
 #include "jorm/sepfilter.h"
@@ -119,6 +120,8 @@ TEST_P(Layers, Masks) {
                     {WAY(jorma__morphop(STARTS, o.op, &strel)), WAY(jorma_morphop(BASES, o.op, &strel)),
                      WAY(o.handler(STARTS, &strel)), WAY(kernel ? kernel(KERNEL, &strel) : o.handler(STARTS, &strel))});
     }
+    expect_same(WAY(JormFilter(ENTRY, JORM_FILTER_NUL, &shape)), {},
+                {WAY(jorma__morphop(STARTS, JORM_MORPH_NUL, &strel))});
     strel.mask.eltype = JORM_S16;
     expect_each(JORM_EINVAL, {JormTGAmorphop(xe, 0, nullptr, SLICE), jorma__emorphop(STARTS, &strel, 2, nullptr, sites),
                               jorma__morphop(STARTS, 2, &strel)});
@@ -142,6 +145,9 @@ TEST_P(Layers, Weights) {
          WAY(jorma_egaussianfilter(BASES, &shape, sigmas, &mirror, of_base)),
          WAY(JormTGAgaussianfilter(xe, 0, &smooth, SLICE))},
         {WAY(jorma__filter_gaussian(STARTS, &shape, sigmas)), WAY(jorma_gaussianfilter(BASES, &shape, sigmas))});
+    const double lower[3] = {40, 50, 60}, upper[3] = {30, 60, 90};
+    expect_same(WAY(JormFireflyEx(ENTRY, &shape, sigmas, lower, upper)), {},
+                {WAY(jorma__firefly_gauss(STARTS, &shape, sigmas, lower, upper, 1))});
     expect_each(JORM_EINVAL, {JormTGAsepfilter(xe, 0, nullptr, SLICE), JormTGAgaussianfilter(xe, 0, nullptr, SLICE),
                               jorma__esepfilter(STARTS, nullptr, nullptr, sites), jorma__sepfilter(STARTS, nullptr),
                               typed(xe, 0, 5, size, dst.at({}), ds, src.at({}), ss, &kernel)});
@@ -260,6 +266,39 @@ TEST_P(Layers, Borders) {
     expect_each(whole ? JORM_EINVAL : JORM_OK, {smooth(&none, sites)});
     expect_each(JORM_EINVAL, {smooth(&unknown, sites), smooth(&none, nullptr), jorma__sepfilter(STARTS, &kernel)});
     expect_each(JORM_EEMPTY, {smooth(nullptr, nothing)});
+}
+
+// Around a picture lies what a copy with that border puts there, also where windows are larger than the picture.
+TEST_P(Layers, BordersAreThoseOfCopies) {
+    const jorm_seshape large = {{0, 4, 5, 0}, {1, 9, 11, 1}};
+    const jorm_site all[2] = {{{}, {1, 3, 4, 1}}, {{}, {1, 3, 4, 1}}};
+    const int32_t outside[4] = {0, -4, -5, 0}, n[] = {3, 4, channels};
+    const Picture padded{r, type, {1, 11, 14, channels}}, wanted{r, type, {1, 3, 4, channels}};
+    jorm_array small;
+    jorm_strel strel = {{0, 4, 5, 0}, {}};
+    Bytes mask(9 * 11);
+    for (uint8_t &m : mask) m = r.one_in(3) ? 255 : 0;
+    ASSERT_EQ(jorm_array_sub(&small, &src.a, 7, 8, 3, 4), JORM_OK);
+    ASSERT_EQ(jorm_array_make(&strel.mask, JORM_U8, 9, 11, 1, 0, mask.data()), JORM_OK);
+#define BORDERED xe, 0, JORM_WORD(3), n, type, dst.at({}), ds, element(small, {}), ss
+#define PADDED                                                                                                         \
+    xe, 0, JORM_WORD(3), n, type, wanted.at({}), wanted.a.stride + 1, padded.at({0, 4, 5, 0}), padded.a.stride + 1
+    for (const uint32_t mode :
+         {JORM_BORDER_CONST, JORM_BORDER_REPLICATE, JORM_BORDER_WRAP, JORM_BORDER_REFLECT, JORM_BORDER_REFLECT101}) {
+        const jorm_border border = {mode, 0, {9, 200, 77, 0}};
+        ASSERT_EQ(JormCopyMkb(xe, 0, &padded.a, &small, nullptr, outside, &border), JORM_OK);
+        const auto expect = [&](int64_t status, int64_t status_padded) {
+            EXPECT_TRUE(status == JORM_OK && status_padded == JORM_OK);
+            each({1, 3, 4, channels}, [&](const Index &i) { ASSERT_EQ(dst.get(i), wanted.get(i)) << "mode " << mode; });
+        };
+        expect(jorma__efilter_gaussian(BORDERED, &large, nullptr, &border, all),
+               jorma__filter_gaussian(PADDED, &large, nullptr));
+        expect(jorma__emorphop(BORDERED, &strel, JORM_MORPH_DILATE, &border, all),
+               jorma__morphop(PADDED, JORM_MORPH_DILATE, &strel));
+        for (const uint32_t kind : {JORM_FILTER_MIN, JORM_FILTER_BOX})
+            if (channels == 1)
+                expect(jorma__efilter(BORDERED, &large, kind, &border, all), jorma__filter(PADDED, kind, &large));
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Layers,

@@ -154,6 +154,12 @@ TEST(Environment, Life) {
 TEST(Environment, OnAStackOfTheCaller) {
     void *const stack = jorm_mmstack_open(nullptr, 0);
     void *const mine = jorm_mmstack_alloca(stack, 10, 0);
+    uint64_t mark[4];
+    EXPECT_EQ(jorm_mmstack_state(stack, mark), mark);
+    void *const above = jorm_mmstack_alloca(stack, 10, 0);
+    jorm_mmstack_setstate(stack, mark);
+    EXPECT_EQ(jorm_mmstack_alloca(stack, 10, 0), above);
+    jorm_mmstack_freea(stack, above);
     jorm_xe xe{};
     JormXEopen(&xe, stack, 0);
     void *const a = JormXEalloca(&xe, 10, 0);
