@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace jorm {
 namespace {
@@ -12,24 +13,32 @@ int64_t aligned(int64_t bytes) { return (bytes + line - 1) / line * line; }
 
 double weight_at(const SeparableWeights &w, int axis, int64_t i) { return w.axis[axis] ? w.axis[axis][i] : 1; }
 
-// Does single precision do? Whole weights of sums below 2^24 are exact there; otherwise every product and sum adds at
-// most a unit of 2^-24 of all weights' magnitude.
-bool single_serves(const WindowCall &c, const SeparableWeights &w) {
-    if (c.type != JORM_U8 && c.type != JORM_S16) return c.type == JORM_F32;
-    double magnitude = c.type == JORM_U8 ? 255 : 32768, steps = 4;
+// How the weights of a call go in single precision.
+struct Plan {
+    double magnitude = 1, steps = 4; // of the greatest sum in units of elements; of rounding
     bool whole = true;
-    for (int i = 0; i < 3; ++i) {
-        double sum = 0;
-        for (int64_t k = 0; k < c.extent[i]; ++k) {
-            const double weight = weight_at(w, i, k);
-            sum += std::fabs(weight);
-            whole = whole && weight == std::trunc(weight);
+
+    explicit Plan(const SeparableWeights &w, const WindowCall &c, int first) {
+        for (int i = first; i < 3; ++i) {
+            double sum = 0;
+            for (int64_t k = 0; k < c.extent[i]; ++k) {
+                const double weight = weight_at(w, i, k);
+                sum += std::fabs(weight);
+                whole = whole && weight == std::trunc(weight);
+            }
+            magnitude *= sum;
+            steps += double(c.extent[i]);
         }
-        magnitude *= sum;
-        steps += double(c.extent[i]);
     }
-    const double allowed = c.type == JORM_U8 ? 1.0 / 320 : 0.4;
-    return whole ? magnitude < 0x1p24 : magnitude * steps * 0x1p-24 < allowed;
+    // What rounding may add: a unit of 2^-24 of all weights' magnitude in every product and sum.
+    double error(double largest) const { return largest * magnitude * steps * 0x1p-24; }
+};
+
+// Does single precision do? Whole weights of sums below 2^24 are exact there.
+bool single_serves(const WindowCall &c, const Plan &plan) {
+    if (c.type != JORM_U8 && c.type != JORM_S16) return c.type == JORM_F32;
+    const double largest = c.type == JORM_U8 ? 255 : 32768;
+    return plan.whole ? plan.magnitude * largest < 0x1p24 : plan.error(largest) < (c.type == JORM_U8 ? 1.0 / 320 : 0.4);
 }
 
 SeparableLine line_of(const WindowCall &c, bool single) {
@@ -45,6 +54,34 @@ SeparableLine line_of(const WindowCall &c, bool single) {
     }
 }
 
+double nearest_whole(double x) { return (x + 0x1.8p52) - 0x1.8p52; }
+
+// A scale that makes weights whole numbers of 16 bits, at most so far from the true ones that sums of values from 0 to
+// 1 miss by no more than `allowed`; 0 if a short search finds none. Whole weights stay what they are.
+double scale_of(const double *weights, int64_t n, bool whole, double allowed) {
+    double largest = 0, sum = 0;
+    for (int64_t k = 0; k < n; ++k) {
+        largest = std::max(largest, std::fabs(weights[k]));
+        sum += std::fabs(weights[k]);
+    }
+    const auto serves = [&](double scale) {
+        double above = 0, below = 0;
+        for (int64_t k = 0; k < n; ++k) {
+            const double x = weights[k] * scale, error = nearest_whole(x) - x;
+            above += std::max(error, 0.0);
+            below += std::max(-error, 0.0);
+        }
+        return std::max(above, below) <= allowed * scale;
+    };
+    const double most = std::min(32767 / largest, 0x1p22 / sum); // sums of bytes stay within 30 bits
+    if (!(most >= 1 && most < 0x1p40)) return 0;
+    if (whole) return 1;
+    double scale = std::floor(most);
+    for (int i = 0; i < 64 && scale >= 4096; ++i, scale -= 7)
+        if (serves(scale)) return scale;
+    return 0;
+}
+
 bool mirrored(const double *w, int64_t n) {
     for (int64_t k = 0; k < n / 2; ++k)
         if (w[k] != w[n - 1 - k]) return false;
@@ -57,43 +94,39 @@ int64_t taps_bytes(int64_t places) {
 
 } // namespace
 
-// Weights that mirror each other go in pairs; one in the middle is halved for the two rows of its pair, which are the
-// same one.
-SeparableStage::Taps SeparableStage::make_taps(int64_t places, const double *weights, char *&memory) const {
-    Taps taps = {{nullptr, memory, places, mirrored(weights, places)}, places, nullptr, nullptr};
+// Weights that mirror each other go in pairs, and the one in the middle alone.
+SeparableStage::Taps SeparableStage::make_taps(int64_t places, const double *weights, double scale,
+                                               int32_t weight_bytes, char *&memory) {
+    const int64_t pairs = mirrored(weights, places) ? places / 2 : 0;
     char *const weight = memory;
-    taps.row = reinterpret_cast<const void **>(memory + aligned(places * int64_t(sizeof(double))));
-    auto *const place = reinterpret_cast<int64_t *>(reinterpret_cast<char *>(taps.row) +
-                                                    aligned((places + 1) * int64_t(sizeof(void *))));
-    memory += taps_bytes(places);
-    taps.rows.row = taps.row;
-    taps.place = place;
-    if (taps.rows.paired) taps.rows.count = (places + 1) / 2;
-    for (int64_t k = 0; k < taps.rows.count; ++k) {
-        const bool middle = taps.rows.paired && 2 * k + 1 == places;
-        const double value = middle ? weights[k] / 2 : weights[k];
-        if (rows_->sum_bytes == 4)
+    auto *const row = reinterpret_cast<const void **>(memory += aligned((places + 1) * int64_t(sizeof(double))));
+    auto *const place = reinterpret_cast<int64_t *>(memory += aligned(places * int64_t(sizeof(void *))));
+    memory += aligned(places * int64_t(sizeof(int64_t)));
+    for (int64_t k = 0; k < places - pairs; ++k) {
+        const double value = weights[k] * scale;
+        if (weight_bytes == 2)
+            reinterpret_cast<int16_t *>(weight)[k] = int16_t(nearest_whole(value));
+        else if (weight_bytes == 4)
             reinterpret_cast<float *>(weight)[k] = float(value);
         else
             reinterpret_cast<double *>(weight)[k] = value;
-        if (taps.rows.paired)
+        if (k < pairs)
             place[2 * k] = k, place[2 * k + 1] = places - 1 - k;
         else
-            place[k] = k;
+            place[pairs + k] = k;
     }
-    return taps;
+    std::memset(weight + (places - pairs) * weight_bytes, 0, size_t(weight_bytes));
+    return {{row, weight, pairs, places - 2 * pairs}, row, place};
 }
 
 int64_t SeparableStage::open(WindowRows &in, const SeparableWeights &w, bool precise) {
     in_ = &in;
     const WindowCall &c = in.call();
-    rows_ = JORM_OF_LEVEL(separable_rows, c.which) + line_of(c, !precise && single_serves(c, w));
     const size_t rows = scratch_bytes(c.extent[0], c.extent[1], 3 * int64_t(sizeof(double)));
-    const int64_t pitch = ring_pitch(in.whole() * rows_->sum_bytes);
     if (rows > SIZE_MAX / 8 || c.extent[2] > INT64_MAX / 64) return JORM_ENOMEM;
     const int64_t height = c.extent[0] * c.extent[1];
     const int64_t bytes = taps_bytes(height) + taps_bytes(c.extent[2]) + aligned(height * int64_t(sizeof(double)));
-    memory_.emplace(c.xe, size_t(bytes) + scratch_bytes(2, pitch), line);
+    memory_.emplace(c.xe, size_t(bytes) + scratch_bytes(1, ring_pitch(in.whole() * int64_t(sizeof(double)))), line);
     if (!*memory_) return JORM_ENOMEM;
     char *memory = memory_->as<char>();
 
@@ -102,11 +135,20 @@ int64_t SeparableStage::open(WindowRows &in, const SeparableWeights &w, bool pre
     memory += aligned(height * int64_t(sizeof(double)));
     for (int64_t d = 0; d < c.extent[0]; ++d)
         for (int64_t k = 0; k < c.extent[1]; ++k) down[d * c.extent[1] + k] = weight_at(w, 0, d) * weight_at(w, 1, k);
-    const double one = 1;
-    down_ = make_taps(height, down, memory);
-    along_ = make_taps(c.extent[2], w.axis[2] ? w.axis[2] : &one, memory);
+    const Plan plan(w, c, 0);
+    const bool single = !precise && single_serves(c, plan);
+    double scale = 0;
+    if (single && c.type == JORM_U8) {
+        const Plan along(w, c, 2);
+        // Half a unit and 1/256 are promised, of which the last rounding takes its share.
+        const double left = 1.0 / 260 - along.error(255) * plan.magnitude / along.magnitude;
+        scale = scale_of(down, height, plan.whole, left / (255 * along.magnitude));
+    }
+    rows_ = JORM_OF_LEVEL(separable_rows, c.which) + (scale > 0 ? scaled_u8 : line_of(c, single));
+    const double one = 1, factor = scale > 0 ? scale : 1;
+    down_ = make_taps(height, down, factor, rows_->weight_bytes, memory);
+    along_ = make_taps(c.extent[2], w.axis[2] ? w.axis[2] : &one, 1 / factor, rows_->sum_bytes, memory);
     sums_ = memory;
-    spare_ = sums_ + pitch;
     return JORM_OK;
 }
 
@@ -114,23 +156,24 @@ int64_t SeparableStage::open(WindowRows &in, const SeparableWeights &w, bool pre
 void SeparableStage::gather(int64_t y) {
     const WindowCall &c = in_->call();
     const int64_t top = y - c.before[1];
-    const int64_t rows = down_.rows.paired ? 2 * down_.rows.count : down_.rows.count;
-    for (int64_t i = 0; i < rows; ++i)
-        down_.row[i] = in_->row(down_.place[i] / c.extent[1], top + down_.place[i] % c.extent[1]);
+    const bool flat = c.extent[0] == 1;
+    for (int64_t i = 0; i < c.extent[0] * c.extent[1]; ++i) {
+        const int64_t k = down_.place[i];
+        down_.row[i] = flat ? in_->row(top + k) : in_->row(k / c.extent[1], top + k % c.extent[1]);
+    }
     rows_->down(sums_ + in_->left * rows_->sum_bytes, down_.rows, in_->bare);
     in_->complete(sums_, rows_->sum_bytes);
-    const int64_t columns = along_.rows.paired ? 2 * along_.rows.count : along_.rows.count;
-    for (int64_t i = 0; i < columns; ++i) along_.row[i] = sums_ + along_.place[i] * c.channels * rows_->sum_bytes;
+    for (int64_t i = 0; i < c.extent[2]; ++i) along_.row[i] = sums_ + along_.place[i] * c.channels * rows_->sum_bytes;
 }
 
 void SeparableStage::produce(int64_t y, void *row) {
     gather(y);
-    rows_->along(row, spare_, along_.rows, in_->call().row_elements());
+    rows_->along(row, along_.rows, in_->call().row_elements());
 }
 
 void SeparableStage::produce_sums(int64_t y, void *row) {
     gather(y);
-    rows_->along_sums(row, spare_, along_.rows, in_->call().row_elements());
+    rows_->along_sums(row, along_.rows, in_->call().row_elements());
 }
 
 int64_t separable(WindowCall &c, const SeparableWeights &weights) {

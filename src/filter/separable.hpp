@@ -12,7 +12,8 @@ struct SeparableWeights {
 
 // The weighted sums of the windows: down the columns first, then along the row. Weights that mirror each other about
 // their centre serve two rows or columns at once. Bytes and 16-bit elements go in single precision where that keeps the
-// promised accuracy, in double precision otherwise.
+// promised accuracy, in double precision otherwise; bytes go down the columns in integers where a scale makes the
+// weights nearly whole.
 class SeparableStage : public RowStage {
 public:
     // Precise: in double precision whatever the weights, but for single precision itself.
@@ -27,17 +28,16 @@ private:
     // A list of weights in the type of sums, and of the places that they belong to.
     struct Taps {
         WeightedRows rows;
-        int64_t places;
-        const void **row;     // of every weight, or pair
+        const void **row;
         const int64_t *place; // of every row in the list
     };
     void gather(int64_t y);
-    Taps make_taps(int64_t places, const double *weights, char *&memory) const;
+    static Taps make_taps(int64_t places, const double *weights, double scale, int32_t weight_bytes, char *&memory);
 
     WindowRows *in_ = nullptr;
     const SeparableRows *rows_ = nullptr;
     Taps down_ = {}, along_ = {};
-    char *sums_ = nullptr, *spare_ = nullptr;
+    char *sums_ = nullptr;
     std::optional<Scratch> memory_;
 };
 

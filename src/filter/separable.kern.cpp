@@ -1,18 +1,62 @@
 // Rows of weighted sums.
 #include "filter/separable_rows.hpp"
-#include "kernel/level_ops.hpp"
+#include "kernel/level_words.hpp"
 
 namespace jorm::JORM_LEVEL {
 namespace {
 
-// Two elements add up without loss before they become a number of the type of sums.
-template <class In, class Sum> [[gnu::always_inline]] inline Sum pair_of(In a, In b) {
-    if constexpr (same<In, Sum>)
-        return a + b;
-    else if constexpr (sizeof(In) == 4)
-        return Sum(a) + Sum(b);
+// Calls f(Count<c>, i) for c elements from i on until all have had their turn, some of them twice: `Many` vectors of
+// `Vector` elements at a time, else one, else a single element.
+template <int C> struct Count {};
+template <int Vector, int Many, class F> [[gnu::always_inline]] inline void each_block(int64_t n, F f) {
+    const auto blocks_of = [&]<int C>(Count<C> count) __attribute__((always_inline)) {
+        for (int64_t i = 0; i < n; i += C) f(count, i + C <= n ? i : n - C);
+    };
+    if (n >= Many * Vector)
+        blocks_of(Count<Many * Vector>());
+    else if (n >= Vector)
+        blocks_of(Count<Vector>());
     else
-        return Sum(s32(a) + s32(b));
+        blocks_of(Count<1>());
+}
+
+// N elements in the type of sums; of two rows their totals, which integers reach without loss.
+template <class Sum, int N, class In> [[gnu::always_inline]] inline VectorOf<Sum, N> element(const In *a) {
+    const auto x = read<VectorOf<In, N>>(a);
+    if constexpr (same<In, Sum>)
+        return x;
+    else if constexpr (same<In, s32> || same<Sum, s32>)
+        return converted<Sum, N, In>(x);
+    else
+        return converted<Sum, N, s32>(converted<s32, N, In>(x));
+}
+template <class Sum, int N, class In> [[gnu::always_inline]] inline VectorOf<Sum, N> total(const In *a, const In *b) {
+    if constexpr (sizeof(In) >= 4 || same<Sum, s32>)
+        return element<Sum, N>(a) + element<Sum, N>(b);
+    else
+        return converted<Sum, N, s32>(element<s32, N>(a) + element<s32, N>(b));
+}
+
+// C sums from element i on. They gather in registers, so the vectors of a block share each weight.
+template <class In, class Weight, class Sum, int Vector, int C>
+[[gnu::always_inline]] inline void weigh(Sum *to, const WeightedRows &rows, int64_t i) {
+    constexpr int size = C < Vector ? C : Vector, count = C / size;
+    using V = VectorOf<Sum, size>;
+    const void *const *row = rows.row;
+    const Weight *weight = elements<Weight>(rows.weight);
+    V sum[count];
+    for (V &s : sum) s = -V{}; // -0 adds nothing, not even a sign
+    for (int64_t k = 0; k < rows.pairs; ++k, row += 2) {
+        const In *const a = elements<In>(row[0]) + i, *const b = elements<In>(row[1]) + i;
+        const V w = Sum(*weight++) - V{};
+        for (int j = 0; j < count; ++j) sum[j] += w * total<Sum, size>(a + j * size, b + j * size);
+    }
+    for (int64_t k = 0; k < rows.singles; ++k, ++row) {
+        const In *const a = elements<In>(row[0]) + i;
+        const V w = Sum(*weight++) - V{};
+        for (int j = 0; j < count; ++j) sum[j] += w * element<Sum, size>(a + j * size);
+    }
+    __builtin_memcpy(to, sum, sizeof sum);
 }
 
 template <class Out, class Sum> [[gnu::always_inline]] inline Out result_of(Sum x) {
@@ -24,70 +68,88 @@ template <class Out, class Sum> [[gnu::always_inline]] inline Out result_of(Sum 
         return nearest<Out>(x);
 }
 
-// N weights; what stands in `before` comes first unless this is the first group.
-template <class In, class Sum, class Out, int N, bool Paired, bool First>
-void weigh_n(Out *to, const Sum *before, const void *const *row, const Sum *weight, int64_t n) {
-    Out *__restrict t = to;
-    const In *r[Paired ? 2 * N : N];
-    Sum w[N];
-    for (int k = 0; k < (Paired ? 2 * N : N); ++k) r[k] = elements<In>(row[k]);
-    for (int k = 0; k < N; ++k) w[k] = weight[k];
-    for (int64_t i = 0; i < n; ++i) {
-        Sum sum = First ? Sum(0) : before[i];
-        for (int k = 0; k < N; ++k) {
-            const Sum x = Paired ? pair_of<In, Sum>(r[2 * k % (Paired ? 2 * N : N)][i], r[Paired ? 2 * k + 1 : k][i])
-                                 : Sum(r[k][i]);
-            sum = First && k == 0 ? w[k] * x : sum + w[k] * x;
-        }
-        t[i] = result_of<Out>(sum);
-    }
+template <class In, class Sum, class Out> void weigh_row(void *to, const WeightedRows &rows, int64_t n) {
+    constexpr int vector = register_bytes / int(sizeof(Sum));
+    Out *const t = elements<Out>(to);
+    each_block<vector, 4>(
+        n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
+            if constexpr (same<Sum, Out>)
+                weigh<In, Sum, Sum, vector, C>(t + i, rows, i);
+            else {
+                Sum sums[C];
+                weigh<In, Sum, Sum, vector, C>(sums, rows, i);
+#ifdef __x86_64__
+                if constexpr (same<Sum, f32> && same<Out, u8> && C == 4 * vector) return store_bytes(t + i, sums);
+#endif
+                for (int j = 0; j < C; ++j) t[i + j] = result_of<Out>(sums[j]);
+            }
+        });
 }
 
-// As many weights as `count` says, at most N.
-template <class In, class Sum, class Out, bool Paired, bool First, int N>
-void weigh_few(Out *to, const Sum *before, const void *const *row, const Sum *weight, int64_t count, int64_t n) {
-    if constexpr (N > 1)
-        if (count < N) return weigh_few<In, Sum, Out, Paired, First, N - 1>(to, before, row, weight, count, n);
-    weigh_n<In, Sum, Out, N, Paired, First>(to, before, row, weight, n);
-}
-
-// Up to so many rows at a time does the compiler make vectors of the loop.
-constexpr int most_rows = 8;
-
-// Groups of weights gather in `sums` but for the last one, whose results go to `to`.
-template <class In, class Sum, class Out, bool Paired>
-void weigh(Out *to, Sum *sums, const WeightedRows &rows, int64_t n) {
+// Bytes under whole weights of 16 bits: exact sums.
+#ifdef __x86_64__
+template <int C> [[gnu::always_inline]] inline void weigh_words(f32 *to, const WeightedRows &rows, int64_t i) {
+    constexpr int words = register_bytes / 2, count = C / words;
     const void *const *row = rows.row;
-    const Sum *weight = elements<Sum>(rows.weight);
-    constexpr int group = Paired ? most_rows / 2 : most_rows;
-    int64_t left = rows.count;
-    if (left <= group) return weigh_few<In, Sum, Out, Paired, true, group>(to, sums, row, weight, left, n);
-    weigh_n<In, Sum, Sum, group, Paired, true>(sums, sums, row, weight, n);
-    for (left -= group; left > group; left -= group)
-        weigh_n<In, Sum, Sum, group, Paired, false>(sums, sums, row += most_rows, weight += group, n);
-    weigh_few<In, Sum, Out, Paired, false, group>(to, sums, row + most_rows, weight + group, left, n);
+    const s16 *weight = elements<s16>(rows.weight);
+    WeightedWords sum[count];
+    const auto single = [i](const void *const *r, int j) { return words_at(elements<u8>(r[0]) + i + j * words); };
+    const auto total = [&](const void *const *r, int j) {
+        return Register(VectorOf<s16, words>(single(r, j)) + VectorOf<s16, words>(single(r + 1, j)));
+    };
+    const auto add = [&](int64_t used, auto first, auto second) __attribute__((always_inline)) {
+        const auto both = Register(read<s32>(weight) - VectorOf<s32, words / 2>{});
+        for (int j = 0; j < count; ++j) sum[j].add(both, first(j), second(j));
+        row += used;
+        weight += 2;
+    };
+    int64_t pairs = rows.pairs, singles = rows.singles;
+    const auto nothing = [](int) { return Register{}; };
+    for (; pairs > 1; pairs -= 2)
+        add(
+            4, [&](int j) { return total(row, j); }, [&](int j) { return total(row + 2, j); });
+    if (pairs > 0 && singles > 0)
+        add(
+            3, [&](int j) { return total(row, j); }, [&](int j) { return single(row + 2, j); }),
+            --singles;
+    else if (pairs > 0)
+        add(
+            2, [&](int j) { return total(row, j); }, nothing);
+    for (; singles > 1; singles -= 2)
+        add(
+            2, [&](int j) { return single(row, j); }, [&](int j) { return single(row + 1, j); });
+    if (singles > 0)
+        add(
+            1, [&](int j) { return single(row, j); }, nothing);
+    for (int j = 0; j < count; ++j) sum[j].store(to + j * words);
 }
+#endif
 
-template <class T, class Sum> void down(void *sums, const WeightedRows &rows, int64_t n) {
-    Sum *const s = elements<Sum>(sums);
-    rows.paired ? weigh<T, Sum, Sum, true>(s, s, rows, n) : weigh<T, Sum, Sum, false>(s, s, rows, n);
-}
-template <class T, class Sum> void along(void *to, void *spare, const WeightedRows &rows, int64_t n) {
-    T *const t = elements<T>(to);
-    Sum *const s = elements<Sum>(spare);
-    rows.paired ? weigh<Sum, Sum, T, true>(t, s, rows, n) : weigh<Sum, Sum, T, false>(t, s, rows, n);
-}
-
-template <class Sum> void along_sums(void *to, void *spare, const WeightedRows &rows, int64_t n) {
-    along<Sum, Sum>(to, spare, rows, n);
+void weigh_bytes(void *to, const WeightedRows &rows, int64_t n) {
+    f32 *const t = elements<f32>(to);
+    each_block<register_bytes / 2, 2>(
+        n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
+#ifdef __x86_64__
+            if constexpr (C > 1) return weigh_words<C>(t + i, rows, i);
+#endif
+            s32 sums[C];
+            weigh<u8, s16, s32, register_bytes / 4, C>(sums, rows, i);
+            for (int j = 0; j < C; ++j) t[i + j] = f32(sums[j]);
+        });
 }
 
 } // namespace
 
 #define LINE(T, Sum)                                                                                                   \
-    { sizeof(Sum), down<T, Sum>, along<T, Sum>, along_sums<Sum> }
+    { sizeof(Sum), sizeof(Sum), weigh_row<T, Sum, Sum>, weigh_row<Sum, Sum, T>, weigh_row<Sum, Sum, Sum> }
 extern const SeparableRows separable_rows[];
-const SeparableRows separable_rows[] = {LINE(u8, f32), LINE(s16, f32), LINE(f32, f32),
-                                        LINE(u8, f64), LINE(s16, f64), LINE(s32, f64)};
+const SeparableRows separable_rows[] = {
+    {sizeof(f32), sizeof(s16), weigh_bytes, weigh_row<f32, f32, u8>, weigh_row<f32, f32, f32>},
+    LINE(u8, f32),
+    LINE(s16, f32),
+    LINE(f32, f32),
+    LINE(u8, f64),
+    LINE(s16, f64),
+    LINE(s32, f64)};
 
 } // namespace jorm::JORM_LEVEL

@@ -6,24 +6,24 @@
 
 namespace jorm {
 
-// Rows with their weights. Paired: row 2k and row 2k + 1 share weight k.
+// Rows with their weights: rows 2k and 2k + 1 share weight k of the pairs, each single one has its own.
 struct WeightedRows {
     const void *const *row;
-    const void *weight; // of the type of sums
-    int64_t count;      // of weights
-    bool paired;
+    const void *weight; // of the type of weights
+    int64_t pairs, singles;
 };
 
 struct SeparableRows {
-    int32_t sum_bytes;
+    int32_t sum_bytes, weight_bytes; // the latter down the columns; along the row weights are sums
     // Sums of elements.
     void (*down)(void *sums, const WeightedRows &rows, int64_t n);
-    // Sums of sums as elements: rounded to nearest even and clamped. `spare` has room for n sums.
-    void (*along)(void *to, void *spare, const WeightedRows &rows, int64_t n);
+    // Sums of sums as elements: rounded to nearest even and clamped.
+    void (*along)(void *to, const WeightedRows &rows, int64_t n);
     // The same as they are.
-    void (*along_sums)(void *to, void *spare, const WeightedRows &rows, int64_t n);
+    void (*along_sums)(void *to, const WeightedRows &rows, int64_t n);
 };
-enum SeparableLine : int { single_u8, single_s16, single_f32, double_u8, double_s16, double_s32 };
+// Scaled: whole weights of 16 bits down the columns, an odd number of them followed by a 0.
+enum SeparableLine : int { scaled_u8, single_u8, single_s16, single_f32, double_u8, double_s16, double_s32 };
 
 JORM_LEVEL_TABLE(const SeparableRows, separable_rows);
 

@@ -72,7 +72,6 @@ template <bool Add, class T, class F>
     const void *const rest[] = {a + i, b + i};
     row2<T, T, T>(d + i, rest, n - i, f);
 }
-#undef JORM_OF_REGISTER
 #endif
 
 // Three components of bytes, interleaved in 48 and apart in 16 each.

@@ -1,0 +1,106 @@
+// Vectors for the operators of the language, and words of 16 bits in the processor's own instructions: for level
+// sources.
+#pragma once
+#include "kernel/level_vectors.hpp"
+
+namespace jorm::JORM_LEVEL {
+namespace {
+
+#if defined(JORM_LEVEL_avx512)
+constexpr int register_bytes = 64;
+#elif defined(JORM_LEVEL_avx2)
+constexpr int register_bytes = 32;
+#else
+constexpr int register_bytes = 16;
+#endif
+
+// N elements; a single one is no vector.
+template <class T, int N> struct VectorType { using type [[gnu::vector_size(N * sizeof(T))]] = T; };
+template <class T> struct VectorType<T, 1> { using type = T; };
+template <class T, int N> using VectorOf = typename VectorType<T, N>::type;
+
+template <class V> [[gnu::always_inline]] inline V read(const void *from) {
+    V v;
+    __builtin_memcpy(&v, from, sizeof v);
+    return v;
+}
+template <class To, int N, class From> [[gnu::always_inline]] inline VectorOf<To, N> converted(VectorOf<From, N> v) {
+    if constexpr (N == 1)
+        return To(v);
+    else
+        return __builtin_convertvector(v, VectorOf<To, N>);
+}
+
+#ifdef __x86_64__
+// A register of bytes as words.
+[[gnu::always_inline]] inline Register words_at(const u8 *bytes) {
+#if defined(JORM_LEVEL_avx512)
+    return _mm512_maskz_cvtepu8_epi16(~__mmask32(0), _mm256_loadu_si256((const __m256i *)bytes));
+#elif defined(JORM_LEVEL_avx2)
+    return _mm256_cvtepu8_epi16(_mm_loadu_si128((const __m128i *)bytes));
+#else
+    return _mm_unpacklo_epi8(_mm_loadl_epi64((const __m128i *)bytes), _mm_setzero_si128());
+#endif
+}
+
+// Two words of each column by two weights, summed up: a register of columns as two of sums, which stand in an order of
+// their own until they are stored.
+struct WeightedWords {
+    Register low = {}, high = {};
+
+    [[gnu::always_inline]] void add(Register weights, Register a, Register b) {
+        low = sum(low, product(JORM_OF_REGISTER(unpacklo_epi16)(a, b), weights));
+        high = sum(high, product(JORM_OF_REGISTER(unpackhi_epi16)(a, b), weights));
+    }
+    [[gnu::always_inline]] void store(f32 *to) const {
+#if defined(JORM_LEVEL_avx512)
+        const __m512i first = _mm512_setr_epi32(0, 1, 2, 3, 16, 17, 18, 19, 4, 5, 6, 7, 20, 21, 22, 23),
+                      second = _mm512_add_epi32(first, _mm512_set1_epi32(8));
+        _mm512_storeu_ps(to, floats(_mm512_permutex2var_epi32(low, first, high)));
+        _mm512_storeu_ps(to + 16, floats(_mm512_permutex2var_epi32(low, second, high)));
+#elif defined(JORM_LEVEL_avx2)
+        _mm256_storeu_ps(to, _mm256_cvtepi32_ps(_mm256_permute2x128_si256(low, high, 0x20)));
+        _mm256_storeu_ps(to + 8, _mm256_cvtepi32_ps(_mm256_permute2x128_si256(low, high, 0x31)));
+#else
+        _mm_storeu_ps(to, _mm_cvtepi32_ps(low));
+        _mm_storeu_ps(to + 4, _mm_cvtepi32_ps(high));
+#endif
+    }
+
+private:
+    static Register sum(Register a, Register b) { return JORM_OF_REGISTER(add_epi32)(a, b); }
+    static Register product(Register a, Register b) { return JORM_OF_REGISTER(madd_epi16)(a, b); }
+#ifdef JORM_LEVEL_avx512
+    static __m512 floats(__m512i a) { return _mm512_maskz_cvtepi32_ps(0xffff, a); }
+#endif
+};
+
+// A register of bytes from four of numbers: to nearest even, clamped.
+[[gnu::always_inline]] inline void store_bytes(u8 *to, const f32 *from) {
+    Register words[2];
+    for (int j = 0; j < 2; ++j) {
+        const f32 *const f = from + j * (register_bytes / 2);
+#if defined(JORM_LEVEL_avx512)
+        words[j] = _mm512_packs_epi32(_mm512_maskz_cvtps_epi32(0xffff, _mm512_loadu_ps(f)),
+                                      _mm512_maskz_cvtps_epi32(0xffff, _mm512_loadu_ps(f + 16)));
+#elif defined(JORM_LEVEL_avx2)
+        words[j] =
+            _mm256_packs_epi32(_mm256_cvtps_epi32(_mm256_loadu_ps(f)), _mm256_cvtps_epi32(_mm256_loadu_ps(f + 8)));
+#else
+        words[j] = _mm_packs_epi32(_mm_cvtps_epi32(_mm_loadu_ps(f)), _mm_cvtps_epi32(_mm_loadu_ps(f + 4)));
+#endif
+    }
+    Register bytes = JORM_OF_REGISTER(packus_epi16)(words[0], words[1]);
+#if defined(JORM_LEVEL_avx512)
+    bytes = _mm512_maskz_permutexvar_epi32(
+        0xffff, _mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15), bytes);
+#elif defined(JORM_LEVEL_avx2)
+    bytes = _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
+#endif
+    __builtin_memcpy(to, &bytes, sizeof bytes);
+}
+
+#endif
+
+} // namespace
+} // namespace jorm::JORM_LEVEL
