@@ -71,7 +71,7 @@ template <class Out, class Sum> [[gnu::always_inline]] inline Out result_of(Sum 
 template <class In, class Sum, class Out> void weigh_row(void *to, const WeightedRows &rows, int64_t n) {
     constexpr int vector = register_bytes / int(sizeof(Sum));
     Out *const t = elements<Out>(to);
-    each_block<vector, 4>(
+    each_block<vector, 8>(
         n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
             if constexpr (same<Sum, Out>)
                 weigh<In, Sum, Sum, vector, C>(t + i, rows, i);
@@ -79,7 +79,10 @@ template <class In, class Sum, class Out> void weigh_row(void *to, const Weighte
                 Sum sums[C];
                 weigh<In, Sum, Sum, vector, C>(sums, rows, i);
 #ifdef __x86_64__
-                if constexpr (same<Sum, f32> && same<Out, u8> && C == 4 * vector) return store_bytes(t + i, sums);
+                if constexpr (same<Sum, f32> && same<Out, u8> && C % (4 * vector) == 0) {
+                for (int j = 0; j < C; j += register_bytes) store_bytes(t + i + j, sums + j);
+                return;
+            }
 #endif
                 for (int j = 0; j < C; ++j) t[i + j] = result_of<Out>(sums[j]);
             }
@@ -127,7 +130,7 @@ template <int C> [[gnu::always_inline]] inline void weigh_words(f32 *to, const W
 
 void weigh_bytes(void *to, const WeightedRows &rows, int64_t n) {
     f32 *const t = elements<f32>(to);
-    each_block<register_bytes / 2, 2>(
+    each_block<register_bytes / 2, 4>(
         n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
 #ifdef __x86_64__
             if constexpr (C > 1) return weigh_words<C>(t + i, rows, i);
