@@ -59,6 +59,56 @@ template <class In, class Weight, class Sum, int Vector, int C>
     __builtin_memcpy(to, sum, sizeof sum);
 }
 
+#ifdef JORM_LEVEL_avx512
+// The same for rows that all begin within a register of the first: every second one comes out of registers that a block
+// loads once, for loads across the lines of the cache cost twice.
+template <int C> [[gnu::always_inline]] inline void weigh_near(f32 *to, const WeightedRows &rows, int64_t i) {
+    constexpr int size = 16, count = C / size;
+    using V = VectorOf<f32, size>;
+    const f32 *const start = elements<f32>(rows.row[0]) + i, *weight = elements<f32>(rows.weight);
+    V near[count + 1], sum[count];
+    for (int j = 0; j <= count; ++j) near[j] = read<V>(start + j * size);
+    for (V &s : sum) s = -V{};
+    const __m512i places = _mm512_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+    const void *const *row = rows.row;
+    const auto next = [&] { return elements<f32>(*row++) + i; };
+    const auto next_picks = [&] { return _mm512_add_epi32(places, _mm512_set1_epi32(int(next() - start))); };
+    const auto next_weight = [&] { return *weight++ - V{}; };
+    for (int64_t k = 0; k < rows.pairs; ++k) {
+        const auto picks = next_picks();
+        const f32 *const b = next();
+        const V w = next_weight();
+        for (int j = 0; j < count; ++j)
+            sum[j] += w * (_mm512_permutex2var_ps(near[j], picks, near[j + 1]) + read<V>(b + j * size));
+    }
+    for (int64_t k = 0; k < rows.singles; ++k) {
+        const f32 *const a = next();
+        const V w = next_weight();
+        for (int j = 0; j < count; ++j) sum[j] += w * read<V>(a + j * size);
+        if (++k == rows.singles) break;
+        const auto picks = next_picks();
+        const V v = next_weight();
+        for (int j = 0; j < count; ++j) sum[j] += v * _mm512_permutex2var_ps(near[j], picks, near[j + 1]);
+    }
+    __builtin_memcpy(to, sum, sizeof sum);
+}
+inline bool all_near(const WeightedRows &rows) {
+    const void *const last = rows.pairs > 0 ? rows.row[1] : rows.row[rows.singles - 1];
+    return elements<f32>(last) - elements<f32>(rows.row[0]) <= 16;
+}
+#endif
+
+// Vectors of sums in a block.
+constexpr int many = 8;
+
+template <class T, class Sum> void down(void *to, const WeightedRows &rows, int64_t n) {
+    constexpr int vector = register_bytes / int(sizeof(Sum));
+    Sum *const t = elements<Sum>(to);
+    each_block<vector, many>(n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
+        weigh<T, Sum, Sum, vector, C>(t + i, rows, i);
+    });
+}
+
 template <class Out, class Sum> [[gnu::always_inline]] inline Out result_of(Sum x) {
     if constexpr (is_real<Out>)
         return Out(x);
@@ -67,63 +117,65 @@ template <class Out, class Sum> [[gnu::always_inline]] inline Out result_of(Sum 
     else
         return nearest<Out>(x);
 }
-
-template <class In, class Sum, class Out> void weigh_row(void *to, const WeightedRows &rows, int64_t n) {
-    constexpr int vector = register_bytes / int(sizeof(Sum));
-    Out *const t = elements<Out>(to);
-    each_block<vector, 8>(
-        n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
-            if constexpr (same<Sum, Out>)
-                weigh<In, Sum, Sum, vector, C>(t + i, rows, i);
-            else {
-                Sum sums[C];
-                weigh<In, Sum, Sum, vector, C>(sums, rows, i);
+template <class Out, class Sum, int N> [[gnu::always_inline]] inline void store_results(Out *to, const Sum *sums) {
 #ifdef __x86_64__
-                if constexpr (same<Sum, f32> && same<Out, u8> && C % (4 * vector) == 0) {
-                for (int j = 0; j < C; j += register_bytes) store_bytes(t + i + j, sums + j);
-                return;
-            }
+    if constexpr (same<Sum, f32> && same<Out, u8> && N % register_bytes == 0) {
+        for (int j = 0; j < N; j += register_bytes) store_bytes(to + j, sums + j);
+        return;
+    }
 #endif
-                for (int j = 0; j < C; ++j) t[i + j] = result_of<Out>(sums[j]);
-            }
-        });
+    for (int j = 0; j < N; ++j) to[j] = result_of<Out>(sums[j]);
 }
 
-// Bytes under whole weights of 16 bits: exact sums.
+template <class Sum, class Out> void along(void *to, const WeightedRows &rows, int64_t n) {
+    constexpr int vector = register_bytes / int(sizeof(Sum));
+    Out *const t = elements<Out>(to);
+#ifdef JORM_LEVEL_avx512
+    const bool near = same<Sum, f32> && all_near(rows);
+#endif
+    each_block<vector, many>(n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
+        Sum sums[C];
+#ifdef JORM_LEVEL_avx512
+        if constexpr (same<Sum, f32> && C == many * vector)
+            if (near) {
+                weigh_near<C>(sums, rows, i);
+                return store_results<Out, Sum, C>(t + i, sums);
+            }
+#endif
+        weigh<Sum, Sum, Sum, vector, C>(sums, rows, i);
+        store_results<Out, Sum, C>(t + i, sums);
+    });
+}
+
+// Bytes under whole weights of 16 bits: exact sums. Two terms at a time, each of them a row or the total of two.
 #ifdef __x86_64__
 template <int C> [[gnu::always_inline]] inline void weigh_words(f32 *to, const WeightedRows &rows, int64_t i) {
     constexpr int words = register_bytes / 2, count = C / words;
+    using V = VectorOf<s16, words>;
     const void *const *row = rows.row;
     const s16 *weight = elements<s16>(rows.weight);
     WeightedWords sum[count];
-    const auto single = [i](const void *const *r, int j) { return words_at(elements<u8>(r[0]) + i + j * words); };
-    const auto total = [&](const void *const *r, int j) {
-        return Register(VectorOf<s16, words>(single(r, j)) + VectorOf<s16, words>(single(r + 1, j)));
-    };
-    const auto add = [&](int64_t used, auto first, auto second) __attribute__((always_inline)) {
+    const auto single = [&](int r, int j) { return V(words_at(elements<u8>(row[r]) + i + j * words)); };
+    const auto total = [&](int r, int j) { return single(r, j) + single(r + 1, j); };
+    const auto add = [&](int used, auto first, auto second) __attribute__((always_inline)) {
         const auto both = Register(read<s32>(weight) - VectorOf<s32, words / 2>{});
-        for (int j = 0; j < count; ++j) sum[j].add(both, first(j), second(j));
+        for (int j = 0; j < count; ++j) sum[j].add(both, Register(first(j)), Register(second(j)));
         row += used;
         weight += 2;
     };
+    const auto nothing = [](int) { return V{}; };
+    const auto total0 = [&](int j) { return total(0, j); }, total2 = [&](int j) { return total(2, j); };
+    const auto single0 = [&](int j) { return single(0, j); }, single1 = [&](int j) { return single(1, j); },
+               single2 = [&](int j) { return single(2, j); };
     int64_t pairs = rows.pairs, singles = rows.singles;
-    const auto nothing = [](int) { return Register{}; };
-    for (; pairs > 1; pairs -= 2)
-        add(
-            4, [&](int j) { return total(row, j); }, [&](int j) { return total(row + 2, j); });
-    if (pairs > 0 && singles > 0)
-        add(
-            3, [&](int j) { return total(row, j); }, [&](int j) { return single(row + 2, j); }),
-            --singles;
-    else if (pairs > 0)
-        add(
-            2, [&](int j) { return total(row, j); }, nothing);
-    for (; singles > 1; singles -= 2)
-        add(
-            2, [&](int j) { return single(row, j); }, [&](int j) { return single(row + 1, j); });
-    if (singles > 0)
-        add(
-            1, [&](int j) { return single(row, j); }, nothing);
+    for (; pairs > 1; pairs -= 2) add(4, total0, total2);
+    if (pairs > 0 && singles > 0) {
+        add(3, total0, single2);
+        --singles;
+    } else if (pairs > 0)
+        add(2, total0, nothing);
+    for (; singles > 1; singles -= 2) add(2, single0, single1);
+    if (singles > 0) add(1, single0, nothing);
     for (int j = 0; j < count; ++j) sum[j].store(to + j * words);
 }
 #endif
@@ -144,10 +196,10 @@ void weigh_bytes(void *to, const WeightedRows &rows, int64_t n) {
 } // namespace
 
 #define LINE(T, Sum)                                                                                                   \
-    { sizeof(Sum), sizeof(Sum), weigh_row<T, Sum, Sum>, weigh_row<Sum, Sum, T>, weigh_row<Sum, Sum, Sum> }
+    { sizeof(Sum), sizeof(Sum), down<T, Sum>, along<Sum, T>, along<Sum, Sum> }
 extern const SeparableRows separable_rows[];
 const SeparableRows separable_rows[] = {
-    {sizeof(f32), sizeof(s16), weigh_bytes, weigh_row<f32, f32, u8>, weigh_row<f32, f32, f32>},
+    {sizeof(f32), sizeof(s16), weigh_bytes, along<f32, u8>, along<f32, f32>},
     LINE(u8, f32),
     LINE(s16, f32),
     LINE(f32, f32),
