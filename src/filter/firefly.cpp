@@ -102,7 +102,7 @@ int64_t run_firefly(WindowCall &c, const double *sigmas, const Limits &limits) {
     GaussianWeights weights;
     if (const int64_t status = weights.open(c, sigmas); status != JORM_OK) return status;
     WindowRows rows;
-    if (const int64_t status = rows.open(c); status != JORM_OK) return status;
+    if (const int64_t status = rows.open(c, SeparableStage::together - 1); status != JORM_OK) return status;
     FireflyStage stage;
     if (const int64_t status = stage.open(rows, weights); status != JORM_OK) return status;
 

@@ -88,8 +88,11 @@ bool mirrored(const double *w, int64_t n) {
     return n > 1;
 }
 
+// Weights with a 0 after them, rows of windows that go together, places.
 int64_t taps_bytes(int64_t places) {
-    return aligned(places * int64_t(sizeof(double))) + 2 * aligned((places + 1) * int64_t(sizeof(void *)));
+    return aligned((places + 1) * int64_t(sizeof(double))) +
+           aligned(SeparableStage::together * places * int64_t(sizeof(void *))) +
+           aligned(places * int64_t(sizeof(int64_t)));
 }
 
 } // namespace
@@ -100,7 +103,7 @@ SeparableStage::Taps SeparableStage::make_taps(int64_t places, const double *wei
     const int64_t pairs = mirrored(weights, places) ? places / 2 : 0;
     char *const weight = memory;
     auto *const row = reinterpret_cast<const void **>(memory += aligned((places + 1) * int64_t(sizeof(double))));
-    auto *const place = reinterpret_cast<int64_t *>(memory += aligned(places * int64_t(sizeof(void *))));
+    auto *const place = reinterpret_cast<int64_t *>(memory += aligned(together * places * int64_t(sizeof(void *))));
     memory += aligned(places * int64_t(sizeof(int64_t)));
     for (int64_t k = 0; k < places - pairs; ++k) {
         const double value = weights[k] * scale;
@@ -126,7 +129,8 @@ int64_t SeparableStage::open(WindowRows &in, const SeparableWeights &w, bool pre
     if (rows > SIZE_MAX / 8 || c.extent[2] > INT64_MAX / 64) return JORM_ENOMEM;
     const int64_t height = c.extent[0] * c.extent[1];
     const int64_t bytes = taps_bytes(height) + taps_bytes(c.extent[2]) + aligned(height * int64_t(sizeof(double)));
-    memory_.emplace(c.xe, size_t(bytes) + scratch_bytes(1, ring_pitch(in.whole() * int64_t(sizeof(double)))), line);
+    const int64_t pitch = ring_pitch(in.whole() * int64_t(sizeof(double)));
+    memory_.emplace(c.xe, size_t(bytes) + scratch_bytes(together, pitch), line);
     if (!*memory_) return JORM_ENOMEM;
     char *memory = memory_->as<char>();
 
@@ -148,22 +152,36 @@ int64_t SeparableStage::open(WindowRows &in, const SeparableWeights &w, bool pre
     const double one = 1, factor = scale > 0 ? scale : 1;
     down_ = make_taps(height, down, factor, rows_->weight_bytes, memory);
     along_ = make_taps(c.extent[2], w.axis[2] ? w.axis[2] : &one, 1 / factor, rows_->sum_bytes, memory);
-    sums_ = memory;
+    for (char *&sums : sums_) sums = memory, memory += pitch;
     return JORM_OK;
 }
 
 // The sums of the columns, and where the taps along the row find them.
 void SeparableStage::gather(int64_t y) {
     const WindowCall &c = in_->call();
-    const int64_t top = y - c.before[1];
-    const bool flat = c.extent[0] == 1;
-    for (int64_t i = 0; i < c.extent[0] * c.extent[1]; ++i) {
-        const int64_t k = down_.place[i];
-        down_.row[i] = flat ? in_->row(top + k) : in_->row(k / c.extent[1], top + k % c.extent[1]);
+    if (y >= last_) {
+        const int64_t height = c.extent[0] * c.extent[1];
+        const bool flat = c.extent[0] == 1;
+        WeightedRows windows[together];
+        void *bare[together];
+        first_ = y;
+        last_ = std::min(y + together, c.size[1]);
+        for (int64_t r = 0; r < last_ - y; ++r) {
+            const void **const row = down_.row + r * height;
+            const int64_t top = y + r - c.before[1];
+            for (int64_t i = 0; i < height; ++i) {
+                const int64_t k = down_.place[i];
+                row[i] = flat ? in_->row(top + k) : in_->row(k / c.extent[1], top + k % c.extent[1]);
+            }
+            windows[r] = down_.rows;
+            windows[r].row = row;
+            bare[r] = sums_[r] + in_->left * rows_->sum_bytes;
+        }
+        rows_->down(bare, windows, last_ - y, in_->bare);
+        for (int64_t r = 0; r < last_ - y; ++r) in_->complete(sums_[r], rows_->sum_bytes);
     }
-    rows_->down(sums_ + in_->left * rows_->sum_bytes, down_.rows, in_->bare);
-    in_->complete(sums_, rows_->sum_bytes);
-    for (int64_t i = 0; i < c.extent[2]; ++i) along_.row[i] = sums_ + along_.place[i] * c.channels * rows_->sum_bytes;
+    for (int64_t i = 0; i < c.extent[2]; ++i)
+        along_.row[i] = sums_[y - first_] + along_.place[i] * c.channels * rows_->sum_bytes;
 }
 
 void SeparableStage::produce(int64_t y, void *row) {
@@ -180,7 +198,7 @@ int64_t separable(WindowCall &c, const SeparableWeights &weights) {
     PreparedCall prepared;
     if (const int64_t status = prepared.prepare(c); status != JORM_OK) return status;
     WindowRows rows;
-    if (const int64_t status = rows.open(c); status != JORM_OK) return status;
+    if (const int64_t status = rows.open(c, SeparableStage::together - 1); status != JORM_OK) return status;
     SeparableStage stage;
     const int64_t status = stage.open(rows, weights);
     return status == JORM_OK ? run_stage(c, stage) : status;

@@ -16,9 +16,16 @@ struct SeparableWeights {
 // weights nearly whole.
 class SeparableStage : public RowStage {
 public:
+    // Windows of so many rows go down the columns together, so each element is fetched for all of them at once.
+    static constexpr int64_t together = 2;
+
+    // `in` keeps a history of together - 1 rows.
     // Precise: in double precision whatever the weights, but for single precision itself.
     int64_t open(WindowRows &in, const SeparableWeights &weights, bool precise = false);
-    void begin_plane(int64_t z) override { in_->begin_plane(z); }
+    void begin_plane(int64_t z) override {
+        in_->begin_plane(z);
+        first_ = last_ = 0;
+    }
     void produce(int64_t y, void *row) override;
     // The row before it is rounded, in the type of sums.
     void produce_sums(int64_t y, void *row);
@@ -37,7 +44,8 @@ private:
     WindowRows *in_ = nullptr;
     const SeparableRows *rows_ = nullptr;
     Taps down_ = {}, along_ = {};
-    char *sums_ = nullptr;
+    int64_t first_ = 0, last_ = 0; // the rows whose sums are there
+    char *sums_[together] = {};
     std::optional<Scratch> memory_;
 };
 

@@ -101,11 +101,10 @@ inline bool all_near(const WeightedRows &rows) {
 // Vectors of sums in a block.
 constexpr int many = 8;
 
-template <class T, class Sum> void down(void *to, const WeightedRows &rows, int64_t n) {
+template <class T, class Sum> void down(void *const *to, const WeightedRows *rows, int64_t windows, int64_t n) {
     constexpr int vector = register_bytes / int(sizeof(Sum));
-    Sum *const t = elements<Sum>(to);
     each_block<vector, many>(n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
-        weigh<T, Sum, Sum, vector, C>(t + i, rows, i);
+        for (int64_t r = 0; r < windows; ++r) weigh<T, Sum, Sum, vector, C>(elements<Sum>(to[r]) + i, rows[r], i);
     });
 }
 
@@ -180,17 +179,21 @@ template <int C> [[gnu::always_inline]] inline void weigh_words(f32 *to, const W
 }
 #endif
 
-void weigh_bytes(void *to, const WeightedRows &rows, int64_t n) {
-    f32 *const t = elements<f32>(to);
-    each_block<register_bytes / 2, 4>(
-        n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
+void down_bytes(void *const *to, const WeightedRows *rows, int64_t windows, int64_t n) {
+    each_block<register_bytes / 2, many / 2>(n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
+        for (int64_t r = 0; r < windows; ++r) {
+            f32 *const t = elements<f32>(to[r]) + i;
 #ifdef __x86_64__
-            if constexpr (C > 1) return weigh_words<C>(t + i, rows, i);
+            if constexpr (C > 1) {
+                weigh_words<C>(t, rows[r], i);
+                continue;
+            }
 #endif
             s32 sums[C];
-            weigh<u8, s16, s32, register_bytes / 4, C>(sums, rows, i);
-            for (int j = 0; j < C; ++j) t[i + j] = f32(sums[j]);
-        });
+            weigh<u8, s16, s32, register_bytes / 4, C>(sums, rows[r], i);
+            for (int j = 0; j < C; ++j) t[j] = f32(sums[j]);
+        }
+    });
 }
 
 } // namespace
@@ -199,7 +202,7 @@ void weigh_bytes(void *to, const WeightedRows &rows, int64_t n) {
     { sizeof(Sum), sizeof(Sum), down<T, Sum>, along<Sum, T>, along<Sum, Sum> }
 extern const SeparableRows separable_rows[];
 const SeparableRows separable_rows[] = {
-    {sizeof(f32), sizeof(s16), weigh_bytes, along<f32, u8>, along<f32, f32>},
+    {sizeof(f32), sizeof(s16), down_bytes, along<f32, u8>, along<f32, f32>},
     LINE(u8, f32),
     LINE(s16, f32),
     LINE(f32, f32),

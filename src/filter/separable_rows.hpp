@@ -15,8 +15,8 @@ struct WeightedRows {
 
 struct SeparableRows {
     int32_t sum_bytes, weight_bytes; // the latter down the columns; along the row weights are sums
-    // Sums of elements.
-    void (*down)(void *sums, const WeightedRows &rows, int64_t n);
+    // Sums of elements: `count` rows of them, of windows with the same weights.
+    void (*down)(void *const *sums, const WeightedRows *rows, int64_t count, int64_t n);
     // Sums of sums as elements: rounded to nearest even and clamped.
     void (*along)(void *to, const WeightedRows &rows, int64_t n);
     // The same as they are.
