@@ -80,8 +80,8 @@ void add(const Type &type, const Size &size, int channels, int32_t n, bool mirro
             if (status < 0) return state.SkipWithError("the call failed");
             benchmark::ClobberMemory();
         }
-        state.counters["ns/px"] = benchmark::Counter(1e-9 * size.rows * size.pixels * double(state.iterations()),
-                                                     benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+        state.counters["pixels/ns"] = benchmark::Counter(1e-9 * size.rows * size.pixels * double(state.iterations()),
+                                                         benchmark::Counter::kIsRate);
     });
 }
 

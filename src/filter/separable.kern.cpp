@@ -98,14 +98,24 @@ inline bool all_near(const WeightedRows &rows) {
 }
 #endif
 
+// The row below all others, which no window has read before, lies ahead in memory farther than the processor sees.
+template <int Bytes> [[gnu::always_inline]] inline void fetch_ahead(const WeightedRows &rows, int64_t at) {
+    const void *const last = rows.pairs > 0 ? rows.row[1] : rows.row[rows.singles - 1];
+    for (int b = 0; b < Bytes; b += 64) __builtin_prefetch(elements<u8>(last) + at + 1024 + b);
+}
+
 // Vectors of sums in a block.
 constexpr int many = 8;
 
 template <class T, class Sum> void down(void *const *to, const WeightedRows *rows, int64_t windows, int64_t n) {
     constexpr int vector = register_bytes / int(sizeof(Sum));
-    each_block<vector, many>(n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
-        for (int64_t r = 0; r < windows; ++r) weigh<T, Sum, Sum, vector, C>(elements<Sum>(to[r]) + i, rows[r], i);
-    });
+    each_block<vector, many>(
+        n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
+            for (int64_t r = 0; r < windows; ++r) {
+                if constexpr (C > vector) fetch_ahead<C * sizeof(T)>(rows[r], i * int64_t(sizeof(T)));
+                weigh<T, Sum, Sum, vector, C>(elements<Sum>(to[r]) + i, rows[r], i);
+            }
+        });
 }
 
 template <class Out, class Sum> [[gnu::always_inline]] inline Out result_of(Sum x) {
@@ -132,18 +142,19 @@ template <class Sum, class Out> void along(void *to, const WeightedRows &rows, i
 #ifdef JORM_LEVEL_avx512
     const bool near = same<Sum, f32> && all_near(rows);
 #endif
-    each_block<vector, many>(n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
-        Sum sums[C];
+    each_block<vector, many>(
+        n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
+            Sum sums[C];
 #ifdef JORM_LEVEL_avx512
-        if constexpr (same<Sum, f32> && C == many * vector)
-            if (near) {
-                weigh_near<C>(sums, rows, i);
-                return store_results<Out, Sum, C>(t + i, sums);
-            }
+            if constexpr (same<Sum, f32> && C == many * vector)
+                if (near) {
+                    weigh_near<C>(sums, rows, i);
+                    return store_results<Out, Sum, C>(t + i, sums);
+                }
 #endif
-        weigh<Sum, Sum, Sum, vector, C>(sums, rows, i);
-        store_results<Out, Sum, C>(t + i, sums);
-    });
+            weigh<Sum, Sum, Sum, vector, C>(sums, rows, i);
+            store_results<Out, Sum, C>(t + i, sums);
+        });
 }
 
 // Bytes under whole weights of 16 bits: exact sums. Two terms at a time, each of them a row or the total of two.
@@ -180,20 +191,21 @@ template <int C> [[gnu::always_inline]] inline void weigh_words(f32 *to, const W
 #endif
 
 void down_bytes(void *const *to, const WeightedRows *rows, int64_t windows, int64_t n) {
-    each_block<register_bytes / 2, many / 2>(n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
-        for (int64_t r = 0; r < windows; ++r) {
-            f32 *const t = elements<f32>(to[r]) + i;
+    each_block<register_bytes / 2, many / 2>(
+        n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
+            for (int64_t r = 0; r < windows; ++r) {
+                f32 *const t = elements<f32>(to[r]) + i;
 #ifdef __x86_64__
-            if constexpr (C > 1) {
-                weigh_words<C>(t, rows[r], i);
-                continue;
-            }
+                if constexpr (C > 1) {
+                    weigh_words<C>(t, rows[r], i);
+                    continue;
+                }
 #endif
-            s32 sums[C];
-            weigh<u8, s16, s32, register_bytes / 4, C>(sums, rows[r], i);
-            for (int j = 0; j < C; ++j) t[j] = f32(sums[j]);
-        }
-    });
+                s32 sums[C];
+                weigh<u8, s16, s32, register_bytes / 4, C>(sums, rows[r], i);
+                for (int j = 0; j < C; ++j) t[j] = f32(sums[j]);
+            }
+        });
 }
 
 } // namespace
@@ -201,13 +213,12 @@ void down_bytes(void *const *to, const WeightedRows *rows, int64_t windows, int6
 #define LINE(T, Sum)                                                                                                   \
     { sizeof(Sum), sizeof(Sum), down<T, Sum>, along<Sum, T>, along<Sum, Sum> }
 extern const SeparableRows separable_rows[];
-const SeparableRows separable_rows[] = {
-    {sizeof(f32), sizeof(s16), down_bytes, along<f32, u8>, along<f32, f32>},
-    LINE(u8, f32),
-    LINE(s16, f32),
-    LINE(f32, f32),
-    LINE(u8, f64),
-    LINE(s16, f64),
-    LINE(s32, f64)};
+const SeparableRows separable_rows[] = {{sizeof(f32), sizeof(s16), down_bytes, along<f32, u8>, along<f32, f32>},
+                                        LINE(u8, f32),
+                                        LINE(s16, f32),
+                                        LINE(f32, f32),
+                                        LINE(u8, f64),
+                                        LINE(s16, f64),
+                                        LINE(s32, f64)};
 
 } // namespace jorm::JORM_LEVEL
