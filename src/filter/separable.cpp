@@ -38,7 +38,8 @@ struct Plan {
 bool single_serves(const WindowCall &c, const Plan &plan) {
     if (c.type != JORM_U8 && c.type != JORM_S16) return c.type == JORM_F32;
     const double largest = c.type == JORM_U8 ? 255 : 32768;
-    return plan.whole ? plan.magnitude * largest < 0x1p24 : plan.error(largest) < (c.type == JORM_U8 ? 1.0 / 320 : 0.4);
+    return plan.whole ? plan.magnitude * largest < 0x1p24
+                      : plan.error(largest) < (c.type == JORM_U8 ? 1.0 / 270 : 0.45);
 }
 
 SeparableLine line_of(const WindowCall &c, bool single) {
@@ -139,16 +140,15 @@ int64_t SeparableStage::open(WindowRows &in, const SeparableWeights &w, bool pre
     memory += aligned(height * int64_t(sizeof(double)));
     for (int64_t d = 0; d < c.extent[0]; ++d)
         for (int64_t k = 0; k < c.extent[1]; ++k) down[d * c.extent[1] + k] = weight_at(w, 0, d) * weight_at(w, 1, k);
-    const Plan plan(w, c, 0);
-    const bool single = !precise && single_serves(c, plan);
+    const Plan plan(w, c, 0), across(w, c, 2);
     double scale = 0;
-    if (single && c.type == JORM_U8) {
-        const Plan along(w, c, 2);
-        // Half a unit and 1/256 are promised, of which the last rounding takes its share.
-        const double left = 1.0 / 260 - along.error(255) * plan.magnitude / along.magnitude;
-        scale = scale_of(down, height, plan.whole, left / (255 * along.magnitude));
+    if (!precise && c.type == JORM_U8 && !(plan.whole && plan.magnitude * 255 >= 0x1p24)) {
+        // Half a unit and 1/256 are promised; the sums along the row and their rounding take a share.
+        const double left = 1.0 / 260 - across.error(255) * plan.magnitude / across.magnitude;
+        scale = scale_of(down, height, plan.whole, left / (255 * across.magnitude));
     }
-    rows_ = JORM_OF_LEVEL(separable_rows, c.which) + (scale > 0 ? scaled_u8 : line_of(c, single));
+    rows_ = JORM_OF_LEVEL(separable_rows, c.which) +
+            (scale > 0 ? scaled_u8 : line_of(c, !precise && single_serves(c, plan)));
     const double one = 1, factor = scale > 0 ? scale : 1;
     down_ = make_taps(height, down, factor, rows_->weight_bytes, memory);
     along_ = make_taps(c.extent[2], w.axis[2] ? w.axis[2] : &one, 1 / factor, rows_->sum_bytes, memory);
