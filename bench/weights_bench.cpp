@@ -87,7 +87,7 @@ void add(const Type &type, const Size &size, int channels, int32_t n, bool mirro
 
 const bool registered = [] {
     for (const Type &type : types) {
-        for (const int32_t n : {3, 5, 7, 15, 31, 101})
+        for (const int32_t n : {3, 5, 7, 15, 31, 75, 101})
             for (const int channels : {1, 3}) add(type, full, channels, n);
         for (const int32_t n : {5, 15}) {
             add(type, full, 1, n, false);

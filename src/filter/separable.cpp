@@ -78,7 +78,7 @@ double scale_of(const double *weights, int64_t n, bool whole, double allowed) {
     if (!(most >= 1 && most < 0x1p40)) return 0;
     if (whole) return 1;
     double scale = std::floor(most);
-    for (int i = 0; i < 64 && scale >= 4096; ++i, scale -= 7)
+    for (int i = 0; i < 128 && scale >= 4096; ++i, scale -= 7)
         if (serves(scale)) return scale;
     return 0;
 }

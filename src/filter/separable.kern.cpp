@@ -6,18 +6,13 @@ namespace jorm::JORM_LEVEL {
 namespace {
 
 // Calls f(Count<c>, i) for c elements from i on until all have had their turn, some of them twice: `Many` vectors of
-// `Vector` elements at a time, else one, else a single element.
+// `Vector` elements at a time, or as many as there are, halved and halved again, or a single element.
 template <int C> struct Count {};
 template <int Vector, int Many, class F> [[gnu::always_inline]] inline void each_block(int64_t n, F f) {
-    const auto blocks_of = [&]<int C>(Count<C> count) __attribute__((always_inline)) {
-        for (int64_t i = 0; i < n; i += C) f(count, i + C <= n ? i : n - C);
-    };
-    if (n >= Many * Vector)
-        blocks_of(Count<Many * Vector>());
-    else if (n >= Vector)
-        blocks_of(Count<Vector>());
-    else
-        blocks_of(Count<1>());
+    constexpr int c = Many > 0 ? Many * Vector : 1;
+    if constexpr (Many > 0)
+        if (n < c) return each_block<Vector, Many / 2>(n, f);
+    for (int64_t i = 0; i < n; i += c) f(Count<c>(), i + c <= n ? i : n - c);
 }
 
 // N elements in the type of sums; of two rows their totals, which integers reach without loss.
@@ -25,8 +20,10 @@ template <class Sum, int N, class In> [[gnu::always_inline]] inline VectorOf<Sum
     const auto x = read<VectorOf<In, N>>(a);
     if constexpr (same<In, Sum>)
         return x;
-    else if constexpr (same<In, s32> || same<Sum, s32>)
+    else if constexpr (same<In, s32>)
         return converted<Sum, N, In>(x);
+    else if constexpr (sizeof(In) == 1) // from size to size, or the compiler takes elements one by one
+        return converted<Sum, N, s32>(converted<s32, N, s16>(converted<s16, N, In>(x)));
     else
         return converted<Sum, N, s32>(converted<s32, N, In>(x));
 }
