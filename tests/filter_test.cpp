@@ -1,6 +1,10 @@
 // Minima, maxima, means, openings and closings of rectangular windows.
 #include "jorm/filter.h"
+#include "jorm/morphology.h"
+#include "jorm/sepfilter.h"
+#include "jorm/threshold.h"
 #include "support/extremum_case.hpp"
+#include "support/failures.hpp"
 
 namespace {
 
@@ -80,6 +84,72 @@ TEST_F(Filter, MeansOfEveryWindow) { run(JORM_FILTER_BOX, 3000, 40, true); }
 TEST_F(Filter, OpeningsAndClosings) {
     for (const uint32_t kind : {JORM_FILTER_CLOSE, JORM_FILTER_OPEN, JORM_FILTER_BOTHAT, JORM_FILTER_TOPHAT})
         run(kind, 250, 11, false);
+}
+
+// Whatever request for memory fails, the status tells so, nothing is written and nothing stays taken.
+TEST_F(Filter, MemoryThatCannotBeHad) {
+    constexpr Index size = {1, 20, 30, 1};
+    uint8_t disk[7][7] = {};
+    for (int y = 0; y < 7; ++y)
+        for (int x = 0; x < 7; ++x) disk[y][x] = (y - 3) * (y - 3) + (x - 3) * (x - 3) < 10 ? 255 : 0;
+    jorm_strel mask = {{0, 3, 3, 0}, {}};
+    jorm_array_make(&mask.mask, JORM_U8, 7, 7, 1, 0, disk);
+    jorm_seshape window;
+    __jorm_seshape__$g2(&window, 5, 9);
+    const double weights[9] = {1, 2, 4, 2, 1, 0.5, 3, 2, 1}, adaptive[2] = {3, nan};
+    const jorm_sepkernel kernel = {window, {weights, weights}};
+
+    using Array = const jorm_array *;
+    using Call = std::function<int64_t(jorm_xe *, Array, Array)>;
+    std::vector<std::pair<std::string, Call>> calls = {
+        {"separable", [&](auto *e, Array d, Array s) { return JormSepFilter(e, 0, d, s, nullptr, nullptr, &kernel); }},
+        {"Gaussian",
+         [&](auto *e, Array d, Array s) { return JormGaussianFilter(e, 0, d, s, nullptr, nullptr, &window, nullptr); }},
+        {"firefly", [&](auto *e, Array d,
+                        Array s) { return JormFirefly(e, 0, d, s, nullptr, nullptr, &window, nullptr, nullptr); }},
+        {"adaptive threshold",
+         [&](auto *e, Array d, Array s) { return JormThreshold(e, 0, d, s, nullptr, nullptr, nullptr, adaptive, 1); }}};
+    for (const uint32_t kind : {JORM_FILTER_MIN, JORM_FILTER_BOX, JORM_FILTER_CLOSE, JORM_FILTER_TOPHAT})
+        calls.emplace_back("filter " + std::to_string(kind), [=, &window](auto *e, Array d, Array s) {
+            return JormFilter(e, 0, d, s, nullptr, nullptr, kind, &window);
+        });
+    for (const uint32_t op : {JORM_MORPH_ERODE, JORM_MORPH_CLOSE, JORM_MORPH_TOPHAT})
+        calls.emplace_back("masked " + std::to_string(op), [=, &mask](auto *e, Array d, Array s) {
+            return JormMorphop(e, 0, d, s, nullptr, nullptr, op, &mask);
+        });
+    for (const uint32_t word : {JORM_THRESHOLD_USTO, JORM_THRESHOLD_BLUR})
+        calls.emplace_back("threshold " + std::to_string(word), [=](auto *e, Array d, Array s) {
+            jorm_thhmethod method = {};
+            method.word = word;
+            return JormThreshold(e, 0, d, s, nullptr, nullptr, &method, nullptr, 0);
+        });
+
+    for (const uint32_t type : {JORM_U8, JORM_F32})
+        for (const bool in_place : {false, true}) {
+            Picture src(r, type, size, true), other(r, type, size, true);
+            src.fill([&] { return r.in(0, 255); });
+            Picture &dst = in_place ? src : other;
+            const Bytes before = dst.memory;
+            for (const auto &[name, call] : calls) {
+                int failures = 0, wrong = 0;
+                const int requests = for_each_failure(name.c_str(), [&] {
+                    jorm_xe *const small = JormXEopen(nullptr, nullptr, 1); // every request is one to the heap
+                    if (!small) return;
+                    uint64_t level[4], after[4];
+                    JormXEgetmmsp(small, level);
+                    const int64_t status = call(small, &dst.a, &src.a);
+                    JormXEgetmmsp(small, after);
+                    const bool failed = heap_calls_left < 0;
+                    failures += failed;
+                    wrong += status != (failed ? JORM_ENOMEM : JORM_OK) || (failed && dst.memory != before) ||
+                             !std::equal(level, level + 4, after);
+                    JormXEclose(small);
+                    std::copy(before.begin(), before.end(), dst.memory.begin());
+                });
+                EXPECT_EQ(wrong, 0) << name << " of type " << type << (in_place ? " in place" : "");
+                EXPECT_TRUE(!own_heap || failures > 0) << name << ", " << requests << " requests";
+            }
+        }
 }
 
 } // namespace

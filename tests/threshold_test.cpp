@@ -335,6 +335,46 @@ TEST(Threshold, UstoFlattensTheGround) {
     }
 }
 
+// Otsu's threshold of the picture under a Gaussian of 5 by 5 with deviation 1.1.
+TEST(Threshold, BlurSmoothsFirst) {
+    Random r(78);
+    const Environment xe;
+    double weight[5], sum = 0;
+    for (int i = 0; i < 5; ++i) sum += weight[i] = std::exp(-(i - 2) * (i - 2) / (2 * 1.1 * 1.1));
+    for (int round = 0; round < 40 && !HasFailure(); ++round) {
+        use_level(r.in(0, jorm::level_count - 1));
+        const int axes = r.in(3, 4);
+        const Index full = windowed_size(r, axes), plane = {1, full[1], full[2], full[3]};
+        const uint32_t type = r.of(std::array{JORM_U8, JORM_F32});
+        const bool real = type == JORM_F32;
+        Picture src(r, type, full, false, axes), dst(r, r.of(std::array{JORM_U8, JORM_S32}), full, false, axes);
+        src.fill([&] { return (r.one_in(2) ? r.in(150, 220) : r.in(5, 90)) / (real ? 256. : 1.); });
+        jorm_thhmethod method = {};
+        method.word = JORM_THRESHOLD_BLUR;
+        ASSERT_EQ(JormThreshold(xe, 0, &dst.a, &src.a, nullptr, nullptr, &method, nullptr, 0), JORM_OK);
+        for (int z = 0; z < full[0]; ++z) {
+            const auto mean = [&](const Index &i) {
+                double total = 0;
+                for (int y = -2; y <= 2; ++y)
+                    for (int x = -2; x <= 2; ++x)
+                        total += weight[y + 2] * weight[x + 2] / (sum * sum) *
+                                 src.get({z, mirrored(i[1] + y, full[1]), mirrored(i[2] + x, full[2]), i[3]});
+                return total;
+            };
+            Picture blurred(r, type, plane, true);
+            each(plane, [&](const Index &i) { store(type, blurred.at(i), converted(type, mean(i))); });
+            double t[3];
+            ASSERT_EQ(JormComputeThresholdByOtsu(xe, 0, &blurred.a, nullptr, t, nullptr, nullptr), JORM_OK);
+            each(plane, [&](const Index &i) {
+                const double x = mean(i), slack = real ? 1e-6 : 0.5 + 1 / 256.; // the filter's rounding decides there
+                if (std::fabs(x - t[i[3]]) > slack) {
+                    ASSERT_EQ(dst.get({z, i[1], i[2], i[3]}), x > t[i[3]] ? highest(dst.a.eltype) : 0) << x;
+                }
+            });
+        }
+    }
+}
+
 TEST(Threshold, InPlace) {
     Random r(74);
     const Environment xe;
