@@ -78,6 +78,30 @@ TEST_F(SepFilter, WeightsOfEveryKind) {
     }
 }
 
+// Rows of whole blocks and a rest, windows within and beyond what a block keeps in registers.
+TEST_F(SepFilter, SameBitsAtEveryLevel) {
+    for (const uint32_t type : types)
+        for (const int channels : {1, 3})
+            for (const int n : {2, 3, 5, 8, 15, 16, 17, 18, 40})
+                for (const bool mirrored_weights : {false, true}) {
+                    const Index size = {1, 9, 301, channels};
+                    Picture src(r, type, size, true), dst(r, type, size, true);
+                    src.fill([&] { return r.in(0, 255) * (type == JORM_F32 ? 0.37 : 1); });
+                    std::vector<double> w(size_t(n), 0);
+                    for (double &v : w) v = r.in(-100, 1000) / (450. * n);
+                    for (size_t k = 0; k < w.size() && mirrored_weights; ++k) w[w.size() - 1 - k] = w[k];
+                    jorm_sepkernel kernel = {{}, {w.data(), w.data()}};
+                    __jorm_seshape__$g2(&kernel.shape, n, n);
+                    Bytes first;
+                    for (int level = 0; level < jorm::level_count; ++level) {
+                        use_level(level);
+                        ASSERT_EQ(JormSepFilter(xe, 0, &dst.a, &src.a, nullptr, nullptr, &kernel), JORM_OK);
+                        if (level == 0) first = dst.memory;
+                        ASSERT_TRUE(dst.memory == first) << level << " type " << type << " window " << n;
+                    }
+                }
+}
+
 TEST_F(SepFilter, GaussianWeights) {
     double w[9];
     jorm__computegauskernel1(w, 2, 5, 1.1);

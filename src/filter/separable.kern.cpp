@@ -171,9 +171,11 @@ template <int C> [[gnu::always_inline]] inline void weigh_words(f32 *to, const W
         weight += 2;
     };
     const auto nothing = [](int) { return V{}; };
-    const auto total0 = [&](int j) { return total(0, j); }, total2 = [&](int j) { return total(2, j); };
-    const auto single0 = [&](int j) { return single(0, j); }, single1 = [&](int j) { return single(1, j); },
-               single2 = [&](int j) { return single(2, j); };
+    const auto total0 = [&](int j) { return total(0, j); };
+    const auto total2 = [&](int j) { return total(2, j); };
+    const auto single0 = [&](int j) { return single(0, j); };
+    const auto single1 = [&](int j) { return single(1, j); };
+    const auto single2 = [&](int j) { return single(2, j); };
     int64_t pairs = rows.pairs, singles = rows.singles;
     for (; pairs > 1; pairs -= 2) add(4, total0, total2);
     if (pairs > 0 && singles > 0) {
