@@ -125,8 +125,9 @@ template <class Out, class Sum> [[gnu::always_inline]] inline Out result_of(Sum 
 }
 template <class Out, class Sum, int N> [[gnu::always_inline]] inline void store_results(Out *to, const Sum *sums) {
 #ifdef __x86_64__
-    if constexpr (same<Sum, f32> && same<Out, u8> && N % register_bytes == 0) {
-        for (int j = 0; j < N; j += register_bytes) store_bytes(to + j, sums + j);
+    constexpr int whole = register_bytes / int(sizeof(Out));
+    if constexpr (same<Sum, f32> && !is_real<Out> && N % whole == 0) {
+        for (int j = 0; j < N; j += whole) store_register(to + j, sums + j);
         return;
     }
 #endif

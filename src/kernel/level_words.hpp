@@ -75,22 +75,28 @@ private:
 #endif
 };
 
-// A register of bytes from four of numbers: to nearest even, clamped.
-[[gnu::always_inline]] inline void store_bytes(u8 *to, const f32 *from) {
-    Register words[2];
-    for (int j = 0; j < 2; ++j) {
-        const f32 *const f = from + j * (register_bytes / 2);
+// A register of words from two of numbers: to nearest even, clamped, the halves of each 128 bits from either.
+[[gnu::always_inline]] inline Register rounded_words(const f32 *from) {
 #if defined(JORM_LEVEL_avx512)
-        words[j] = _mm512_packs_epi32(_mm512_maskz_cvtps_epi32(0xffff, _mm512_loadu_ps(f)),
-                                      _mm512_maskz_cvtps_epi32(0xffff, _mm512_loadu_ps(f + 16)));
+    return _mm512_packs_epi32(_mm512_maskz_cvtps_epi32(0xffff, _mm512_loadu_ps(from)),
+                              _mm512_maskz_cvtps_epi32(0xffff, _mm512_loadu_ps(from + 16)));
 #elif defined(JORM_LEVEL_avx2)
-        words[j] =
-            _mm256_packs_epi32(_mm256_cvtps_epi32(_mm256_loadu_ps(f)), _mm256_cvtps_epi32(_mm256_loadu_ps(f + 8)));
+    return _mm256_packs_epi32(_mm256_cvtps_epi32(_mm256_loadu_ps(from)), _mm256_cvtps_epi32(_mm256_loadu_ps(from + 8)));
 #else
-        words[j] = _mm_packs_epi32(_mm_cvtps_epi32(_mm_loadu_ps(f)), _mm_cvtps_epi32(_mm_loadu_ps(f + 4)));
+    return _mm_packs_epi32(_mm_cvtps_epi32(_mm_loadu_ps(from)), _mm_cvtps_epi32(_mm_loadu_ps(from + 4)));
 #endif
-    }
-    Register bytes = JORM_OF_REGISTER(packus_epi16)(words[0], words[1]);
+}
+[[gnu::always_inline]] inline void store_register(s16 *to, const f32 *from) {
+    Register words = rounded_words(from);
+#if defined(JORM_LEVEL_avx512)
+    words = _mm512_maskz_permutexvar_epi64(0xff, _mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), words);
+#elif defined(JORM_LEVEL_avx2)
+    words = _mm256_permute4x64_epi64(words, 0xd8);
+#endif
+    __builtin_memcpy(to, &words, sizeof words);
+}
+[[gnu::always_inline]] inline void store_register(u8 *to, const f32 *from) {
+    Register bytes = JORM_OF_REGISTER(packus_epi16)(rounded_words(from), rounded_words(from + register_bytes / 2));
 #if defined(JORM_LEVEL_avx512)
     bytes = _mm512_maskz_permutexvar_epi32(
         0xffff, _mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15), bytes);
