@@ -17,6 +17,13 @@ template <int Vector, int Many, class F> [[gnu::always_inline]] inline void each
 
 // N elements in the type of sums; of two rows their totals, which integers reach without loss.
 template <class Sum, int N, class In> [[gnu::always_inline]] inline VectorOf<Sum, N> element(const In *a) {
+#ifdef JORM_LEVEL_avx512 // the compiler would go by halves
+    if constexpr (same<In, s16> && N == 16) {
+        const auto x = VectorOf<s32, N>(_mm512_maskz_cvtepi16_epi32(0xffff, read<__m256i>(a)));
+        return converted<Sum, N, s32>(x);
+    }
+    if constexpr (same<In, s32> && same<Sum, f64> && N == 8) return _mm512_maskz_cvtepi32_pd(0xff, read<__m256i>(a));
+#endif
     const auto x = read<VectorOf<In, N>>(a);
     if constexpr (same<In, Sum>)
         return x;
