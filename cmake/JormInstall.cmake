@@ -10,14 +10,15 @@ if(TARGET jorm_static)
 endif()
 install(TARGETS ${jorm_targets} EXPORT JormTargets)
 install(FILES ${PROJECT_SOURCE_DIR}/include/jorm.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/jorm DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/jorm DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    FILES_MATCHING PATTERN *.h PATTERN *.hpp)
 
 # The documents lie beside each other as in the sources, so that their links hold.
 foreach(document LICENSE README.md CHANGELOG.md CONTRIBUTING.md)
     install(FILES ${PROJECT_SOURCE_DIR}/${document} DESTINATION ${CMAKE_INSTALL_DOCDIR})
 endforeach()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
-    FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.c)
+    FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.c PATTERN *.cpp)
 
 install(EXPORT JormTargets FILE JormConfig.cmake NAMESPACE Jorm:: DESTINATION ${jorm_package_dir})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/JormConfigVersion.cmake COMPATIBILITY SameMinorVersion)

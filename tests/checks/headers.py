@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Every public header compiles alone, as C99 and as C++17, without a warning.
+"""Every public header compiles alone, as C99 and as C++17 (*.hpp: C++20), without a warning.
 
 Usage: headers.py INCLUDE_DIR COMPILER...
 A compiler is a C or a C++ one; one that is not installed is skipped.
@@ -9,7 +9,7 @@ import shutil
 import subprocess
 import sys
 
-MODES = [("c", "c99"), ("c++", "c++17")]
+MODES = {".h": [("c", "c99"), ("c++", "c++17")], ".hpp": [("c++", "c++20")]}
 WARNINGS = ["-Wall", "-Wextra", "-pedantic", "-Werror"]
 
 
@@ -17,8 +17,8 @@ def main():
     include, compilers = pathlib.Path(sys.argv[1]), [c for c in sys.argv[2:] if shutil.which(c)]
     failed = checked = 0
     for compiler in compilers:
-        for header in sorted(include.rglob("*.h")):
-            for language, standard in MODES:
+        for header in sorted(include.rglob("*.h*")):
+            for language, standard in MODES[header.suffix]:
                 name = header.relative_to(include).as_posix()
                 run = subprocess.run([compiler, "-x", language, "-std=" + standard, *WARNINGS, "-I", str(include),
                                       "-fsyntax-only", "-"],
