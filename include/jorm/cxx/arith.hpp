@@ -12,7 +12,7 @@
 #include "jorm/arith.h"
 #include "jorm/cxx/view.hpp"
 
-namespace jorm {
+namespace jorm::inline cxx {
 
 /// Options of operations that only need places.
 struct place_options {
@@ -185,6 +185,6 @@ JORM_CXX_PRODUCT(mul_rsub, JormMulRSub, JormMulRSubC, JormMulRSubCC)
 /// \}
 #undef JORM_CXX_PRODUCT
 
-} // namespace jorm
+} // namespace jorm::inline cxx
 
 #endif

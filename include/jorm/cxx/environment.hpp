@@ -12,7 +12,7 @@
 #include <optional>
 #include <utility>
 
-namespace jorm {
+namespace jorm::inline cxx {
 
 /// How a call ended; anything but `ok` leaves the destination as it was.
 enum class status : int64_t {
@@ -149,6 +149,6 @@ namespace detail {
 inline jorm_xe *xe(environment *given) noexcept { return (given ? *given : environment::local()).get(); }
 } // namespace detail
 
-} // namespace jorm
+} // namespace jorm::inline cxx
 
 #endif

@@ -13,7 +13,7 @@
 #include "jorm/morphology.h"
 #include "jorm/sepfilter.h"
 
-namespace jorm {
+namespace jorm::inline cxx {
 
 /// A window of rows by columns, anchored at its centre or as given. 1 by 1 stands for 5 by 5, the default.
 struct window {
@@ -206,6 +206,6 @@ returns<Errors, values> box_count(const source &src, const window &w, const box_
     return Errors::give(s, v);
 }
 
-} // namespace jorm
+} // namespace jorm::inline cxx
 
 #endif

@@ -20,7 +20,7 @@
 
 JORM_BEGIN_DOLLARS
 
-namespace jorm {
+namespace jorm::inline cxx {
 
 namespace detail {
 
@@ -243,7 +243,7 @@ const std::ranges::range_value_t<R> *search(const R &range, const std::ranges::r
                                             detail::comparison<T, Order>::call, &order));
 }
 
-} // namespace jorm
+} // namespace jorm::inline cxx
 
 JORM_END_DOLLARS
 

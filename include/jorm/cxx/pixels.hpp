@@ -11,7 +11,7 @@
 #include "jorm/resample.h"
 #include "jorm/threshold.h"
 
-namespace jorm {
+namespace jorm::inline cxx {
 
 // ---- Copies and fills: jorm/copy.h ----
 
@@ -291,6 +291,6 @@ returns<Errors> matvec_each(const target &dst, const source &m, const source &v,
     return Errors::give(JormMulMV_n(detail::xe(o.env), 0, dst.get(), m.get(), v.get()));
 }
 
-} // namespace jorm
+} // namespace jorm::inline cxx
 
 #endif

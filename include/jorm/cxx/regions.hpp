@@ -9,8 +9,10 @@
 #define JORM_CXX_REGIONS_HPP
 
 #include "jorm/cxx/view.hpp"
+#include "jorm/geometry_types.h"
 #include "jorm/regiontree.h"
 
+#include <algorithm>
 #include <iterator>
 #include <memory>
 #include <new>
@@ -18,7 +20,7 @@
 
 JORM_BEGIN_DOLLARS
 
-namespace jorm {
+namespace jorm::inline cxx {
 
 class region;
 
@@ -379,7 +381,7 @@ returns<Errors, stable_regions> mser(const source &picture, const mser_options &
     return Errors::give(status, stable_regions(std::move(s)));
 }
 
-} // namespace jorm
+} // namespace jorm::inline cxx
 
 JORM_END_DOLLARS
 

@@ -8,7 +8,7 @@
 
 #include <array>
 
-namespace jorm {
+namespace jorm::inline cxx {
 
 struct stats_options {
     optional_mask mask = {}; ///< only the pixels that it selects
@@ -101,6 +101,6 @@ private:
     std::array<jorm_histogram, 4> records_ = {};
 };
 
-} // namespace jorm
+} // namespace jorm::inline cxx
 
 #endif

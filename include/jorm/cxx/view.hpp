@@ -12,7 +12,7 @@
 #include <span>
 #include <type_traits>
 
-namespace jorm {
+namespace jorm::inline cxx {
 
 /// Up to the end, as the number of rows or columns of a rectangle.
 inline constexpr int32_t to_end = std::numeric_limits<int32_t>::max();
@@ -320,6 +320,6 @@ inline uint64_t mask_bits(bool invert) { return invert ? JORM_OPT_MASK_INVERT : 
 inline const double *data(const std::optional<values> &v) { return v ? v->data() : nullptr; }
 
 } // namespace detail
-} // namespace jorm
+} // namespace jorm::inline cxx
 
 #endif
