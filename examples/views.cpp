@@ -17,7 +17,7 @@ int main() {
     jorm::compare(mask, green, jorm::relation::greater, 150);
     jorm::copy(jorm::view(mirrored, {4, 6, 3}), picture.flip_horizontal());
 
-    const jorm_minmax extrema = jorm::minmax(green);
+    const jorm::extrema extrema = jorm::minmax(green);
     std::printf("green: mean %.2f, of the marked pixels %.2f, largest %d in row %d, column %d\n", jorm::mean(green)[0],
                 jorm::mean(green, {.mask = mask})[0], extrema.max[0].i, extrema.max[0].row, extrema.max[0].column);
 

@@ -17,7 +17,7 @@ struct World {
     std::vector<float> floats = std::vector<float>(size_t(3 * h * w));
     std::vector<double> matrices = std::vector<double>(9);
     std::vector<double> numbers;
-    jorm_minmax extrema = {JORM_WANT_MIN | JORM_WANT_MAX, {}, {}};
+    jorm::extrema extrema;
     jorm::view<uint8_t> a, b, d, mask, a3, b3, d3;
     jorm::view<float> f, g, e;
     jorm::view<double> m;
@@ -38,7 +38,7 @@ struct World {
             for (int x = 0; x < w; ++x) mask(y, x) = mask(y, x) > 99 ? 255 : 0;
     }
     template <class... Numbers> void note(Numbers... n) { (numbers.push_back(double(n)), ...); }
-    void note(const jorm_minmax &m) { extrema = m; }
+    void note(const jorm::extrema &m) { extrema = m; }
     void note(const jorm::values &v) { note(v[0], v[1], v[2]); }
 };
 
@@ -490,7 +490,7 @@ TEST(Cxx, TreesAsRanges) {
                 store.root,
                 [](jorm_fwtsr *r, void *to, int32_t) {
                     static_cast<std::vector<const jorm_fwtsr *> *>(to)->push_back(r);
-                    return 0;
+                    return 1;
                 },
                 &expected);
             ASSERT_GT(expected.size(), every ? 9u : 0u);

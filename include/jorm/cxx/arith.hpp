@@ -53,28 +53,28 @@ inline bool second(const scale_options &) { return false; }
 template <class Errors, class Entry, class Options>
 returns<Errors> binary(Entry *entry, Entry *other, const target &dst, const source &a, const source &b,
                        const Options &o) {
-    return Errors::give((second(o) ? other : entry)(xe(o.env), 0, dst.get(), a.get(), b.get(), site(o.region),
-                                                    slots(o.at), slots(o.at2), o.shift, 0));
+    return Errors::report((second(o) ? other : entry)(xe(o.env), 0, dst.get(), a.get(), b.get(), site(o.region),
+                                                      slots(o.at), slots(o.at2), o.shift, 0));
 }
 template <class Errors, class Entry, class Options>
 returns<Errors> constant(Entry *entry, Entry *other, const target &dst, const source &a, const values &c,
                          const Options &o) {
-    return Errors::give((second(o) ? other : entry)(xe(o.env), 0, dst.get(), a.get(), c.data(), site(o.region),
-                                                    slots(o.at), o.shift, 0));
+    return Errors::report((second(o) ? other : entry)(xe(o.env), 0, dst.get(), a.get(), c.data(), site(o.region),
+                                                      slots(o.at), o.shift, 0));
 }
 template <class Errors, class Options>
 returns<Errors> unary(decltype(JormExp) *entry, const target &dst, const source &a, const Options &o) {
-    return Errors::give(entry(xe(o.env), 0, dst.get(), a.get(), site(o.region), slots(o.at), o.shift, 0));
+    return Errors::report(entry(xe(o.env), 0, dst.get(), a.get(), site(o.region), slots(o.at), o.shift, 0));
 }
 template <class Errors>
 returns<Errors> place(decltype(JormMin) *entry, const target &dst, const source &a, const source &b,
                       const place_options &o) {
-    return Errors::give(entry(xe(o.env), 0, dst.get(), a.get(), b.get(), site(o.region), slots(o.at), slots(o.at2)));
+    return Errors::report(entry(xe(o.env), 0, dst.get(), a.get(), b.get(), site(o.region), slots(o.at), slots(o.at2)));
 }
 template <class Errors>
 returns<Errors> place(decltype(JormMinC) *entry, const target &dst, const source &a, const values &c,
                       const place_options &o) {
-    return Errors::give(entry(xe(o.env), 0, dst.get(), a.get(), c.data(), site(o.region), slots(o.at)));
+    return Errors::report(entry(xe(o.env), 0, dst.get(), a.get(), c.data(), site(o.region), slots(o.at)));
 }
 } // namespace detail
 
@@ -153,27 +153,29 @@ returns<Errors> sigmoid(const target &dst, const source &a, const values &alpha,
 /// dst = the complement of every bit.
 template <class Errors = throwing>
 returns<Errors> bit_not(const target &dst, const source &a, const place_options &o = {}) {
-    return Errors::give(JormNot(detail::xe(o.env), 0, dst.get(), a.get(), detail::site(o.region), detail::slots(o.at)));
+    return Errors::report(
+        JormNot(detail::xe(o.env), 0, dst.get(), a.get(), detail::site(o.region), detail::slots(o.at)));
 }
 
 #define JORM_CXX_PRODUCT(name, entry, entry_c, entry_cc)                                                               \
     template <class Errors = throwing>                                                                                 \
     returns<Errors> name(const target &dst, const source &a, const source &b, const source &c,                         \
                          const scale_options &o = {}) {                                                                \
-        return Errors::give(entry(detail::xe(o.env), 0, dst.get(), a.get(), b.get(), c.get(), detail::site(o.region),  \
-                                  detail::slots(o.at), detail::slots(o.at2), detail::slots(o.at3), o.shift, 0));       \
+        return Errors::report(entry(detail::xe(o.env), 0, dst.get(), a.get(), b.get(), c.get(),                        \
+                                    detail::site(o.region), detail::slots(o.at), detail::slots(o.at2),                 \
+                                    detail::slots(o.at3), o.shift, 0));                                                \
     }                                                                                                                  \
     template <class Errors = throwing>                                                                                 \
     returns<Errors> name(const target &dst, const source &a, const values &b, const source &c,                         \
                          const scale_options &o = {}) {                                                                \
-        return Errors::give(entry_c(detail::xe(o.env), 0, dst.get(), a.get(), c.get(), b.data(),                       \
-                                    detail::site(o.region), detail::slots(o.at), detail::slots(o.at2), o.shift, 0));   \
+        return Errors::report(entry_c(detail::xe(o.env), 0, dst.get(), a.get(), c.get(), b.data(),                     \
+                                      detail::site(o.region), detail::slots(o.at), detail::slots(o.at2), o.shift, 0)); \
     }                                                                                                                  \
     template <class Errors = throwing>                                                                                 \
     returns<Errors> name(const target &dst, const source &a, const values &b, const values &c,                         \
                          const scale_options &o = {}) {                                                                \
-        return Errors::give(entry_cc(detail::xe(o.env), 0, dst.get(), a.get(), b.data(), c.data(),                     \
-                                     detail::site(o.region), detail::slots(o.at), o.shift, 0));                        \
+        return Errors::report(entry_cc(detail::xe(o.env), 0, dst.get(), a.get(), b.data(), c.data(),                   \
+                                       detail::site(o.region), detail::slots(o.at), o.shift, 0));                      \
     }
 
 /// \name dst = a * b + c, a * b - c, c - a * b; b and c constants or pictures. `.at2` is the start of the second

@@ -55,7 +55,6 @@ namespace detail {
 ///     else complain(text(m.status()));
 template <class T = void> class [[nodiscard]] result {
 public:
-    explicit result(jorm::status s) noexcept : status_(s) {}
     result(jorm::status s, T &&value) : status_(s) {
         if (s == jorm::status::ok) value_.emplace(std::move(value));
     }
@@ -94,19 +93,23 @@ private:
 /// returns a `result`. In a program without exceptions a failure under `throwing` aborts.
 struct throwing {
     template <class T> using type = T;
-    static void give(int64_t s) {
+    static void report(int64_t s) {
         if (s < 0) [[unlikely]]
             detail::fail(static_cast<status>(s));
     }
-    template <class T> static T give(int64_t s, T value) {
-        give(s);
+    // Makes a value of the arguments and lets `fill` complete it, which returns a status.
+    template <class T, class Fill, class... Initial> static T make(Fill fill, const Initial &...initial) {
+        T value{initial...};
+        report(fill(value));
         return value;
     }
 };
 struct nothrow {
     template <class T> using type = result<T>;
-    static result<> give(int64_t s) { return result<>(static_cast<status>(s < 0 ? s : 0)); }
-    template <class T> static result<T> give(int64_t s, T value) {
+    static result<> report(int64_t s) { return result<>(static_cast<status>(s < 0 ? s : 0)); }
+    template <class T, class Fill, class... Initial> static result<T> make(Fill fill, const Initial &...initial) {
+        T value{initial...};
+        const int64_t s = fill(value);
         return result<T>(static_cast<status>(s < 0 ? s : 0), std::move(value));
     }
 };

@@ -47,13 +47,13 @@ inline jorm_seshape shape_of(const window &w) {
 template <class Errors>
 returns<Errors> filter(uint32_t kind, const target &dst, const source &src, const window &w, const filter_options &o) {
     const jorm_seshape shape = shape_of(w);
-    return Errors::give(
+    return Errors::report(
         JormFilter(xe(o.env), uint64_t(o.beyond), dst.get(), src.get(), site(o.region), site(o.at), kind, &shape));
 }
 template <class Errors>
 returns<Errors> morph(uint32_t op, const target &dst, const source &src, const jorm_strel &strel,
                       const filter_options &o) {
-    return Errors::give(
+    return Errors::report(
         JormMorphop(xe(o.env), uint64_t(o.beyond), dst.get(), src.get(), site(o.region), site(o.at), op, &strel));
 }
 } // namespace detail
@@ -124,8 +124,8 @@ returns<Errors> separable_filter(const target &dst, const source &src, std::span
     const double **k = kernel.kernel;
     if (dst.axes() == 4) *k++ = weights(o.planes);
     k[0] = weights(down), k[1] = weights(along);
-    return Errors::give(JormSepFilter(detail::xe(o.env), uint64_t(o.beyond), dst.get(), src.get(),
-                                      detail::site(o.region), detail::site(o.at), &kernel));
+    return Errors::report(JormSepFilter(detail::xe(o.env), uint64_t(o.beyond), dst.get(), src.get(),
+                                        detail::site(o.region), detail::site(o.at), &kernel));
 }
 
 /// Standard deviations in pixels. One that is 0 stands for the other, both for what suits the window.
@@ -159,9 +159,9 @@ struct gaussian_options {
 template <class Errors = throwing>
 returns<Errors> gaussian(const target &dst, const source &src, const window &w, const gaussian_options &o = {}) {
     const jorm_seshape shape = detail::shape_of(w);
-    return Errors::give(JormGaussianFilter(detail::xe(o.env), uint64_t(o.beyond), dst.get(), src.get(),
-                                           detail::site(o.region), detail::site(o.at), &shape,
-                                           detail::deviation_slots(o.sigma, dst)));
+    return Errors::report(JormGaussianFilter(detail::xe(o.env), uint64_t(o.beyond), dst.get(), src.get(),
+                                             detail::site(o.region), detail::site(o.at), &shape,
+                                             detail::deviation_slots(o.sigma, dst)));
 }
 
 struct firefly_options {
@@ -181,12 +181,12 @@ returns<Errors> firefly(const target &dst, const source &src, const window &w, c
     const jorm_seshape shape = detail::shape_of(w);
     const detail::deviation_slots sigma(o.sigma, dst);
     if (!o.both && !o.dark)
-        return Errors::give(JormFirefly(detail::xe(o.env), uint64_t(o.beyond), dst.get(), src.get(),
-                                        detail::site(o.region), detail::site(o.at), &shape, sigma,
+        return Errors::report(JormFirefly(detail::xe(o.env), uint64_t(o.beyond), dst.get(), src.get(),
+                                          detail::site(o.region), detail::site(o.at), &shape, sigma,
+                                          detail::data(o.bright)));
+    return Errors::report(JormFireflyEx(detail::xe(o.env), uint64_t(o.beyond), dst.get(), src.get(),
+                                        detail::site(o.region), detail::site(o.at), &shape, sigma, detail::data(o.dark),
                                         detail::data(o.bright)));
-    return Errors::give(JormFireflyEx(detail::xe(o.env), uint64_t(o.beyond), dst.get(), src.get(),
-                                      detail::site(o.region), detail::site(o.at), &shape, sigma, detail::data(o.dark),
-                                      detail::data(o.bright)));
 }
 
 struct box_options {
@@ -200,10 +200,12 @@ struct box_options {
 template <class Errors = throwing>
 returns<Errors, values> box_count(const source &src, const window &w, const box_options &o = {}) {
     const jorm_seshape shape = detail::shape_of(w);
-    values v = 0;
-    const int64_t s = JormCountRelBox(detail::xe(o.env), detail::channel_bits(o.channels), src.get(),
-                                      detail::site(o.region), &shape, o.range ? o.range->of : nullptr, v.data());
-    return Errors::give(s, v);
+    return Errors::template make<values>(
+        [&](values &v) {
+            return JormCountRelBox(detail::xe(o.env), detail::channel_bits(o.channels), src.get(),
+                                   detail::site(o.region), &shape, o.range ? o.range->of : nullptr, v.data());
+        },
+        0.0);
 }
 
 } // namespace jorm::inline cxx

@@ -27,10 +27,10 @@ struct copy_options {
 template <class Errors = throwing>
 returns<Errors> copy(const target &dst, const source &src, const copy_options &o = {}) {
     if (!o.mask.get())
-        return Errors::give(
+        return Errors::report(
             JormCopy(detail::xe(o.env), 0, dst.get(), src.get(), detail::site(o.region), detail::slots(o.at)));
-    return Errors::give(JormCopyEx(detail::xe(o.env), detail::mask_bits(o.invert), dst.get(), src.get(), o.mask.get(),
-                                   detail::site(o.region), detail::slots(o.at), detail::slots(o.at_mask)));
+    return Errors::report(JormCopyEx(detail::xe(o.env), detail::mask_bits(o.invert), dst.get(), src.get(), o.mask.get(),
+                                     detail::site(o.region), detail::slots(o.at), detail::slots(o.at_mask)));
 }
 
 /// What stands beyond the edge of a picture.
@@ -57,10 +57,10 @@ template <class Errors = throwing>
 returns<Errors> copy_bordered(const target &dst, const source &src, const border_options &o = {}) {
     const jorm_border border = {uint32_t(o.border), 0, {o.value[0], o.value[1], o.value[2], o.value[3]}};
     if (o.src_region == rectangle())
-        return Errors::give(JormCopyMkb(detail::xe(o.env), 0, dst.get(), src.get(), detail::site(o.region),
-                                        detail::slots(o.at), &border));
-    return Errors::give(JormCopyRMkb(detail::xe(o.env), 0, dst.get(), src.get(), detail::site(o.region),
-                                     detail::slots(o.at), &border, detail::site(o.src_region)));
+        return Errors::report(JormCopyMkb(detail::xe(o.env), 0, dst.get(), src.get(), detail::site(o.region),
+                                          detail::slots(o.at), &border));
+    return Errors::report(JormCopyRMkb(detail::xe(o.env), 0, dst.get(), src.get(), detail::site(o.region),
+                                       detail::slots(o.at), &border, detail::site(o.src_region)));
 }
 
 struct fill_options {
@@ -76,12 +76,13 @@ struct fill_options {
 template <class Errors = throwing>
 returns<Errors> fill(const target &dst, const values &v, const fill_options &o = {}) {
     const uint64_t bits = detail::mask_bits(o.invert);
-    if (!o.mask.get()) return Errors::give(JormFill(detail::xe(o.env), 0, dst.get(), detail::site(o.region), v.data()));
+    if (!o.mask.get())
+        return Errors::report(JormFill(detail::xe(o.env), 0, dst.get(), detail::site(o.region), v.data()));
     if (!o.otherwise)
-        return Errors::give(JormFillEx(detail::xe(o.env), bits, dst.get(), o.mask.get(), detail::site(o.region),
-                                       detail::slots(o.at_mask), v.data()));
-    return Errors::give(JormFillEx2(detail::xe(o.env), bits, dst.get(), o.mask.get(), detail::site(o.region),
-                                    detail::slots(o.at_mask), v.data(), o.otherwise->data()));
+        return Errors::report(JormFillEx(detail::xe(o.env), bits, dst.get(), o.mask.get(), detail::site(o.region),
+                                         detail::slots(o.at_mask), v.data()));
+    return Errors::report(JormFillEx2(detail::xe(o.env), bits, dst.get(), o.mask.get(), detail::site(o.region),
+                                      detail::slots(o.at_mask), v.data(), o.otherwise->data()));
 }
 
 // ---- Conversions: jorm/convert.h ----
@@ -97,8 +98,8 @@ struct ranges {
 template <class Errors = throwing>
 returns<Errors> gain(const target &dst, const source &src, const values &gain, const values &offset = 0,
                      const place_options &o = {}) {
-    return Errors::give(JormGain(detail::xe(o.env), 0, dst.get(), src.get(), gain.data(), offset.data(),
-                                 detail::site(o.region), detail::slots(o.at)));
+    return Errors::report(JormGain(detail::xe(o.env), 0, dst.get(), src.get(), gain.data(), offset.data(),
+                                   detail::site(o.region), detail::slots(o.at)));
 }
 
 struct convert_options {
@@ -113,8 +114,8 @@ struct convert_options {
 template <class Errors = throwing>
 returns<Errors> convert(const target &dst, const source &src, const convert_options &o = {}) {
     ranges to = o.to.value_or(ranges(0, 0)); // the C interface writes the ranges used
-    return Errors::give(JormVConvert(detail::xe(o.env), 0, dst.get(), src.get(), detail::site(o.region),
-                                     detail::slots(o.at), o.to ? to.of : nullptr, o.from ? o.from->of : nullptr));
+    return Errors::report(JormVConvert(detail::xe(o.env), 0, dst.get(), src.get(), detail::site(o.region),
+                                       detail::slots(o.at), o.to ? to.of : nullptr, o.from ? o.from->of : nullptr));
 }
 
 struct rescale_options {
@@ -129,9 +130,9 @@ struct rescale_options {
 /// Carries the range [lo, hi] of the source onto [offset, offset + (hi - lo) * scale], fitted into the type of dst.
 template <class Errors = throwing>
 returns<Errors> rescale(const target &dst, const source &src, const rescale_options &o = {}) {
-    return Errors::give(JormConvert(detail::xe(o.env), 0, dst.get(), src.get(), detail::site(o.region),
-                                    detail::slots(o.at), o.scale.data(), o.offset.data(),
-                                    o.from ? o.from->of : nullptr));
+    return Errors::report(JormConvert(detail::xe(o.env), 0, dst.get(), src.get(), detail::site(o.region),
+                                      detail::slots(o.at), o.scale.data(), o.offset.data(),
+                                      o.from ? o.from->of : nullptr));
 }
 
 // ---- Comparisons and thresholds: jorm/compare.h, jorm/threshold.h ----
@@ -157,22 +158,22 @@ template <class Errors = throwing>
 returns<Errors> compare(const target &dst, const source &a, relation is, const source &b,
                         const compare_options &o = {}) {
     if (!o.if_true && !o.if_false)
-        return Errors::give(JormCompare(detail::xe(o.env), 0, dst.get(), a.get(), b.get(), detail::site(o.region),
-                                        detail::slots(o.at), detail::slots(o.at2), uint32_t(is)));
-    return Errors::give(JormECompare(detail::xe(o.env), 0, dst.get(), a.get(), b.get(), detail::site(o.region),
-                                     detail::slots(o.at), detail::slots(o.at2), uint32_t(is), detail::data(o.if_true),
-                                     detail::data(o.if_false)));
+        return Errors::report(JormCompare(detail::xe(o.env), 0, dst.get(), a.get(), b.get(), detail::site(o.region),
+                                          detail::slots(o.at), detail::slots(o.at2), uint32_t(is)));
+    return Errors::report(JormECompare(detail::xe(o.env), 0, dst.get(), a.get(), b.get(), detail::site(o.region),
+                                       detail::slots(o.at), detail::slots(o.at2), uint32_t(is), detail::data(o.if_true),
+                                       detail::data(o.if_false)));
 }
 /// The same with a constant for each channel.
 template <class Errors = throwing>
 returns<Errors> compare(const target &dst, const source &a, relation is, const values &b,
                         const compare_options &o = {}) {
     if (!o.if_true && !o.if_false)
-        return Errors::give(JormCompareC(detail::xe(o.env), 0, dst.get(), a.get(), b.data(), detail::site(o.region),
-                                         detail::slots(o.at), uint32_t(is)));
-    return Errors::give(JormECompareC(detail::xe(o.env), 0, dst.get(), a.get(), b.data(), detail::site(o.region),
-                                      detail::slots(o.at), uint32_t(is), detail::data(o.if_true),
-                                      detail::data(o.if_false)));
+        return Errors::report(JormCompareC(detail::xe(o.env), 0, dst.get(), a.get(), b.data(), detail::site(o.region),
+                                           detail::slots(o.at), uint32_t(is)));
+    return Errors::report(JormECompareC(detail::xe(o.env), 0, dst.get(), a.get(), b.data(), detail::site(o.region),
+                                        detail::slots(o.at), uint32_t(is), detail::data(o.if_true),
+                                        detail::data(o.if_false)));
 }
 
 enum class threshold_method : uint32_t {
@@ -198,8 +199,8 @@ returns<Errors> threshold(const target &dst, const source &src, threshold_method
         method.ranges[c] = o.range ? o.range->of[c] : vrng{std::numeric_limits<double>::quiet_NaN(), 0};
         method.bins[c] = o.bins;
     }
-    return Errors::give(JormThreshold(detail::xe(o.env), 0, dst.get(), src.get(), detail::site(o.region),
-                                      detail::slots(o.at), &method, nullptr, 0));
+    return Errors::report(JormThreshold(detail::xe(o.env), 0, dst.get(), src.get(), detail::site(o.region),
+                                        detail::slots(o.at), &method, nullptr, 0));
 }
 
 namespace detail {
@@ -208,7 +209,7 @@ returns<Errors> immediate(const target &dst, const source &src, const values &lo
                           const place_options &o) {
     double pairs[8];
     for (size_t c = 0; c < 4; ++c) pairs[2 * c] = lower[c], pairs[2 * c + 1] = upper[c];
-    return Errors::give(
+    return Errors::report(
         JormThreshold(xe(o.env), 0, dst.get(), src.get(), site(o.region), slots(o.at), nullptr, pairs, count));
 }
 } // namespace detail
@@ -234,12 +235,14 @@ returns<Errors> threshold_adaptive(const target &dst, const source &src, const v
 /// The threshold of each channel by Otsu's method: src > it is the upper class.
 template <class Errors = throwing>
 returns<Errors, values> otsu_threshold(const source &src, const otsu_options &o = {}) {
-    values found = 0;
     ranges used = o.range.value_or(ranges(std::numeric_limits<double>::quiet_NaN(), 0));
     uint32_t bins[4] = {o.bins, o.bins, o.bins, o.bins};
-    const int64_t s = JormComputeThresholdByOtsu(detail::xe(o.env), 0, src.get(), detail::site(o.region), found.data(),
-                                                 used.of, bins);
-    return Errors::give(s, found);
+    return Errors::template make<values>(
+        [&](values &found) {
+            return JormComputeThresholdByOtsu(detail::xe(o.env), 0, src.get(), detail::site(o.region), found.data(),
+                                              used.of, bins);
+        },
+        0.0);
 }
 
 // ---- Resizing: jorm/resample.h ----
@@ -259,14 +262,17 @@ struct resize_options {
 /// Nearest pixels. Returns the factors used.
 template <class Errors = throwing>
 returns<Errors, factors> resize(const target &dst, const source &src, const resize_options &o = {}) {
-    double by[4] = {o.by.planes, o.by.rows, o.by.columns, 1};
-    const double offset[4] = {o.offset.planes, o.offset.rows, o.offset.columns, 0};
-    const int64_t s = offset[0] == 0 && offset[1] == 0 && offset[2] == 0
-                          ? JormResize(detail::xe(o.env), 0, dst.get(), src.get(), detail::site(o.region),
-                                       detail::site(o.src_region), by)
-                          : JormEResize(detail::xe(o.env), 0, dst.get(), src.get(), detail::site(o.region),
-                                        detail::site(o.src_region), by, offset);
-    return Errors::give(s, factors{by[1], by[2], by[0]});
+    return Errors::template make<factors>([&](factors &used) {
+        double by[4] = {o.by.planes, o.by.rows, o.by.columns, 1};
+        const double offset[4] = {o.offset.planes, o.offset.rows, o.offset.columns, 0};
+        const bool moved = offset[0] != 0 || offset[1] != 0 || offset[2] != 0;
+        const int64_t s = moved ? JormEResize(detail::xe(o.env), 0, dst.get(), src.get(), detail::site(o.region),
+                                              detail::site(o.src_region), by, offset)
+                                : JormResize(detail::xe(o.env), 0, dst.get(), src.get(), detail::site(o.region),
+                                             detail::site(o.src_region), by);
+        used = {by[1], by[2], by[0]};
+        return s;
+    });
 }
 
 // ---- Matrix products: jorm/matrix.h. A matrix is a picture of one channel, float or double ----
@@ -278,17 +284,17 @@ struct matrix_options {
 /// dst = a b.
 template <class Errors = throwing>
 returns<Errors> matmul(const target &dst, const source &a, const source &b, const matrix_options &o = {}) {
-    return Errors::give(JormMulMM(detail::xe(o.env), 0, dst.get(), a.get(), b.get()));
+    return Errors::report(JormMulMM(detail::xe(o.env), 0, dst.get(), a.get(), b.get()));
 }
 /// dst = m v; vectors are a single row or column.
 template <class Errors = throwing>
 returns<Errors> matvec(const target &dst, const source &m, const source &v, const matrix_options &o = {}) {
-    return Errors::give(JormMulMV(detail::xe(o.env), 0, dst.get(), m.get(), v.get()));
+    return Errors::report(JormMulMV(detail::xe(o.env), 0, dst.get(), m.get(), v.get()));
 }
 /// The same for every pixel (its channels are the vector), as for colours, or where that does not fit for every row.
 template <class Errors = throwing>
 returns<Errors> matvec_each(const target &dst, const source &m, const source &v, const matrix_options &o = {}) {
-    return Errors::give(JormMulMV_n(detail::xe(o.env), 0, dst.get(), m.get(), v.get()));
+    return Errors::report(JormMulMV_n(detail::xe(o.env), 0, dst.get(), m.get(), v.get()));
 }
 
 } // namespace jorm::inline cxx

@@ -131,6 +131,17 @@ inline int32_t width_of(const source &s, const rectangle &r) {
     return int32_t(std::min<int64_t>(s.columns(), int64_t(r.column) + r.columns) - std::max(r.column, 0));
 }
 
+template <class Record, class Options>
+int64_t flooding(int64_t plain(jorm_xe *, uint64_t, const jorm_array *, const jorm_site *, Record *),
+                 int64_t masked(jorm_xe *, uint64_t, const jorm_array *, const jorm_array *, const int32_t *,
+                                const int32_t *, Record *),
+                 const source &picture, const Options &o, uint64_t bits, Record *record) {
+    if (!o.mask.get()) return plain(xe(o.env), bits, picture.get(), site(o.region), record);
+    jorm_site part;
+    jorm_arr_adjorgetRoi(&picture.record(), &part, site(o.region));
+    return masked(xe(o.env), bits, picture.get(), o.mask.get(), part.origin, part.size, record);
+}
+
 } // namespace detail
 
 /// A region of a tree: a handle that is good as long as the tree, and until the tree is flooded again.
@@ -233,20 +244,19 @@ struct flood_options {
 /// Floods a picture of one channel of 8 bits.
 template <class Errors = throwing>
 returns<Errors, region_tree> flood(const source &picture, const flood_options &o = {}) {
-    std::unique_ptr<region_tree::state> s(new (std::nothrow) region_tree::state);
-    if (s && o.pixels) s->words = detail::words_for(picture, o.region);
-    if (!s || (o.pixels && !s->words)) return Errors::give(JORM_ENOMEM, region_tree());
-    JormFWTSRESinit(&s->store, s->words.get(), nullptr);
-    s->width = detail::width_of(picture, o.region);
-    const auto or_0 = [](int32_t v) { return v == automatic ? 0 : v; };
-    jorm_fwtsparams p = {&s->store, o.bright, o.shift, or_0(o.seed.row), or_0(o.seed.column)};
-    const uint64_t bits = (o.every ? 0 : JORM_OPT_FAST) | detail::mask_bits(o.invert);
-    jorm_site part;
-    jorm_arr_adjorgetRoi(&picture.record(), &part, detail::site(o.region));
-    const int64_t status =
-        o.mask.get() ? JormWatershedEx(detail::xe(o.env), bits, picture.get(), o.mask.get(), part.origin, part.size, &p)
-                     : JormWatershed(detail::xe(o.env), bits, picture.get(), detail::site(o.region), &p);
-    return Errors::give(status, region_tree(std::move(s)));
+    return Errors::template make<region_tree>([&](region_tree &tree) -> int64_t {
+        std::unique_ptr<region_tree::state> s(new (std::nothrow) region_tree::state);
+        if (s && o.pixels) s->words = detail::words_for(picture, o.region);
+        if (!s || (o.pixels && !s->words)) return JORM_ENOMEM;
+        JormFWTSRESinit(&s->store, s->words.get(), nullptr);
+        s->width = detail::width_of(picture, o.region);
+        const detail::slots seed(o.seed);
+        jorm_fwtsparams p = {&s->store, o.bright, o.shift, seed[1], seed[2]};
+        const uint64_t bits = (o.every ? 0 : JORM_OPT_FAST) | detail::mask_bits(o.invert);
+        const int64_t status = detail::flooding(JormWatershed, JormWatershedEx, picture, o, bits, &p);
+        tree = region_tree(std::move(s));
+        return status;
+    });
 }
 
 /// Which stable regions to keep; the default keeps all.
@@ -354,31 +364,31 @@ struct mser_options {
 /// Finds the stable regions of a picture of one channel of 8 bits.
 template <class Errors = throwing>
 returns<Errors, stable_regions> mser(const source &picture, const mser_options &o = {}) {
-    std::unique_ptr<stable_regions::state> s(new (std::nothrow) stable_regions::state);
-    if (!o.dark && !o.bright) return Errors::give(JORM_EINVAL, stable_regions());
-    bool have = s != nullptr;
-    for (int i = 0; have && o.pixels && i < 2; ++i)
-        if (i ? o.bright : o.dark) have = (s->words[i] = detail::words_for(picture, o.region)) != nullptr;
-    if (!have) return Errors::give(JORM_ENOMEM, stable_regions());
-    for (int i = 0; i < 2; ++i) JormFWTSRESinit(&s->store[i], s->words[i].get(), nullptr);
-    s->width = detail::width_of(picture, o.region);
-    const auto or_0 = [](int32_t v) { return v == automatic ? 0 : v; };
-    jorm_mser &m = s->mser;
-    m.delta = o.delta, m.min_area = o.min_area, m.shift = o.shift;
-    m.min_area_fraction = o.min_area_fraction, m.max_area_fraction = o.max_area_fraction;
-    m.max_variation = o.max_variation, m.min_diversity = o.min_diversity;
-    m.passes = o.dark && o.bright ? 2 : o.bright ? 1 : 0;
-    m.seed_row = or_0(o.seed.row), m.seed_column = or_0(o.seed.column);
-    m.dark_store = &s->store[0], m.bright_store = &s->store[1];
-    const auto [plain, masked] = o.every ? std::pair(&JormGenerateMSERs, &JormGenerateMSERsEx)
-                                         : std::pair(&JormGenerateFMSERs, &JormGenerateFMSERsEx);
-    jorm_site part;
-    jorm_arr_adjorgetRoi(&picture.record(), &part, detail::site(o.region));
-    const uint64_t bits = detail::mask_bits(o.invert);
-    const int64_t status =
-        o.mask.get() ? masked(detail::xe(o.env), bits, picture.get(), o.mask.get(), part.origin, part.size, &m)
-                     : plain(detail::xe(o.env), bits, picture.get(), detail::site(o.region), &m);
-    return Errors::give(status, stable_regions(std::move(s)));
+    return Errors::template make<stable_regions>([&](stable_regions &found) -> int64_t {
+        if (!o.dark && !o.bright) return JORM_EINVAL;
+        std::unique_ptr<stable_regions::state> s(new (std::nothrow) stable_regions::state);
+        if (!s) return JORM_ENOMEM;
+        for (int i = 0; i < 2; ++i) {
+            const bool pixels = o.pixels && (i ? o.bright : o.dark);
+            if (pixels && !(s->words[i] = detail::words_for(picture, o.region))) return JORM_ENOMEM;
+            JormFWTSRESinit(&s->store[i], s->words[i].get(), nullptr);
+        }
+        s->width = detail::width_of(picture, o.region);
+        const detail::slots seed(o.seed);
+        jorm_mser &m = s->mser;
+        m.delta = o.delta, m.min_area = o.min_area, m.shift = o.shift;
+        m.min_area_fraction = o.min_area_fraction, m.max_area_fraction = o.max_area_fraction;
+        m.max_variation = o.max_variation, m.min_diversity = o.min_diversity;
+        m.passes = o.dark && o.bright ? 2 : o.bright ? 1 : 0;
+        m.seed_row = seed[1], m.seed_column = seed[2];
+        m.dark_store = &s->store[0], m.bright_store = &s->store[1];
+        const uint64_t bits = detail::mask_bits(o.invert);
+        const int64_t status = o.every
+                                   ? detail::flooding(JormGenerateMSERs, JormGenerateMSERsEx, picture, o, bits, &m)
+                                   : detail::flooding(JormGenerateFMSERs, JormGenerateFMSERsEx, picture, o, bits, &m);
+        found = stable_regions(std::move(s));
+        return status;
+    });
 }
 
 } // namespace jorm::inline cxx

@@ -7,6 +7,7 @@
 #include "jorm/stats.h"
 
 #include <array>
+#include <utility>
 
 namespace jorm::inline cxx {
 
@@ -36,22 +37,29 @@ int64_t statistic(int64_t plain(jorm_xe *, uint64_t, const jorm_array *, const j
 
 /// The sum of each channel.
 template <class Errors = throwing> returns<Errors, values> sum(const source &src, const stats_options &o = {}) {
-    values v = 0;
-    const int64_t s = detail::statistic<double>(JormSum, JormSumEx, src, o, v.data());
-    return Errors::give(s, v);
+    return Errors::template make<values>(
+        [&](values &v) { return detail::statistic<double>(JormSum, JormSumEx, src, o, v.data()); }, 0.0);
 }
 /// The mean of each channel; 0 when a mask selects nothing.
 template <class Errors = throwing> returns<Errors, values> mean(const source &src, const stats_options &o = {}) {
-    values v = 0;
-    const int64_t s = detail::statistic<double>(JormMean, JormMeanEx, src, o, v.data());
-    return Errors::give(s, v);
+    return Errors::template make<values>(
+        [&](values &v) { return detail::statistic<double>(JormMean, JormMeanEx, src, o, v.data()); }, 0.0);
 }
-/// The least and the largest value of each channel and where they stand first: `minmax(v).max[0].row`. Values are both
-/// `i` (integer) and `f` (float).
-template <class Errors = throwing> returns<Errors, jorm_minmax> minmax(const source &src, const stats_options &o = {}) {
-    jorm_minmax m = {JORM_WANT_MIN | JORM_WANT_MAX, {}, {}};
-    const int64_t s = detail::statistic<jorm_minmax>(JormMinmax, JormMinmaxEx, src, o, &m);
-    return Errors::give(s, m);
+/// The least and the largest value of each channel, and where they stand first: `minmax(v).max[0].row`. A value is both
+/// `i` (integer) and `f` (float). Channels that were not looked at are zeros.
+struct extrema : jorm_minmax {
+    extrema() noexcept : extrema(std::make_index_sequence<4>()) {}
+
+private:
+    // Channel by channel, for clearing the record as a whole becomes an instruction that takes longer than the call.
+    template <size_t... c> explicit extrema(std::index_sequence<c...>) noexcept {
+        request = JORM_WANT_MIN | JORM_WANT_MAX;
+        ((min[c] = jorm_extremum(), max[c] = jorm_extremum()), ...);
+    }
+};
+template <class Errors = throwing> returns<Errors, extrema> minmax(const source &src, const stats_options &o = {}) {
+    return Errors::template make<extrema>(
+        [&](jorm_minmax &m) { return detail::statistic<jorm_minmax>(JormMinmax, JormMinmaxEx, src, o, &m); });
 }
 
 /// Counters of samples, for each channel its own. Counts of several pictures, or tiles, add up.
@@ -69,7 +77,7 @@ public:
     explicit histogram(const layout &l) {
         const jorm_histdesc one = {0, l.bins, l.lo, l.hi, 0, 0, 0, 0};
         const jorm_histdesc all[4] = {one, one, one, one};
-        throwing::give(jorm_hist__init_n(JORM_HIST_COUNTERS, uint32_t(l.channels), records_.data(), all));
+        throwing::report(jorm_hist__init_n(JORM_HIST_COUNTERS, uint32_t(l.channels), records_.data(), all));
     }
     histogram() : histogram(layout{}) {}
     histogram(histogram &&other) noexcept : records_(std::exchange(other.records_, {})) {}
@@ -83,7 +91,7 @@ public:
 
     /// Counts the samples of a picture with as many channels.
     template <class Errors = throwing> returns<Errors> count(const source &src, const stats_options &o = {}) {
-        return Errors::give(
+        return Errors::report(
             detail::statistic<jorm_histogram, uint32_t>(JormHistogram, JormHistogramEx, src, o, 0, records_.data()));
     }
     /// Back to zero.

@@ -160,7 +160,7 @@ public:
     view() noexcept = default;
 
     /// From the first element of the first row.
-    view(T *first, const shape &s) { throwing::give(make(first, s)); }
+    view(T *first, const shape &s) { throwing::report(make(first, s)); }
 
     /// From a std::span, a vector, an array; one that is too short throws.
     template <std::ranges::contiguous_range R>
@@ -184,7 +184,7 @@ public:
         s.columns = size_of(m, lead + 1), s.pixel_stride = bytes(lead + 1);
         if constexpr (rank > 2) s.channels = size_of(m, lead + 2), s.channel_stride = bytes(lead + 2);
         if constexpr (lead) s.planes = size_of(m, 0), s.plane_stride = bytes(0);
-        throwing::give(make(m.data_handle(), s));
+        throwing::report(make(m.data_handle(), s));
     }
 
     /// From any matrix class with the members data, rows, cols, step (bytes from row to row) and channels(). If it also
@@ -194,7 +194,7 @@ public:
     explicit view(const M &m) {
         if constexpr (requires { m.elemSize1(); })
             if (size_t(m.elemSize1()) != sizeof(T)) detail::fail(status::invalid);
-        throwing::give(
+        throwing::report(
             make(reinterpret_cast<T *>(m.data),
                  {.rows = m.rows, .columns = m.cols, .channels = m.channels(), .row_stride = int64_t(size_t(m.step))}));
     }
@@ -221,15 +221,12 @@ public:
 
     /// A part. It knows the picture around it: filters read the true pixels beyond its edges.
     template <class Errors = throwing> returns<Errors, view> sub(const rectangle &r) const {
-        view v;
-        const int64_t s = jorm_array_sub(&v.array_, &this->array_, r.row, r.column, r.rows, r.columns);
-        return Errors::give(s, v);
+        return Errors::template make<view>(
+            [&](view &v) { return jorm_array_sub(&v.array_, &this->array_, r.row, r.column, r.rows, r.columns); });
     }
     /// One channel, as a picture of one channel.
     template <class Errors = throwing> returns<Errors, view> channel(int32_t k) const {
-        view v;
-        const int64_t s = jorm_array_channel(&v.array_, &this->array_, k);
-        return Errors::give(s, v);
+        return Errors::template make<view>([&](view &v) { return jorm_array_channel(&v.array_, &this->array_, k); });
     }
     /// Upside down: the last row first.
     template <class Errors = throwing> returns<Errors, view> flip_vertical() const { return flip<Errors>(1, 0); }
@@ -237,12 +234,14 @@ public:
     template <class Errors = throwing> returns<Errors, view> flip_horizontal() const { return flip<Errors>(0, 1); }
     /// One plane, as a picture of three axes.
     template <class Errors = throwing> returns<Errors, view> plane(int32_t k) const {
-        view v = *this;
-        jorm_array &a = v.array_;
-        if (k < 0 || k >= this->planes()) return Errors::give(JORM_EINVAL, view());
-        a.base = const_cast<char *>(static_cast<const char *>(a.base)) + int64_t(k) * a.stride[0];
-        a.extent[0] = a.parent_extent[0] = 1, a.stride[0] = 0, a.ndims = 3;
-        return Errors::give(JORM_OK, v);
+        return Errors::template make<view>([&](view &v) -> int64_t {
+            if (k < 0 || k >= this->planes()) return JORM_EINVAL;
+            v = *this;
+            jorm_array &a = v.array_;
+            a.base = const_cast<char *>(static_cast<const char *>(a.base)) + int64_t(k) * a.stride[0];
+            a.extent[0] = a.parent_extent[0] = 1, a.stride[0] = 0, a.ndims = 3;
+            return JORM_OK;
+        });
     }
 
 private:
@@ -254,9 +253,8 @@ private:
         return detail::describe(this->array_, detail::code_of<std::remove_const_t<T>>, sizeof(T), s, first);
     }
     template <class Errors> returns<Errors, view> flip(int32_t vertical, int32_t horizontal) const {
-        view v;
-        const int64_t s = jorm_array_flip(&v.array_, &this->array_, vertical, horizontal);
-        return Errors::give(s, v);
+        return Errors::template make<view>(
+            [&](view &v) { return jorm_array_flip(&v.array_, &this->array_, vertical, horizontal); });
     }
 };
 
@@ -298,8 +296,10 @@ class slots {
 public:
     explicit slots(const position &p) noexcept : given_(p == position() ? nullptr : slot_) {
         const auto or_0 = [](int32_t v) { return v == automatic ? 0 : v; };
-        if (given_) slot_[0] = or_0(p.plane), slot_[1] = or_0(p.row), slot_[2] = or_0(p.column), slot_[3] = 0;
+        slot_[0] = or_0(p.plane), slot_[1] = or_0(p.row), slot_[2] = or_0(p.column), slot_[3] = 0;
     }
+    /// 0 where it is left out.
+    int32_t operator[](int i) const noexcept { return slot_[i]; }
     operator const int32_t *() const noexcept { return given_; }
     slots(const slots &) = delete;
 
