@@ -366,28 +366,28 @@ TEST(Cxx, ViewsThatCannotBeAreRefused) {
         }
         return status::ok;
     };
+    const jorm::shape shapes[] = {{10, 11},
+                                  {0, 10},
+                                  {1, 1, 5},
+                                  {INT32_MAX, INT32_MAX, 4, INT32_MAX},
+                                  {.rows = 2, .columns = 2, .row_stride = -20},
+                                  {.rows = 2, .columns = 2, .pixel_stride = 3},
+                                  {.rows = 2, .columns = 2, .channels = 2, .channel_stride = int64_t(1) << 33}};
+    for (const jorm::shape &s : shapes)
+        EXPECT_EQ(refused([&] { View bad(memory, s); }), status::invalid) << &s - shapes;
+    auto *const bytes = reinterpret_cast<unsigned char *>(memory.data());
     const status refusals[] = {
+        refused([&] { jorm::view short_array(cross_memory, shapes[0]); }),
         refused([&] {
-            View(memory, {10, 11});
-        }),
-        refused([&] { View(memory, {.rows = 2, .columns = 2, .row_stride = -20}); }),
-        refused([&] { View(memory, {.rows = 2, .columns = 2, .pixel_stride = 3}); }),
-        refused([&] {
-            View(memory, {0, 10});
+            View bad(Matrix{4, 5, nullptr, 40});
         }),
         refused([&] {
-            View(memory.data(), {1, 1, 5});
-        }),
-        refused([&] {
-            View(Matrix{4, 5, nullptr, 40});
-        }),
-        refused([&] {
-            View(Matrix{2, 2, reinterpret_cast<unsigned char *>(memory.data()), 40, 4});
+            View bad(Matrix{2, 2, bytes, 40, 4});
         }),
         refused([&] { view.channel(1); }),
         refused([&] { view.plane(1); }),
         refused([&] { View().flip_vertical(); }),
-        refused([&] { jorm::histogram h({.channels = 5}); }),
+        refused([&] { jorm::histogram bad({.channels = 5}); }),
     };
     for (const status &s : refusals) EXPECT_EQ(s, status::invalid) << &s - refusals;
     EXPECT_EQ(view.sub<nothrow>({.row = 10}).status(), status::empty);

@@ -10,6 +10,7 @@ mkdir -p "$scratch"
 "$cmake" --install "$build" --component jorm --prefix "$scratch/first" >/dev/null
 mv "$scratch/first" "$scratch/moved"
 test -n "$(find "$scratch/moved/share/doc" -name LICENSE)" -a -n "$(find "$scratch/moved/share/doc" -name recipes.md)"
+test -f "$scratch/moved/include/jorm/jorm.hpp" -a -f "$scratch/moved/include/jorm/cxx/view.hpp"
 
 echo "find_package:"
 "$cmake" -S "$source" -B "$scratch/build" -DCMAKE_C_COMPILER="$cc" -DCMAKE_PREFIX_PATH="$scratch/moved" >/dev/null

@@ -71,9 +71,10 @@ inline int64_t describe(jorm_array &out, uint32_t code, int64_t size, const shap
     const auto fits = [=](int64_t v) { return v == int32_t(v) && v % size == 0; };
     const int64_t channel = s.channel_stride ? s.channel_stride : size;
     const int64_t pixel = s.pixel_stride ? s.pixel_stride : s.channels * (channel < 0 ? -channel : channel);
-    const int64_t row = s.row_stride ? s.row_stride : s.columns * (pixel < 0 ? -pixel : pixel);
-    const int64_t plane = s.plane_stride ? s.plane_stride : s.rows * (row < 0 ? -row : row);
     if (!fits(channel) || !fits(pixel)) return JORM_EINVAL;
+    const int64_t row = s.row_stride ? s.row_stride : s.columns * (pixel < 0 ? -pixel : pixel);
+    if (!fits(row)) return JORM_EINVAL;
+    const int64_t plane = s.plane_stride ? s.plane_stride : s.rows * (row < 0 ? -row : row);
     const int64_t made = s.planes
                              ? jorm_array_make4(&out, code, s.planes, s.rows, s.columns, s.channels, plane, row, first)
                              : jorm_array_make(&out, code, s.rows, s.columns, s.channels, row, first);
@@ -84,13 +85,18 @@ inline int64_t describe(jorm_array &out, uint32_t code, int64_t size, const shap
 
 /// Whether `bytes` bytes from the first element on hold every element of an array.
 inline bool holds(const jorm_array &a, size_t bytes, size_t size) {
-    int64_t last = 0;
+    uint64_t last = 0;
     for (int i = 0; i < 4; ++i) {
-        if (a.stride[i] < 0 && a.extent[i] > 1) return false;
-        last += (int64_t(a.extent[i]) - 1) * a.stride[i];
+        if (a.extent[i] < 2) continue;
+        if (a.stride[i] < 0) return false;
+        last += uint64_t(a.extent[i] - 1) * uint64_t(a.stride[i]);
     }
-    return bytes >= size && uint64_t(last) <= bytes - size;
+    return bytes >= size && last <= bytes - size;
 }
+
+/// A pointer itself, not an array that would become one.
+template <class P, class T>
+concept pointer_to = std::is_pointer_v<std::remove_cvref_t<P>> && std::convertible_to<P, T *>;
 
 template <class M, class T>
 concept mdspan_like = requires(const M &m) {
@@ -160,7 +166,8 @@ public:
     view() noexcept = default;
 
     /// From the first element of the first row.
-    view(T *first, const shape &s) { throwing::report(make(first, s)); }
+    template <class P>
+    requires detail::pointer_to<P, T> view(P &&first, const shape &s) { throwing::report(make(first, s)); }
 
     /// From a std::span, a vector, an array; one that is too short throws.
     template <std::ranges::contiguous_range R>
@@ -258,7 +265,9 @@ private:
     }
 };
 
-template <class T> view(T *, const shape &) -> view<T>;
+template <class P>
+requires std::is_pointer_v<std::remove_cvref_t<P>> view(P &&, const shape &)
+->view<std::remove_pointer_t<std::remove_cvref_t<P>>>;
 template <std::ranges::contiguous_range R>
 view(R &&, const shape &) -> view<std::remove_reference_t<std::ranges::range_reference_t<R>>>;
 
