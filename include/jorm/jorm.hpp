@@ -1,6 +1,7 @@
 /// \file
 /// libJorm for C++20: the C interface with typed views, named options, environments that end themselves, and errors as
-/// exceptions or results. Header only; everything lies in namespace jorm.
+/// exceptions or results. Header only; everything lies in namespace jorm (its inline part cxx keeps symbols apart from
+/// those of the library).
 ///
 ///     #include <jorm/jorm.hpp>
 ///
