@@ -12,7 +12,8 @@
 #include "jorm/arith.h"
 #include "jorm/cxx/view.hpp"
 
-namespace jorm::inline cxx {
+namespace jorm {
+inline namespace cxx {
 
 /// Options of operations that only need places.
 struct place_options {
@@ -187,6 +188,7 @@ JORM_CXX_PRODUCT(mul_rsub, JormMulRSub, JormMulRSubC, JormMulRSubCC)
 /// \}
 #undef JORM_CXX_PRODUCT
 
-} // namespace jorm::inline cxx
+} // namespace cxx
+} // namespace jorm
 
 #endif

@@ -12,7 +12,8 @@
 #include <optional>
 #include <utility>
 
-namespace jorm::inline cxx {
+namespace jorm {
+inline namespace cxx {
 
 /// How a call ended; anything but `ok` leaves the destination as it was.
 enum class status : int64_t {
@@ -152,6 +153,7 @@ namespace detail {
 inline jorm_xe *xe(environment *given) noexcept { return (given ? *given : environment::local()).get(); }
 } // namespace detail
 
-} // namespace jorm::inline cxx
+} // namespace cxx
+} // namespace jorm
 
 #endif

@@ -13,7 +13,8 @@
 #include "jorm/morphology.h"
 #include "jorm/sepfilter.h"
 
-namespace jorm::inline cxx {
+namespace jorm {
+inline namespace cxx {
 
 /// A window of rows by columns, anchored at its centre or as given. 1 by 1 stands for 5 by 5, the default.
 struct window {
@@ -208,6 +209,7 @@ returns<Errors, values> box_count(const source &src, const window &w, const box_
         0.0);
 }
 
-} // namespace jorm::inline cxx
+} // namespace cxx
+} // namespace jorm
 
 #endif

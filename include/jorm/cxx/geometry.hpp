@@ -20,7 +20,8 @@
 
 JORM_BEGIN_DOLLARS
 
-namespace jorm::inline cxx {
+namespace jorm {
+inline namespace cxx {
 
 namespace detail {
 
@@ -243,7 +244,8 @@ const std::ranges::range_value_t<R> *search(const R &range, const std::ranges::r
                                             detail::comparison<T, Order>::call, &order));
 }
 
-} // namespace jorm::inline cxx
+} // namespace cxx
+} // namespace jorm
 
 JORM_END_DOLLARS
 

@@ -11,7 +11,8 @@
 #include "jorm/resample.h"
 #include "jorm/threshold.h"
 
-namespace jorm::inline cxx {
+namespace jorm {
+inline namespace cxx {
 
 // ---- Copies and fills: jorm/copy.h ----
 
@@ -297,6 +298,7 @@ returns<Errors> matvec_each(const target &dst, const source &m, const source &v,
     return Errors::report(JormMulMV_n(detail::xe(o.env), 0, dst.get(), m.get(), v.get()));
 }
 
-} // namespace jorm::inline cxx
+} // namespace cxx
+} // namespace jorm
 
 #endif

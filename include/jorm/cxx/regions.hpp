@@ -20,7 +20,8 @@
 
 JORM_BEGIN_DOLLARS
 
-namespace jorm::inline cxx {
+namespace jorm {
+inline namespace cxx {
 
 class region;
 
@@ -391,7 +392,8 @@ returns<Errors, stable_regions> mser(const source &picture, const mser_options &
     });
 }
 
-} // namespace jorm::inline cxx
+} // namespace cxx
+} // namespace jorm
 
 JORM_END_DOLLARS
 

@@ -9,7 +9,8 @@
 #include <array>
 #include <utility>
 
-namespace jorm::inline cxx {
+namespace jorm {
+inline namespace cxx {
 
 struct stats_options {
     optional_mask mask = {}; ///< only the pixels that it selects
@@ -109,6 +110,7 @@ private:
     std::array<jorm_histogram, 4> records_ = {};
 };
 
-} // namespace jorm::inline cxx
+} // namespace cxx
+} // namespace jorm
 
 #endif

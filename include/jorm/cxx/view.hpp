@@ -12,7 +12,8 @@
 #include <span>
 #include <type_traits>
 
-namespace jorm::inline cxx {
+namespace jorm {
+inline namespace cxx {
 
 /// Up to the end, as the number of rows or columns of a rectangle.
 inline constexpr int32_t to_end = std::numeric_limits<int32_t>::max();
@@ -329,6 +330,7 @@ inline uint64_t mask_bits(bool invert) { return invert ? JORM_OPT_MASK_INVERT : 
 inline const double *data(const std::optional<values> &v) { return v ? v->data() : nullptr; }
 
 } // namespace detail
-} // namespace jorm::inline cxx
+} // namespace cxx
+} // namespace jorm
 
 #endif
