@@ -93,9 +93,6 @@ private:
 BoxLine box_line(const WindowCall &c, int64_t area) {
     switch (c.type) {
     case JORM_U8:
-        for (int words = 8; words > 0 && c.extent[2] >= least_width_of_low; words /= 2)
-            if (area / c.extent[2] * words * 255 < 65536)
-                return words == 8 ? box_u8_low8 : words == 4 ? box_u8_low4 : words == 2 ? box_u8_low2 : box_u8_low;
         return area < (int64_t(1) << 23) ? box_u8_narrow : box_u8;
     case JORM_S16:
         return area < (int64_t(1) << 15) ? box_s16_narrow : box_s16;
@@ -126,7 +123,7 @@ public:
     void produce(int64_t y, void *row) override {
         const WindowCall &c = in_->call();
         char *const columns = sums_->as<char>(), *const along = columns + pitch_, *const spare = along + pitch_;
-        char *const bare = columns + in_->left * rows_->column_bytes;
+        char *const bare = columns + in_->left * rows_->sum_bytes;
         const int64_t n = in_->bare;
         if (c.type == JORM_F32)
             columns_.gather(y, bare);
@@ -134,7 +131,7 @@ public:
             slide_columns(
                 *in_, y, [&](auto *in) { rows_->enter(bare, in, n); },
                 [&](auto *in, auto *out) { rows_->slide(bare, in, out, n); });
-        in_->complete(columns, rows_->column_bytes);
+        in_->complete(columns, rows_->sum_bytes);
         const bool narrow = c.extent[2] == 1;
         if (!narrow) rows_->along(along, spare, columns, c.size[2], c.extent[2]);
         rows_->mean(row, narrow ? columns : along, c.size[2], area_);

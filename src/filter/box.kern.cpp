@@ -1,7 +1,6 @@
 // Rows of means.
 #include "filter/column_rows.kern.hpp"
 #include "filter/mean_rows.hpp"
-#include "kernel/level_words.hpp"
 
 namespace jorm::JORM_LEVEL {
 namespace {
@@ -178,48 +177,6 @@ template <class Sum> void along(void *to, void *spare, const void *columns, int6
     }
 }
 
-template <class To, class From> void fold(To *to, const From *from, int64_t n, int64_t apart) {
-    To *__restrict t = to;
-    const From *__restrict f = from;
-    for (int64_t i = 0; i < n; ++i) t[i] = To(To(f[i]) + To(f[i + apart]));
-}
-
-// Windows of at least 16 columns, at the same cost whatever their width: the next 16 windows lose 16 columns each and
-// take 16 others in, and these sums are made once for both. Sums of Words columns still fit 16 bits.
-template <int Words> void along_low(void *to, void *spare, const void *columns, int64_t n, int64_t k) {
-    constexpr int lanes = 16;
-    using V = VectorOf<s32, lanes>;
-    using Two = select<(Words >= 2), u16, s32>;
-    using Four = select<(Words >= 4), u16, s32>;
-    using Eight = select<(Words >= 8), u16, s32>;
-    const u16 *const c = elements<u16>(columns);
-    s32 *__restrict t = elements<s32>(to);
-    s32 *__restrict sixteen = elements<s32>(spare);
-    const int64_t all = n + k - 1;
-    fold(elements<Two>(to), c, all - 1, 1);
-    fold(elements<Four>(spare), elements<Two>(to), all - 3, 2);
-    fold(elements<Eight>(to), elements<Four>(spare), all - 7, 4);
-    fold(sixteen, elements<Eight>(to), all - 15, 8);
-
-    int64_t i = n < lanes ? 1 : lanes, j = 0;
-    for (int l = 0; l < i; ++l) t[l] = 0;
-    for (; j + lanes <= k; j += lanes)
-        for (int l = 0; l < i; ++l) t[l] += sixteen[j + l];
-    for (; j < k; ++j)
-        for (int l = 0; l < i; ++l) t[l] += c[j + l];
-    if (n >= lanes) {
-        V sum, in, out;
-        __builtin_memcpy(&sum, t, sizeof sum);
-        for (; i + lanes <= n; i += lanes) {
-            __builtin_memcpy(&in, sixteen + i - lanes + k, sizeof in);
-            __builtin_memcpy(&out, sixteen + i - lanes, sizeof out);
-            sum += in - out;
-            __builtin_memcpy(t + i, &sum, sizeof sum);
-        }
-    }
-    for (; i < n; ++i) t[i] = t[i - 1] + c[i + k - 1] - c[i - 1];
-}
-
 // An estimate and the exact rest tell the nearest integer, the even one where two are as near.
 template <class T, class Sum> void mean(void *to, const void *sums, int64_t n, int64_t area) {
     using Real = select<sizeof(Sum) == 4, f32, f64>;
@@ -262,20 +219,11 @@ extern const ByteMeanRows byte_mean_rows[];
 const ByteMeanRows byte_mean_rows[] = {{enter_bytes, slide_bytes, mean_bytes}};
 
 #define LINE(T, Sum, mean_row)                                                                                         \
-    { sizeof(Sum), sizeof(Sum), enter<T, Sum>, slide<T, Sum>, along<Sum>, mean_row }
-#define LOW(words)                                                                                                     \
-    { sizeof(u16), sizeof(s32), enter<u8, u16>, slide<u8, u16>, along_low<words>, mean_narrow_bytes }
+    { sizeof(Sum), enter<T, Sum>, slide<T, Sum>, along<Sum>, mean_row }
 extern const MeanRows mean_rows[];
-const MeanRows mean_rows[] = {LINE(u8, s32, mean_narrow_bytes),
-                              LINE(s16, s32, (mean<s16, s32>)),
-                              LINE(u8, s64, (mean<u8, s64>)),
-                              LINE(s16, s64, (mean<s16, s64>)),
-                              LINE(s32, s64, (mean<s32, s64>)),
-                              {sizeof(f64), sizeof(f64), nullptr, nullptr, along<f64>, mean_real},
-                              LOW(1),
-                              LOW(2),
-                              LOW(4),
-                              LOW(8)};
+const MeanRows mean_rows[] = {LINE(u8, s32, mean_narrow_bytes), LINE(s16, s32, (mean<s16, s32>)),
+                              LINE(u8, s64, (mean<u8, s64>)),   LINE(s16, s64, (mean<s16, s64>)),
+                              LINE(s32, s64, (mean<s32, s64>)), {sizeof(f64), nullptr, nullptr, along<f64>, mean_real}};
 
 extern const ColumnRows real_sum_columns[];
 const ColumnRows real_sum_columns[] = {column_rows<Add, f32, f64>};

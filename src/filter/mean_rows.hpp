@@ -23,27 +23,15 @@ struct ByteMeanRows {
 
 // All other windows: sums down the columns, then along them.
 struct MeanRows {
-    int32_t column_bytes, sum_bytes;                          // of sums down a column; of those of windows
+    int32_t sum_bytes;
     void (*enter)(void *columns, const void *row, int64_t n); // integers only: single precision never takes away
     void (*slide)(void *columns, const void *in, const void *out, int64_t n);
-    // Sums of windows of k columns along a row of n + k - 1 of them; `to` and `spare` are as long as that, in sums.
+    // Sums of windows of k columns along a row of n + k - 1 of them; `to` and `spare` are as long as that.
     void (*along)(void *to, void *spare, const void *columns, int64_t n, int64_t k);
     void (*mean)(void *to, const void *sums, int64_t n, int64_t area);
 };
-// Narrow sums have 32 bits; low windows have sums of columns, of two, four, eight neighbouring ones that fit 16 bits.
-enum BoxLine : int {
-    box_u8_narrow,
-    box_s16_narrow,
-    box_u8,
-    box_s16,
-    box_s32,
-    box_f32,
-    box_u8_low,
-    box_u8_low2,
-    box_u8_low4,
-    box_u8_low8
-};
-constexpr int64_t least_width_of_low = 16; // of windows
+// Narrow sums have 32 bits.
+enum BoxLine : int { box_u8_narrow, box_s16_narrow, box_u8, box_s16, box_s32, box_f32 };
 
 JORM_LEVEL_TABLE(const ByteMeanRows, byte_mean_rows);
 JORM_LEVEL_TABLE(const MeanRows, mean_rows);
