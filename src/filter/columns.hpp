@@ -11,6 +11,8 @@ namespace jorm {
 class Columns {
 public:
     int64_t open(WindowRows &in, const ColumnRows &rows);
+    // Other rows of the same operation.
+    void use(const ColumnRows &rows) { rows_ = &rows; }
     // The bare part of the columns around row y, in ascending order of y.
     void gather(int64_t y, void *to);
 

@@ -9,8 +9,22 @@ namespace jorm {
 enum class Extreme : int { least, largest };
 
 inline const ExtremumRows &extremum_rows_of(const WindowCall &c, Extreme which) {
-    return JORM_OF_LEVEL(extremum_rows, c.which)[4 * int(which) + window_line(c.type)];
+    return JORM_OF_LEVEL(extremum_rows, c.which)[5 * int(which) + window_line(c.type)];
 }
+
+// The rows of an extremum in single precision are the quick ones, exact without NaN, until a row holds one. Both make
+// the same of what came before it.
+class ExtremumChoice {
+public:
+    void open(const WindowCall &c, Extreme which) { rows_ = &extremum_rows_of(c, which); }
+    const ExtremumRows *operator->() const { return rows_; }
+    void meet(const void *row, int64_t n) {
+        if (rows_->unordered && rows_->unordered(row, n)) ++rows_;
+    }
+
+private:
+    const ExtremumRows *rows_ = nullptr;
+};
 
 // The extremum in every window: down the columns first, then along the row.
 class ExtremumStage : public RowStage {
@@ -21,7 +35,7 @@ public:
 
 private:
     WindowRows *in_ = nullptr;
-    const ExtremumRows *rows_ = nullptr;
+    ExtremumChoice rows_;
     Columns columns_;
     std::optional<Scratch> buffers_;
     char *made_ = nullptr, *spare_ = nullptr;

@@ -5,17 +5,17 @@
 namespace jorm::JORM_LEVEL {
 namespace {
 
-struct Least {
+template <bool Ordered> struct Least {
     template <class T> [[gnu::always_inline]] static T of(T a, T b) {
-        if constexpr (is_real<T>)
+        if constexpr (is_real<T> && !Ordered)
             return b != b ? a : a < b ? a : b;
         else
             return a < b ? a : b;
     }
 };
-struct Largest {
+template <bool Ordered> struct Largest {
     template <class T> [[gnu::always_inline]] static T of(T a, T b) {
-        if constexpr (is_real<T>)
+        if constexpr (is_real<T> && !Ordered)
             return b != b ? a : a > b ? a : b;
         else
             return a > b ? a : b;
@@ -75,6 +75,13 @@ template <class Kind, class T> void pair(void *to, const void *row, int64_t n, i
     along_n<Kind, T, 2>(to, row, n, apart);
 }
 
+bool holds_nan(const void *row, int64_t n) {
+    const f32 *r = elements<f32>(row);
+    s32 found = 0;
+    for (int64_t i = 0; i < n; ++i) found |= r[i] != r[i];
+    return found != 0;
+}
+
 template <class T> [[gnu::always_inline]] inline T difference(T a, T b) {
     if constexpr (is_real<T>)
         return a - b;
@@ -91,10 +98,12 @@ template <class T> void subtract(void *to, const void *a, const void *b, int64_t
 
 } // namespace
 
-#define LINE(Kind, T)                                                                                                  \
-    { column_rows<Kind, T, T>, subtract<T>, pair<Kind, T>, along<Kind, T> }
+#define LINE(Kind, T, unordered)                                                                                       \
+    { column_rows<Kind, T, T>, unordered, subtract<T>, pair<Kind, T>, along<Kind, T> }
+#define LINES(Kind)                                                                                                    \
+    LINE(Kind<true>, u8, nullptr), LINE(Kind<true>, s16, nullptr), LINE(Kind<true>, s32, nullptr),                     \
+        LINE(Kind<true>, f32, holds_nan), LINE(Kind<false>, f32, nullptr)
 extern const ExtremumRows extremum_rows[];
-const ExtremumRows extremum_rows[] = {LINE(Least, u8),   LINE(Least, s16),   LINE(Least, s32),   LINE(Least, f32),
-                                      LINE(Largest, u8), LINE(Largest, s16), LINE(Largest, s32), LINE(Largest, f32)};
+const ExtremumRows extremum_rows[] = {LINES(Least), LINES(Largest)};
 
 } // namespace jorm::JORM_LEVEL

@@ -44,7 +44,7 @@ int64_t MaskStage::open(WindowRows &in, Extreme which, const MaskRuns &runs) {
     in_ = &in;
     runs_ = &runs;
     const WindowCall &c = in.call();
-    rows_ = &extremum_rows_of(c, which);
+    rows_.open(c, which);
     pitch_ = ring_pitch(in.whole() * c.element());
     const size_t lines = scratch_bytes(c.extent[0], c.extent[1], std::max<int64_t>(runs.lengths, 1), pitch_);
     const size_t rest = scratch_bytes(3, pitch_), list = scratch_bytes(runs.count, sizeof(void *));
@@ -78,6 +78,7 @@ void MaskStage::take(int64_t d, int64_t v) {
     const int64_t e = c.element();
     char *row = row_, *spare = spare_;
     std::memcpy(row + in_->left * e, in_->row(d, v), size_t(in_->bare * e));
+    rows_.meet(row + in_->left * e, in_->bare);
     in_->complete(row, int32_t(e));
     int64_t made = 1; // length of the runs that `row` holds
     for (int64_t k = 0; k < runs_->lengths; ++k) {

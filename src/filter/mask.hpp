@@ -37,7 +37,7 @@ private:
     char *line(int64_t d, int64_t v, int64_t line) const;
 
     WindowRows *in_ = nullptr;
-    const ExtremumRows *rows_ = nullptr;
+    ExtremumChoice rows_;
     const MaskRuns *runs_ = nullptr;
     int64_t pitch_ = 0, taken_ = 0;
     char *ring_ = nullptr, *row_ = nullptr, *spare_ = nullptr, *neutral_ = nullptr;
