@@ -26,7 +26,7 @@ template <class Enter, class Slide> void slide_columns(WindowRows &in, int64_t y
     }
 }
 
-// ---- Small windows of bytes ----
+// ---- Windows of bytes ----
 
 bool divides(const ByteMean &m, int64_t q) {
     const int64_t area = m.area, half = area / 2;
@@ -56,7 +56,7 @@ public:
         // Pairs of columns are pairs of bytes of the bare part, wherever that begins.
         mean_.phase = int32_t(in.left & 1);
         half_ = ring_pitch((in.whole() + 4) / 2 * int64_t(sizeof(uint16_t)));
-        sums_.emplace(in.call().xe, scratch_bytes(2, half_), line);
+        sums_.emplace(in.call().xe, scratch_bytes(mean.factor ? 2 : 4, half_), line);
         return *sums_ ? JORM_OK : JORM_ENOMEM;
     }
     void begin_plane(int64_t z) override {
@@ -74,7 +74,11 @@ public:
             from += mean_.phase;
             sums[column & 1][column / 2] = sums[from & 1][from / 2];
         });
-        rows_->mean(static_cast<uint8_t *>(row), sums[0], sums[1], in_->call().size[2], mean_);
+        uint8_t *const to = static_cast<uint8_t *>(row);
+        if (mean_.factor) return rows_->mean(to, sums[0], sums[1], in_->call().size[2], mean_);
+        auto *const before = reinterpret_cast<uint32_t *>(plane(2));
+        rows_->add_up(before, sums[0], sums[1], half_ / int64_t(sizeof(uint16_t)));
+        rows_->wide_mean(to, before, sums[0], sums[1], in_->call().size[2], mean_);
     }
 
 private:
@@ -158,8 +162,9 @@ int64_t box(WindowCall &c) {
     WindowRows rows;
     if (const int64_t status = rows.open(c, 1); status != JORM_OK) return status;
     ByteMean mean = {int32_t(c.extent[2]), 0, 0, 0, 0};
-    if (c.type == JORM_U8 && mean.width >= 2 && mean.width <= 2 * ByteMean::max_half + 1 &&
-        find_factors(mean, int64_t(area))) {
+    if (c.type == JORM_U8 && area < ByteMean::max_area && c.extent[0] * c.extent[1] <= ByteMean::max_height) {
+        if (mean.width < 2 || mean.width > 2 * ByteMean::max_half + 1 || !find_factors(mean, int64_t(area)))
+            mean = {mean.width, 0, uint16_t(area), 0, 0};
         ByteBoxStage stage;
         const int64_t status = stage.open(rows, mean);
         return status == JORM_OK ? run_stage(c, stage) : status;

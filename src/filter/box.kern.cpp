@@ -116,6 +116,88 @@ void mean_bytes(u8 *to, const u16 *even, const u16 *odd, int64_t n, const ByteMe
     }
 }
 
+// ---- Large windows of bytes: differences of sums from the beginning of the row ----
+
+#if defined(__AVX512F__)
+constexpr int lanes = 16;
+#define LANES 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15
+#elif defined(__AVX2__)
+constexpr int lanes = 8;
+#define LANES 0, 1, 2, 3, 4, 5, 6, 7
+#else
+constexpr int lanes = 4;
+#define LANES 0, 1, 2, 3
+#endif
+typedef u16 NarrowLanes __attribute__((vector_size(2 * lanes)));
+typedef uint32_t WideLanes __attribute__((vector_size(4 * lanes)));
+
+[[gnu::always_inline]] inline WideLanes load_lanes(const u16 *p) {
+    NarrowLanes v;
+    __builtin_memcpy(&v, p, sizeof v);
+    return __builtin_convertvector(v, WideLanes);
+}
+template <int... I> struct LaneList {
+    // K lanes up; zeros come in.
+    template <int K> [[gnu::always_inline]] static WideLanes up(WideLanes v) {
+        return __builtin_shufflevector(WideLanes{}, v, (I < K ? I : lanes + I - K)...);
+    }
+    [[gnu::always_inline]] static WideLanes last(WideLanes v) {
+        return __builtin_shufflevector(v, v, (I * 0 + lanes - 1)...);
+    }
+};
+
+void add_up(uint32_t *before, const u16 *even, const u16 *odd, int64_t n) {
+    using L = LaneList<LANES>;
+    WideLanes carry = {};
+    for (int64_t i = 0; i < n; i += lanes) {
+        const WideLanes x = load_lanes(even + i) + load_lanes(odd + i);
+        WideLanes sum = x + L::up<1>(x);
+        sum += L::up<2>(sum);
+        if constexpr (lanes > 4) sum += L::up<4>(sum);
+        if constexpr (lanes > 8) sum += L::up<8>(sum);
+        const WideLanes all = carry + (sum - x);
+        __builtin_memcpy(before + i, &all, sizeof all);
+        carry += L::last(sum);
+    }
+}
+#undef LANES
+
+// In single precision the product misses the quotient by less than 2^-15, which no odd area comes near a tie by. Of
+// even ones the first addition rounds to 2^-14, so that ties become exact.
+template <bool OddWidth>
+void wide_mean_of(u8 *to, const uint32_t *before, const u16 *even, const u16 *odd, int64_t n, const ByteMean &m) {
+    const uint32_t *__restrict p = before;
+    const u16 *__restrict e = even, *__restrict o = odd;
+    u8 *__restrict t = to;
+    const int64_t half = m.width / 2;
+    const f32 inverse = 1.f / f32(m.area), first_term = m.area & 1 ? 0.f : 512.f, second_term = 12582912.f - first_term;
+    const auto mean = [&](s32 sum) __attribute__((always_inline)) {
+        return __builtin_bit_cast(uint32_t, f32(sum) * inverse + first_term + second_term);
+    };
+    // Of the windows that begin at columns 2i and 2i + 1.
+    const auto both = [&](int64_t i) __attribute__((always_inline)) {
+        const s32 pairs = s32(p[i + half] - p[i]), first = OddWidth ? pairs + e[i + half] : pairs;
+        const uint32_t a = mean(first), b = mean(first - e[i] + (OddWidth ? o[i + half] : e[i + half]));
+        return pair_of(u16(a & 255), u16(b & 255));
+    };
+    if (m.phase == 1 && n > 0) {
+        *t++ = u8(odd_of(both(0)));
+        --n;
+        ++p;
+        ++e;
+        ++o;
+    }
+    for (int64_t i = 0; i < n / 2; ++i) {
+        const u16 w = both(i);
+        __builtin_memcpy(t + 2 * i, &w, sizeof w);
+    }
+    if (n & 1) t[n - 1] = u8(even_of(both(n / 2))); // the rows of sums have room for the second one
+}
+void wide_mean(u8 *to, const uint32_t *before, const u16 *even, const u16 *odd, int64_t n, const ByteMean &m) {
+    return m.width & 1 ? wide_mean_of<true>(to, before, even, odd, n, m)
+                       : wide_mean_of<false>(to, before, even, odd, n, m);
+}
+
 // ---- All other windows ----
 
 template <class T, class Sum> void enter(void *columns, const void *row, int64_t n) {
@@ -191,17 +273,6 @@ template <class T, class Sum> void mean(void *to, const void *sums, int64_t n, i
     }
 }
 
-// Bytes in single precision: the product misses the quotient by less than 2^-15, which no odd area comes near a tie by.
-// Of even ones the first addition rounds to 2^-14, so that ties become exact.
-constexpr int64_t most_exact_area = 16400;
-void mean_narrow_bytes(void *to, const void *sums, int64_t n, int64_t area) {
-    if (area >= most_exact_area) return mean<u8, s32>(to, sums, n, area);
-    u8 *__restrict t = elements<u8>(to);
-    const s32 *__restrict s = elements<s32>(sums);
-    const f32 inverse = 1.f / f32(area), first = area & 1 ? 0.f : 512.f, second = 12582912.f - first;
-    for (int64_t i = 0; i < n; ++i) t[i] = u8(__builtin_bit_cast(s32, f32(s[i]) * inverse + first + second));
-}
-
 void mean_real(void *to, const void *sums, int64_t n, int64_t area) {
     f32 *__restrict t = elements<f32>(to);
     const f64 *__restrict s = elements<f64>(sums);
@@ -216,12 +287,12 @@ struct Add {
 } // namespace
 
 extern const ByteMeanRows byte_mean_rows[];
-const ByteMeanRows byte_mean_rows[] = {{enter_bytes, slide_bytes, mean_bytes}};
+const ByteMeanRows byte_mean_rows[] = {{enter_bytes, slide_bytes, mean_bytes, add_up, wide_mean}};
 
 #define LINE(T, Sum, mean_row)                                                                                         \
     { sizeof(Sum), enter<T, Sum>, slide<T, Sum>, along<Sum>, mean_row }
 extern const MeanRows mean_rows[];
-const MeanRows mean_rows[] = {LINE(u8, s32, mean_narrow_bytes), LINE(s16, s32, (mean<s16, s32>)),
+const MeanRows mean_rows[] = {LINE(u8, s32, (mean<u8, s32>)),   LINE(s16, s32, (mean<s16, s32>)),
                               LINE(u8, s64, (mean<u8, s64>)),   LINE(s16, s64, (mean<s16, s64>)),
                               LINE(s32, s64, (mean<s32, s64>)), {sizeof(f64), nullptr, nullptr, along<f64>, mean_real}};
 

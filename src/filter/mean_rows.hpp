@@ -7,18 +7,24 @@
 
 namespace jorm {
 
-// Windows of bytes of at most 256 pixels: sums fit 16 bits, and a division is a multiplication.
+// Windows of bytes whose column sums fit 16 bits.
 struct ByteMean {
-    int32_t width;                // of the window, at most 2 * max_half + 1
+    int32_t width;                // of the window
     int32_t phase;                // 1: the row of sums begins one column before the first window
     uint16_t area, factor, shift; // (sum + area / 2) * factor / 2^16 * shift / 2^16 is the mean, but for ties
     static constexpr int max_half = 8;
+    static constexpr int64_t max_height = 257, max_area = 16400; // that one less than
 };
 struct ByteMeanRows {
     // Column sums, those of even and of odd columns apart, of n columns: a row comes in, another one goes.
     void (*enter)(uint16_t *even, uint16_t *odd, const uint8_t *row, int64_t n);
     void (*slide)(uint16_t *even, uint16_t *odd, const uint8_t *in, const uint8_t *out, int64_t n);
+    // Windows that factors divide, at most 2 * max_half + 1 columns wide.
     void (*mean)(uint8_t *to, const uint16_t *even, const uint16_t *odd, int64_t n, const ByteMean &m);
+    // All others: `before` becomes the sums of the pairs of columns before each of n pairs; n is a multiple of 16.
+    void (*add_up)(uint32_t *before, const uint16_t *even, const uint16_t *odd, int64_t n);
+    void (*wide_mean)(uint8_t *to, const uint32_t *before, const uint16_t *even, const uint16_t *odd, int64_t n,
+                      const ByteMean &m);
 };
 
 // All other windows: sums down the columns, then along them.
