@@ -1,14 +1,15 @@
-# Installs headers, libraries, the CMake package, the pkg-config file, licence and documents. The library's file name carries its version
-# and is its SONAME too: versions live side by side and symbols need no versions of their own.
+# Installs the shared library (component runtime) and headers, static library, CMake package, pkg-config file, licence
+# and documents (component dev). The library's file name carries its version and is its SONAME too: versions live side
+# by side and symbols need no versions of their own.
 include(CMakePackageConfigHelpers)
-set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME jorm)
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME dev)
 set(jorm_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Jorm)
 
 set(jorm_targets jorm)
 if(TARGET jorm_static)
     list(APPEND jorm_targets jorm_static)
 endif()
-install(TARGETS ${jorm_targets} EXPORT JormTargets)
+install(TARGETS ${jorm_targets} EXPORT JormTargets LIBRARY COMPONENT runtime ARCHIVE COMPONENT dev)
 install(FILES ${PROJECT_SOURCE_DIR}/include/jorm.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/jorm DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
     FILES_MATCHING PATTERN *.h PATTERN *.hpp)

@@ -1,24 +1,35 @@
 #!/bin/sh
-# Installs the library into a scratch folder, moves it, and builds a user's project against it in both ways.
-# Usage: consumer.sh BUILD SCRATCH CMAKE CC
+# Builds a user's project in both ways against the library: installed into a scratch folder and moved, or a given tree.
+# Usage: consumer.sh BUILD SCRATCH CMAKE CC    or    consumer.sh --tree PREFIX SCRATCH CMAKE CC
 set -eu
+tree=
+if [ "$1" = --tree ]; then
+    tree=$2
+    shift
+fi
 build=$1 scratch=$2 cmake=$3 cc=$4
 source=$(cd "$(dirname "$0")/../consumer" && pwd)
 rm -rf "$scratch"
 mkdir -p "$scratch"
 
-"$cmake" --install "$build" --component jorm --prefix "$scratch/first" >/dev/null
-mv "$scratch/first" "$scratch/moved"
-test -n "$(find "$scratch/moved/share/doc" -name LICENSE)" -a -n "$(find "$scratch/moved/share/doc" -name recipes.md)"
-test -f "$scratch/moved/include/jorm/jorm.hpp" -a -f "$scratch/moved/include/jorm/cxx/view.hpp"
+if [ -z "$tree" ]; then
+    for component in runtime dev; do
+        "$cmake" --install "$build" --component $component --prefix "$scratch/first" >/dev/null
+    done
+    tree=$scratch/moved
+    mv "$scratch/first" "$tree"
+    test -n "$(find "$tree/share/doc" -name LICENSE)"
+fi
+test -n "$(find "$tree/share/doc" -name recipes.md)"
+test -f "$tree/include/jorm/jorm.hpp" -a -f "$tree/include/jorm/cxx/view.hpp"
 
 echo "find_package:"
-"$cmake" -S "$source" -B "$scratch/build" -DCMAKE_C_COMPILER="$cc" -DCMAKE_PREFIX_PATH="$scratch/moved" >/dev/null
+"$cmake" -S "$source" -B "$scratch/build" -DCMAKE_C_COMPILER="$cc" -DCMAKE_PREFIX_PATH="$tree" >/dev/null
 "$cmake" --build "$scratch/build" >/dev/null
 "$scratch/build/consumer"
 
 echo "pkg-config:"
-pc=$(dirname "$(find "$scratch/moved" -name jorm.pc)")
+pc=$(dirname "$(find "$tree" -name jorm.pc)")
 export PKG_CONFIG_PATH="$pc"
 # shellcheck disable=SC2046
 "$cc" -std=c99 -Wall -Wextra -Werror "$source/consumer.c" $(pkg-config --cflags --libs jorm) -o "$scratch/by_pkg_config"
