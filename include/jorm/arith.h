@@ -131,10 +131,12 @@ JORM_API int64_t JormRDivr(jorm_xe *xe, uint64_t options, const jorm_array *dst,
 /* ---- One source and a constant for each channel ----
  *
  * The forms above with src2 = constant (JormRSubC: constant - src, JormRDivC: constant / src). Any constant serves;
- * results of whole ones are exact. JormMulqC serves u8,
- * s16, s32 from u8, s16, s32, f32: the product with constant * 2^p is rounded once to double, then to nearest even and
- * clamped; infinities go by their sign, NaN becomes 0. JormSigmoidAlpha: 1 / (1 + exp(-constant * src)), f32, within 2
- * units in the last place.
+ * results of whole ones are exact.
+ *
+ * JormMulqC serves u8, s16, s32 from u8, s16, s32, f32: the product with constant * 2^p is rounded once to double, then
+ * to nearest even and clamped; infinities go by their sign, NaN becomes 0.
+ *
+ * JormSigmoidAlpha: 1 / (1 + exp(-constant * src)), f32, within 2 units in the last place.
  */
 JORM_API int64_t JormAddC(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm_array *src,
                           const double *constant, const jorm_site *roi, const int32_t *at, int32_t p, int32_t q);

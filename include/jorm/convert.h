@@ -1,8 +1,10 @@
 /* libJorm: conversion of element types.
  *
- *   JormGain       src * gain + offset; u8, s8, u16, s16, s32, f32 to any of them: the usual choice for contrast and
- * depth JormVConvert   plain, or from one range of values onto another; u8, s16, s32, f32 to any of them JormConvert by
- * scales and offsets relative to the range of the data; the same types
+ *   JormGain: src * gain + offset, the usual choice for contrast and depth; u8, s8, u16, s16, s32, f32 to any of them.
+ *
+ *   JormVConvert: plain, or from one range of values onto another; u8, s16, s32, f32 to any of them.
+ *
+ *   JormConvert: by scales and offsets relative to the range of the data; the same types.
  *
  * xe is the environment (see below), `options` the options word (jorm/types.h). `roi` is a site in coordinates of the
  * destination, null for all of it; `at` the point (four slots) where the source's region starts, null for its first

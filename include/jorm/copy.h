@@ -14,13 +14,19 @@
  *   Ill-formed codes (0, 5 to 8, above 15) give JORM_EINVAL; code 15, which has no size, and in fills the 64-bit types
  *   JORM_ENOTSUP. Channel codes that do not store 1 to 4 channels (0, 5 to 7, 12 and more) give JORM_EINVAL in every
  *   layer; JORM_ENOTSUP never comes from channels.
+ *
  * Values are arrays of double, one for each channel of the region, from its first one on; null stands for zeros. They
- * are converted by jorm_mkifillvalv16 (jorm/shapes.h): rounded to nearest even, clamped to the type. Masks have u8 or
- * s8 elements and either one channel, which decides about whole pixels, or as many as the image, which decide one by
- * one. A mask selects where its byte differs from 0; with JORM_OPT_MASK_INVERT, where it differs from 255. Overlap.
- * Copies behave as if the source, and the mask, were read before anything is written, whatever the layouts. A null
- * source means the destination; with a null `at` its region then starts at the origin of `roi`. A source given as the
- * destination itself starts at its first element when `at` is null (see jorm/arith.h, also for negative starts).
+ *   are converted by jorm_mkifillvalv16 (jorm/shapes.h): rounded to nearest even, clamped to the type.
+ *
+ * Masks have u8 or s8 elements and either one channel, which decides about whole pixels, or as many as the image, which
+ *   decide one by one. A mask selects where its byte differs from 0; with JORM_OPT_MASK_INVERT, where it differs from
+ *   255.
+ *
+ * Overlap. Copies behave as if the source, and the mask, were read before anything is written, whatever the layouts. A
+ *   null source means the destination; with a null `at` its region then starts at the origin of `roi`. A source given
+ *   as the destination itself starts at its first element when `at` is null (see jorm/arith.h, also for negative
+ *   starts).
+ *
  * Environment. Null will do, except for overlaps that no order of copying gets right (mirroring in place, an overlap
  *   under a mask): these take scratch memory of the size of the region, JormCopy only of a row where rows do not get in
  *   each other's way. Null then gives JORM_EINVAL, no memory JORM_ENOMEM; that is known before anything is written.
