@@ -13,6 +13,7 @@
 
 JORM_BEGIN_DECLS
 
+/* A comparison of two elements. */
 typedef int32_t (*jorm_ulcmp)(const void *a, const void *b, void *context);
 
 /* Sorts, ascending and in place. The checked forms return 0, or -1 without touching the array or comparing anything

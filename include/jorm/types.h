@@ -19,6 +19,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/* Marks of declarations: visible outside the library, with C linkage. */
 #if defined(_WIN32)
 #define JORM_VISIBLE
 #else

@@ -20,6 +20,7 @@
 
 JORM_BEGIN_DOLLARS
 
+/* A range of values, and intervals in double and in single precision. */
 typedef struct vrng {
     double lo, hi;
 } vrng;
