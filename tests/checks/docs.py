@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Every exported name is documented in the reference, which Doxygen makes without warnings.
+"""Every exported name is documented in the reference.
 
 Usage: docs.py ROOT SCRATCH; ends with 77 where Doxygen is missing.
 """
