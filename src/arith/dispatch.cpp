@@ -198,6 +198,7 @@ void run_with_constants(Family family, const Rows &rows, const Rows &base, const
             together = together && choose(family, rows, base, {call, keys.constants, c, 1}) == variant;
     if (together) {
         all.lay_out(pattern, variant == Variant::plain ? 1 : pattern_length);
+        // `params` ends with this call. NOLINTNEXTLINE(clang-analyzer-core.StackAddressEscape)
         return walk_channels(shape, call.operand, operands, row_of(variant, rows, base), params, which);
     }
     for (int c = 0; c < channels; ++c) {

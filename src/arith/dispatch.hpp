@@ -31,17 +31,17 @@ struct KeyIndex {
     template <int N> constexpr explicit KeyIndex(const uint32_t (&keys)[N]) : line() {
         static_assert(N <= int(slots) / 2);
         for (int8_t &l : line) l = -1;
-        for (int8_t i = 0; i < N; ++i) {
+        for (int i = 0; i < N; ++i) {
             uint32_t slot = first_slot(keys[i]);
             while (line[slot] >= 0) slot = (slot + 1) % slots;
-            line[slot] = i;
+            line[slot] = int8_t(i);
         }
     }
 };
 
 // How a family is called, and the keys of its list: the types of the destination and the sources, four bits each.
 struct FamilyKeys {
-    int8_t sources, constants;
+    uint8_t sources, constants;
     const uint32_t *keys;
     KeyIndex index;
 };

@@ -5,7 +5,7 @@ namespace jorm {
 namespace {
 
 struct Arity {
-    int8_t sources, constants;
+    uint8_t sources, constants;
 };
 constexpr Arity arity_UNARY = {1, 0}, arity_BINARY = {2, 0}, arity_TERNARY = {3, 0}, arity_CONSTANT = {1, 1},
                 arity_CHANNELED = {1, 1}, arity_CONSTANT2 = {2, 1}, arity_CONSTANTS = {1, 2};

@@ -53,7 +53,7 @@ struct Blocks : CompareParams {
     int32_t dst_element, element[2];
     int sources;
     bool by_channel = false, constant_first;
-    alignas(64) char constants[4 * block_length], values[2][4 * block_length]; // repeat with the channels
+    alignas(64) char constant_run[4 * block_length], values[2][4 * block_length]; // repeat with the channels
 };
 
 void compare_blocks(void *dst, const void *const *src, int64_t n, const RowParams &params) {
@@ -69,7 +69,7 @@ void compare_blocks(void *dst, const void *const *src, int64_t n, const RowParam
             run[k] = wide[k];
         }
         if (p.by_channel) {
-            run[1] = p.constants;
+            run[1] = p.constant_run;
             if (p.constant_first) std::swap(run[0], run[1]);
         }
         char *const d = static_cast<char *>(dst) + i * p.dst_element;
@@ -139,7 +139,7 @@ Row settle(Blocks &p, const CompareCall &call, const ComparePixels &pixels, int 
     }
 
     const int64_t length = std::min(elements, block_length);
-    if (p.by_channel) constant.repeat(p.constants, length);
+    if (p.by_channel) constant.repeat(p.constant_run, length);
     if (selects) {
         p.select = helpers.select[size_log2];
         yes.repeat(p.values[0], length);

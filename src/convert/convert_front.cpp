@@ -138,7 +138,7 @@ int64_t front(uint32_t opcode, jorm_xe *xe, uint64_t options, const jorm_array *
     Mapping m;
     if (const int64_t status = settle(m, whole); status != JORM_OK) return status;
     const uint32_t code = whole.channel_code();
-    if (dst->ndims < 4) return m.done(run(m, whole), code);
+    if (f.axes() < 4) return m.done(run(m, whole), code);
     int32_t types;
     if (jorma__tcvtfun_imp(whole.dst.type, whole.src.type, &types); types != JORM_OK) return types;
     // Planes may get in each other's way too, and no piece may be refused after another one has run.

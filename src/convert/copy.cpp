@@ -36,7 +36,7 @@ JORM_API int64_t JormCopy(jorm_xe *xe, uint64_t options, const jorm_array *dst, 
     Front f;
     if (const int64_t status = negotiate(f, dst, roi, {{src, at}}); status != JORM_OK) return status;
     const Operand &to = f.operand[0], &from = f.operand[1];
-    if (dst->ndims < 4) return JormTGAcopy(xe, options, nullptr, f.word, f.sizes(), SLICE(to), SLICE(from));
+    if (f.axes() < 4) return JormTGAcopy(xe, options, nullptr, f.word, f.sizes(), SLICE(to), SLICE(from));
     // Planes that overlap other planes are copied in an order of their own.
     if (well_formed(to.type) && element_size(to.type) > 0 && may_meet(4, f.size[3], f.size, to, f.size, from))
         return copy_block(xe, options, block_of(4, f.size, f.size[3], to, from));
@@ -83,8 +83,7 @@ JORM_API int64_t JormCopyEx(jorm_xe *xe, uint64_t options, const jorm_array *dst
     Detached source, selection;
     if (const int64_t status = source.move_from(to, xe, options, f, from); status != JORM_OK) return status;
     if (const int64_t status = selection.move_from(to, xe, options, f, by); status != JORM_OK) return status;
-    if (dst->ndims < 4)
-        return JormTGAcopyEx(xe, options, &params, f.word, f.sizes(), SLICE(to), SLICE(from), SLICE(by));
+    if (f.axes() < 4) return JormTGAcopyEx(xe, options, &params, f.word, f.sizes(), SLICE(to), SLICE(from), SLICE(by));
     jorm_pack pack;
     return jorma_call(jorma_zippackL(&pack, fourcc("copx"), to_proc(JormTGAcopyEx), xe, options, &params, f.word, 3,
                                      f.sizes(), PACKED_SLICE(to), PACKED_SLICE(from), PACKED_SLICE(by)));

@@ -56,7 +56,7 @@ inline void copy_units(CopyBytes copy, char *dst, int64_t dst_step, const char *
 }
 
 // Rows of bytes that each repeat a pattern of `period` (4, 8, 12, 16) bytes from its start on.
-void fill_rows(const MemoryRows &rows, void *dst, int64_t row_stride, int64_t count, int64_t row_bytes, int32_t period,
-               const void *pattern);
+void fill_rows(const MemoryRows &kernels, void *dst, int64_t row_stride, int64_t rows, int64_t row_bytes,
+               int32_t period, const void *pattern);
 
 } // namespace jorm

@@ -25,9 +25,10 @@ int64_t fill(uint64_t options, uint32_t word, const int32_t *size, const Operand
     const bool dense_channels = shape.channels == 1 || channel_stride(shape, dst) == element;
     if (dense_channels && (step == pixel || shape.pixels == 1)) {
         const int64_t row_bytes = shape.pixels * pixel;
-        const bool one_run = rows == row_bytes && shape.rows <= INT64_MAX / row_bytes;
-        fill_rows(kernels, dst.start, rows, one_run ? 1 : shape.rows, one_run ? row_bytes * shape.rows : row_bytes,
-                  4 * shape.channels, pattern);
+        int64_t all;
+        const bool one_run = rows == row_bytes && !__builtin_mul_overflow(row_bytes, int64_t(shape.rows), &all);
+        fill_rows(kernels, dst.start, rows, one_run ? 1 : shape.rows, one_run ? all : row_bytes, 4 * shape.channels,
+                  pattern);
         return JORM_OK;
     }
     const int64_t unit = dense_channels ? pixel : element;
@@ -63,7 +64,7 @@ JORM_API int64_t JormFill(jorm_xe *xe, uint64_t options, const jorm_array *dst, 
     Front f;
     if (const int64_t status = negotiate(f, dst, roi); status != JORM_OK) return status;
     const Operand &to = f.operand[0];
-    if (dst->ndims < 4) return JormTGAfill(xe, options, values, f.word, f.sizes(), SLICE(to));
+    if (f.axes() < 4) return JormTGAfill(xe, options, values, f.word, f.sizes(), SLICE(to));
     jorm_pack pack;
     return jorma_call(jorma_genpackL(&pack, fourcc("fill"), to_proc(JormTGAfill), xe, options, values, f.word, 3,
                                      f.sizes(), PACKED_SLICE(to)));
@@ -116,7 +117,7 @@ int64_t fill_ex(jorm_xe *xe, uint64_t options, const jorm_array *dst, const jorm
     if (const int64_t type_status = check_masked(to.type, by.type); type_status != JORM_OK) return type_status;
     Detached selection;
     if (const int64_t moved = selection.move_from(to, xe, options, f, by); moved != JORM_OK) return moved;
-    if (dst->ndims < 4) return JormTGAfillEx(xe, options, &params, f.word, f.sizes(), SLICE(to), SLICE(by));
+    if (f.axes() < 4) return JormTGAfillEx(xe, options, &params, f.word, f.sizes(), SLICE(to), SLICE(by));
     jorm_pack pack;
     return jorma_call(jorma_mappackL(&pack, fourcc("filx"), to_proc(JormTGAfillEx), xe, options, &params, f.word, 3,
                                      f.sizes(), PACKED_SLICE(to), PACKED_SLICE(by)));

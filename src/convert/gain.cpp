@@ -74,7 +74,7 @@ JORM_API int64_t JormGain(jorm_xe *xe, uint64_t options, const jorm_array *dst, 
     if (const int64_t status = negotiate(f, dst, roi, {{src, at}}); status != JORM_OK) return status;
     const Operand &to = f.operand[0];
     Operand &from = f.operand[1];
-    if (dst->ndims < 4) return gain_slice(xe, options, f.word, f.sizes(), to, from, gain, offset);
+    if (f.axes() < 4) return gain_slice(xe, options, f.word, f.sizes(), to, from, gain, offset);
     int line;
     if (const int64_t status = check_types(line, to.type, from.type); status != JORM_OK) return status;
     Detached kept; // planes may get in each other's way too

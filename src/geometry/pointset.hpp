@@ -22,12 +22,11 @@ template <class F> const Pt<F> *lowest(const Pt<F> *points, int32_t n) {
 
 // The way a, b, q turns clockwise where y points up when left > right, and not at all when both are equal.
 template <class F> struct Turn {
+    using Wide = typename F::Wide;
     Product<F> left, right;
-    Turn(const Pt<F> &a, const Pt<F> &b, const Pt<F> &q) {
-        using Wide = typename F::Wide;
-        left = Product<F>(Wide(b.y) - a.y) * (Wide(q.x) - a.x);
-        right = Product<F>(Wide(b.x) - a.x) * (Wide(q.y) - a.y);
-    }
+    Turn(const Pt<F> &a, const Pt<F> &b, const Pt<F> &q)
+        : left(Product<F>(Wide(b.y) - a.y) * (Wide(q.x) - a.x)),
+          right(Product<F>(Wide(b.x) - a.x) * (Wide(q.y) - a.y)) {}
 };
 
 template <class F> int32_t all_colinear(const Pt<F> *points, int32_t n) {

@@ -48,7 +48,9 @@ inline int64_t read_shape(Shape &shape, uint32_t word, const int32_t *size) {
 
 inline int32_t row_stride(const Shape &s, const Operand &o) { return s.axes == 3 ? o.stride[0] : 0; }
 inline int32_t pixel_stride(const Shape &s, const Operand &o) { return o.stride[s.axes - 2]; }
-inline int32_t channel_stride(const Shape &s, const Operand &o) { return o.stride[s.axes - 1]; }
+inline int32_t channel_stride(const Shape &s, const Operand &o) {
+    return o.stride[s.axes - 1]; // NOLINT(clang-analyzer-core.NullDereference): checked with the start
+}
 
 // Do the channels of every operand fold into the rows: are the pixels dense?
 inline bool channels_fold(const Shape &s, const Operand *operands, int count) {
