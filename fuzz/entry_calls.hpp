@@ -1,0 +1,400 @@
+// Calls of entries with random arguments over guarded memory. One table line an entry; arguments are made by their
+// types. Each call runs with and without vectorised kernels, and once more with its sources moved out of the way of
+// its destination: status and bytes are the same. A refused call writes nothing, others only the destination's elements.
+#pragma once
+#include "harness.hpp"
+
+#include <tuple>
+
+namespace fuzz {
+
+struct Outputs { // what entries answer besides arrays
+    double numbers[2][16];
+    vrng ranges[8];
+    jorm_minmax minmax;
+    uint32_t bins[8];
+    jorm_histogram histogram[8];
+    uint32_t counters[8][300];
+};
+
+class World {
+public:
+    World(ByteReader &reader, const char *roles) : r(reader), roles_(roles) {
+        static const int32_t widths[] = {1, 2, 3, 7, 16, 31, 40, 65, 130};
+        static const uint32_t types[] = {JORM_U8,  JORM_U8,  JORM_S16, JORM_F32, JORM_S32, JORM_S8, JORM_U16,
+                                         JORM_U32, JORM_F64, JORM_U64, JORM_S64, 15,       0,       7};
+        type_ = r.of(types);
+        ndims_ = r.one_in(3) ? 4 : 3;
+        extent_[0] = ndims_ == 4 ? r.in(1, 3) : 1;
+        extent_[1] = r.in(1, 9);
+        extent_[2] = r.of(widths) - r.in(0, 1) % r.in(1, 3);
+        if (extent_[2] < 1) extent_[2] = 1;
+        extent_[3] = r.one_in(2) ? r.in(1, 4) : 1;
+        Noise noise(r.word());
+        const int style = r.in(0, 3);
+        for (Guarded &m : All{memory()})
+            for (size_t i = 0; i < Guarded::bytes; i += 4) {
+                uint32_t w = noise();
+                if (style == 1) w = (w & 3) == 0 ? 0xFFFFFFFF : w & 0x01010101;
+                if (style == 2) { // single precision of common size
+                    const float f = float(int32_t(w) >> 12) * 0.125f;
+                    std::memcpy(&w, &f, 4);
+                }
+                std::memcpy(m.start + i, &w, 4);
+            }
+        out = {};
+        for (auto &list : out.numbers)
+            for (double &v : list) v = r.number();
+        for (vrng &v : out.ranges) v = {r.number(), r.number()};
+        out.minmax.request = r.in(0, 3);
+        for (uint32_t &n : out.bins) n = uint32_t(r.in(0, 300));
+        for (int i = 0; i < 8; ++i) {
+            jorm_histdesc d = {};
+            d.nbins = uint32_t(r.in(0, 299));
+            d.lo = r.number(), d.hi = r.one_in(3) ? r.number() : d.lo + 255;
+            jorm_hist_inithdr(&out.histogram[i], &d);
+            out.histogram[i].bins = r.one_in(20) ? nullptr : out.counters[i];
+        }
+    }
+
+    // ---- Arguments by type ----
+
+    jorm_xe *draw(jorm_xe **) { return r.one_in(12) ? nullptr : environment(); }
+    uint64_t draw(uint64_t *) {
+        static const uint64_t bits[] = {0, JORM_OPT_MASK_INVERT, JORM_OPT_FAST, 0x10, 0x50, JORM_OPT_OWN_BORDER, 1};
+        uint64_t options = r.of(bits) | r.of(bits);
+        if (r.one_in(8)) options = r.wide();
+        return options & ~(JORM_OPT_NO_BORDER | JORM_OPT_NO_SIMD); // pixels around are not vouched for
+    }
+    int32_t draw(int32_t *) { return r.one_in(3) ? r.one_in(4) ? r.hostile_int() : r.in(-40, 40) : 0; }
+    uint32_t draw(uint32_t *) { return r.one_in(16) ? r.word() : uint32_t(r.one_in(3) ? r.in(0, 127) : r.in(0, 9)); }
+    const jorm_site *draw(const jorm_site **) {
+        if (!r.one_in(2)) return nullptr;
+        jorm_site &s = site_[sites_++ % 3];
+        for (int i = 0; i < 4; ++i) {
+            s.origin[i] = r.one_in(3) ? r.in(-4, extent_[i] + 2) : 0;
+            s.size[i] = r.one_in(3) ? r.in(-1, extent_[i] + 4) : extent_[i];
+            if (r.one_in(24)) s.origin[i] = r.hostile_int();
+            if (r.one_in(24)) s.size[i] = r.hostile_int();
+        }
+        return &s;
+    }
+    const int32_t *draw(const int32_t **) {
+        if (!r.one_in(2)) return nullptr;
+        int32_t *const v = point_[points_++ % 3];
+        for (int i = 0; i < 4; ++i) v[i] = r.one_in(24) ? r.hostile_int() : r.one_in(2) ? r.in(-4, extent_[i] + 1) : 0;
+        return v;
+    }
+    const double *draw(const double **) {
+        if (r.one_in(6)) return nullptr;
+        double *const v = number_[numbers_++ % 4];
+        for (int i = 0; i < 16; ++i) v[i] = r.number();
+        return v;
+    }
+    double *draw(double **) { return r.one_in(16) ? nullptr : out.numbers[outputs_++ % 2]; }
+    vrng *draw(vrng **) { return r.one_in(4) ? nullptr : out.ranges; }
+    uint32_t *draw(uint32_t **) { return r.one_in(4) ? nullptr : out.bins; }
+    jorm_minmax *draw(jorm_minmax **) { return r.one_in(16) ? nullptr : &out.minmax; }
+    jorm_histogram *draw(jorm_histogram **) { return r.one_in(16) ? nullptr : out.histogram; }
+    const vrng *draw(const vrng **) {
+        if (r.one_in(3)) return nullptr;
+        for (vrng &v : range_) v = {r.number(), r.number()};
+        return range_;
+    }
+    const jorm_border *draw(const jorm_border **) {
+        if (r.one_in(16)) return nullptr;
+        border_ = {r.one_in(8) ? r.word() : uint32_t(r.in(3, 7)), 0, {}};
+        for (double &v : border_.values) v = r.number();
+        return &border_;
+    }
+    const jorm_seshape *draw(const jorm_seshape **) {
+        if (r.one_in(6)) return nullptr;
+        draw_shape(shape_, true);
+        return &shape_;
+    }
+    const jorm_sepkernel *draw(const jorm_sepkernel **) {
+        if (r.one_in(16)) return nullptr;
+        draw_shape(kernel_.shape, false);
+        const bool whole = r.one_in(3);
+        for (auto &axis : weights_)
+            for (double &w : axis) w = whole ? r.in(-3, 3) : r.one_in(8) ? r.number() : r.in(0, 100) * 0.01;
+        for (int i = 0; i < 3; ++i) kernel_.kernel[i] = r.one_in(16) ? nullptr : weights_[i];
+        return &kernel_;
+    }
+    const jorm_strel *draw(const jorm_strel **) {
+        if (r.one_in(12)) return nullptr;
+        for (int32_t &a : strel_.anchor) a = r.in(0, 3);
+        const int32_t extent[4] = {r.one_in(6) ? 2 : 1, r.in(1, 9), r.in(1, 9), 1};
+        lay_out(strel_.mask, JORM_U8, extent[0] > 1 ? 4 : 3, extent, *mask_memory(), false);
+        if (r.one_in(8)) break_up(strel_.mask);
+        return &strel_;
+    }
+    const jorm_thhmethod *draw(const jorm_thhmethod **) {
+        if (r.one_in(4)) return nullptr;
+        static const uint32_t words[] = {0, 3, 4, 5, 19, 20, 21, 9};
+        method_ = {r.of(words), 0, {}, {}};
+        for (vrng &v : method_.ranges) v = {r.number(), r.number()};
+        for (uint32_t &n : method_.bins) n = uint32_t(r.in(0, 300));
+        return &method_;
+    }
+
+    // One array after the other, as the roles say: d destination, s source, m mask.
+    const jorm_array *draw(const jorm_array **) {
+        const char role = roles_[arrays_];
+        const int i = arrays_++;
+        jorm_array &a = array_[i];
+        int32_t extent[4];
+        std::memcpy(extent, extent_, sizeof extent);
+        int ndims = ndims_;
+        uint32_t type = type_;
+        if (role == 'm') type = r.one_in(8) ? type_ : uint32_t(r.one_in(4) ? JORM_S8 : JORM_U8), extent[3] = r.one_in(3) ? extent[3] : 1;
+        else if (r.one_in(4)) {
+            static const uint32_t types[] = {JORM_U8, JORM_S16, JORM_S32, JORM_F32, JORM_S8, JORM_U16, JORM_F64};
+            type = r.of(types);
+        }
+        if (role != 'd' && r.one_in(16)) return nullptr;
+        if (role != 'd' && i > 0 && r.one_in(6)) return a = array_[0], moved(a, i), &a; // in place
+        for (int k = 1; k < 3; ++k)
+            if (r.one_in(5)) extent[k] = r.in(1, extent[k] + 2);
+        if (r.one_in(12)) extent[3] = r.in(1, 4);
+        if (role != 'd' && ndims == 4 && r.one_in(6)) ndims = 3, extent[0] = 1;
+        block_[i] = role == 'd' || r.one_in(6) ? 0 : 1 + i % 2;
+        lay_out(a, type, ndims, extent, memory()[block_[i]], role != 'd');
+        if (role == 'd') has_destination_ = true;
+        if (r.one_in(10)) break_up(a);
+        return r.one_in(40) ? nullptr : &a;
+    }
+
+    // ---- What a call may and may not do ----
+
+    struct State {
+        uint8_t bytes[3][Guarded::bytes];
+        Outputs out;
+    };
+    void save(State &s) const {
+        for (int i = 0; i < 3; ++i) std::memcpy(s.bytes[i], memory()[i].start, Guarded::bytes);
+        s.out = out;
+    }
+    void restore(const State &s) {
+        for (int i = 0; i < 3; ++i) std::memcpy(memory()[i].start, s.bytes[i], Guarded::bytes);
+        out = s.out;
+    }
+    // The sources that share the destination's memory are read from a copy of it.
+    bool set_sources_apart(const State &s) {
+        bool any = false;
+        std::memcpy(spare()->start, s.bytes[0], Guarded::bytes);
+        for (int i = 1; i < arrays_; ++i)
+            if (roles_[i] != 'd' && block_[i] == 0 && array_[i].base) {
+                array_[i].base = static_cast<uint8_t *>(array_[i].base) + (spare()->start - memory()[0].start);
+                any = true;
+            }
+        return any;
+    }
+    // NaN is one value here; which one it is may depend on the order of operands.
+    void settle_nan(State &s) const {
+        for (auto &list : s.out.numbers) settle(list, 16);
+        for (vrng &v : s.out.ranges) settle(&v.lo, 2);
+        if (!destination_in_order()) return;
+        each_byte_run(array_[0], [&](size_t offset, int size) {
+            float f;
+            double d;
+            uint8_t *const p = s.bytes[0] + offset;
+            if (array_[0].eltype == JORM_F32 && (std::memcpy(&f, p, 4), f != f)) std::memset(p, 0xFF, size_t(size));
+            if (array_[0].eltype == JORM_F64 && (std::memcpy(&d, p, 8), d != d)) std::memset(p, 0xFF, size_t(size));
+        });
+    }
+    bool same(const State &a, const State &b) const {
+        return std::memcmp(a.bytes, b.bytes, sizeof a.bytes) == 0 && std::memcmp(&a.out, &b.out, sizeof a.out) == 0;
+    }
+    bool only_destination_written(const State &before, const State &after) const {
+        static uint8_t may[Guarded::bytes];
+        std::memset(may, 0, sizeof may);
+        if (destination_in_order())
+            each_byte_run(array_[0], [&](size_t offset, int size) { std::memset(may + offset, 1, size_t(size)); });
+        for (size_t i = 0; i < Guarded::bytes; ++i)
+            if (!may[i] && before.bytes[0][i] != after.bytes[0][i]) return false;
+        return std::memcmp(before.bytes[1], after.bytes[1], 2 * Guarded::bytes) == 0 &&
+               (!has_destination_ || std::memcmp(&before.out.minmax, &after.out.minmax, sizeof out.minmax) == 0);
+    }
+
+    Outputs out;
+
+private:
+    static Guarded *memory() {
+        static Guarded blocks[3];
+        return blocks;
+    }
+    struct All {
+        Guarded *first;
+        Guarded *begin() const { return first; }
+        Guarded *end() const { return first + 3; }
+    };
+    static Guarded *spare() {
+        static Guarded block;
+        return &block;
+    }
+    static Guarded *mask_memory() {
+        static Guarded block;
+        return &block;
+    }
+    static jorm_xe *environment() {
+        static jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
+        return xe;
+    }
+    static void settle(double *v, int n) {
+        for (int i = 0; i < n; ++i)
+            if (v[i] != v[i]) v[i] = NAN;
+    }
+
+    void draw_shape(jorm_seshape &s, bool wild) {
+        for (int i = 0; i < 4; ++i) {
+            s.extent[i] = i == 0 ? r.one_in(5) ? r.in(-2, 3) : 1 : r.one_in(5) ? r.in(-3, 40) : r.in(1, 9);
+            s.anchor[i] = r.one_in(4) ? r.in(-3, 12) : s.extent[i] / 2;
+            if (wild && r.one_in(32)) s.anchor[i] = r.hostile_int();
+        }
+    }
+    void moved(jorm_array &, int i) { block_[i] = block_[0]; }
+
+    // A view of a parent whose memory begins or ends at a guard page.
+    void lay_out(jorm_array &a, uint32_t type, int ndims, const int32_t *extent, Guarded &where, bool may_repeat) {
+        const int element = bytes_of(type);
+        const bool dense = !r.one_in(2), view = r.one_in(3);
+        int order[4] = {3, 2, 1, 0};
+        if (!dense && r.one_in(3)) std::swap(order[0], order[1]);
+        if (!dense && r.one_in(4)) std::swap(order[1], order[2]);
+        a = {};
+        int64_t span = element, first = 0, start = 0;
+        for (const int k : order) {
+            const int32_t n = extent[k];
+            const bool used = k >= 4 - ndims;
+            const int32_t before = view && used && k > 0 && k < 3 ? r.in(0, 3) : 0;
+            const int32_t whole = n + before + (view && used && k > 0 && k < 3 ? r.in(0, 3) : 0);
+            a.extent[k] = uint32_t(n);
+            a.parent_extent[k] = uint32_t(whole);
+            a.stride[k] = int32_t(r.one_in(2) ? 0x7FFFFFF8 : 0); // not read for three axes
+            if (!used) continue;
+            int64_t step = span + (!dense && r.one_in(3) ? element * r.in(1, 2) : 0);
+            if (!dense && may_repeat && r.one_in(12)) step = 0;
+            const bool backwards = !dense && r.one_in(5);
+            a.stride[k] = int32_t(backwards ? -step : step);
+            first += backwards ? (whole - 1) * step : 0;
+            start += before * int64_t(a.stride[k]);
+            span += (whole - 1) * step;
+        }
+        if (extent[3] == 4 && r.one_in(2)) a.extent[3] = 11;
+        a.parent_extent[3] = a.extent[3];
+        a.ndims = uint16_t(ndims);
+        a.eltype = type;
+        if (span > int64_t(Guarded::bytes)) {
+            const int32_t row[4] = {1, 1, extent[2], extent[3]};
+            return lay_out(a, type, ndims, row, where, may_repeat);
+        }
+        uint8_t *const lowest = r.one_in(2) ? where.start : where.end() - span;
+        const bool from_lowest = !view && r.one_in(2);
+        a.base = lowest + (from_lowest ? 0 : first);
+        a.loff = int32_t(start + (from_lowest ? first : 0));
+    }
+
+    // Breaks a descriptor in a way that makes it describe nothing, or less.
+    void break_up(jorm_array &a) {
+        static const uint32_t channels[] = {0, 5, 6, 7, 12, 13, 14, 15, 16, 0x80000001};
+        static const uint32_t types[] = {0, 5, 6, 7, 8, 15, 16, 0x10001, 0xFFFFFFFF};
+        const int k = r.in(4 - (a.ndims == 4), 3) % 4;
+        switch (r.in(0, 7)) {
+        case 0: a.base = nullptr; break;
+        case 1: a.eltype = r.of(types); break;
+        case 2: a.ndims = uint16_t(r.in(0, 2)); break;
+        case 3: a.ndims = uint16_t(r.in(5, 300)); break;
+        case 4: a.extent[k == 3 ? 2 : k] = 0; break;
+        case 5: a.extent[1 + r.in(0, 1)] = uint32_t(-r.in(1, 300)); break;
+        case 6: a.extent[3] = r.of(channels); break;
+        default: a.parent_extent[1 + r.in(0, 1)] = 0;
+        }
+    }
+
+    bool destination_in_order() const {
+        const jorm_array &a = array_[0];
+        if (!has_destination_ || !a.base || (a.ndims != 3 && a.ndims != 4)) return false;
+        for (int k = 0; k < 3; ++k)
+            if (int32_t(a.extent[k]) < 1 || a.extent[k] > 1000) return false;
+        const bool sized = (a.eltype >= 1 && a.eltype <= 4) || (a.eltype >= 9 && a.eltype <= 14);
+        return sized && channels_of(a) >= 1 && channels_of(a) <= 4 && a.extent[3] < 16;
+    }
+    static int channels_of(const jorm_array &a) { return int(a.extent[3] & 7) + int(a.extent[3] >> 3 & 1); }
+    template <class F> static void each_byte_run(const jorm_array &a, F f) {
+        const int planes = a.ndims == 4 ? int(a.extent[0]) : 1;
+        const uint8_t *const start = static_cast<const uint8_t *>(a.base) + a.loff;
+        for (int z = 0; z < planes; ++z)
+            for (uint32_t y = 0; y < a.extent[1]; ++y)
+                for (uint32_t x = 0; x < a.extent[2]; ++x)
+                    for (int c = 0; c < channels_of(a); ++c) {
+                        const uint8_t *const p = start + (planes > 1 ? int64_t(z) * a.stride[0] : 0) +
+                                                 int64_t(y) * a.stride[1] + int64_t(x) * a.stride[2] +
+                                                 int64_t(c) * a.stride[3];
+                        f(size_t(p - memory()[0].start), bytes_of(a.eltype));
+                    }
+    }
+
+    ByteReader &r;
+    const char *roles_;
+    uint32_t type_;
+    int ndims_;
+    int32_t extent_[4];
+    jorm_array array_[5] = {};
+    int block_[5] = {};
+    int arrays_ = 0, sites_ = 0, points_ = 0, numbers_ = 0, outputs_ = 0;
+    bool has_destination_ = false;
+    jorm_site site_[3];
+    int32_t point_[3][4];
+    double number_[4][16], weights_[3][64];
+    vrng range_[8];
+    jorm_border border_;
+    jorm_seshape shape_;
+    jorm_sepkernel kernel_;
+    jorm_strel strel_;
+    jorm_thhmethod method_;
+};
+
+template <class... A> void call(const char *name, int64_t (*entry)(A...), const char *roles, ByteReader &r) {
+    static World::State before, plain, other;
+    World world(r, roles);
+    std::tuple<A...> arguments{world.draw(static_cast<A *>(nullptr))...}; // braces: from left to right
+    world.save(before);
+    _G_jorm_use_simd = 1;
+    const int64_t status = std::apply(entry, arguments);
+    world.save(plain);
+    if (status < 0) check(world.same(before, plain), name, "written although refused");
+    check(world.only_destination_written(before, plain), name, "written beside the destination");
+    world.settle_nan(plain);
+
+    const auto again = [&](const char *what, bool may_refuse) {
+        const int64_t answer = std::apply(entry, arguments);
+        world.save(other);
+        world.settle_nan(other);
+        if (may_refuse && (answer < 0 || status < 0)) return;
+        check(answer == status, name, what);
+        check(world.same(plain, other), name, what);
+    };
+    world.restore(before);
+    std::get<1>(arguments) |= JORM_OPT_NO_SIMD;
+    again("the switch makes a difference", false);
+    world.restore(before);
+    if (world.set_sources_apart(before)) again("overlap makes a difference", true);
+}
+
+struct Entry {
+    const char *name;
+    void (*run)(const Entry &, ByteReader &);
+    const char *roles;
+};
+template <auto entry> void run_entry(const Entry &line, ByteReader &r) { call(line.name, entry, line.roles, r); }
+#define JORM_FUZZ_ENTRY(name, roles) fuzz::Entry{#name, fuzz::run_entry<name>, roles}
+
+template <size_t n> int run_any(const Entry (&table)[n], const uint8_t *data, size_t size) {
+    ByteReader r(data, size);
+    const Entry &line = table[r.byte() % n];
+    line.run(line, r);
+    return 0;
+}
+
+} // namespace fuzz
