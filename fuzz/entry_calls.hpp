@@ -1,6 +1,7 @@
 // Calls of entries with random arguments over guarded memory. One table line an entry; arguments are made by their
 // types. Each call runs with and without vectorised kernels, and once more with its sources moved out of the way of
-// its destination: status and bytes are the same. A refused call writes nothing, others only the destination's elements.
+// its destination: status and bytes are the same. A refused call writes nothing, others only the destination's
+// elements.
 #pragma once
 #include "harness.hpp"
 
@@ -149,12 +150,14 @@ public:
         std::memcpy(extent, extent_, sizeof extent);
         int ndims = ndims_;
         uint32_t type = type_;
-        if (role == 'm') type = r.one_in(8) ? type_ : uint32_t(r.one_in(4) ? JORM_S8 : JORM_U8), extent[3] = r.one_in(3) ? extent[3] : 1;
+        if (role == 'm')
+            type = r.one_in(8) ? type_ : uint32_t(r.one_in(4) ? JORM_S8 : JORM_U8),
+            extent[3] = r.one_in(3) ? extent[3] : 1;
         else if (r.one_in(4)) {
             static const uint32_t types[] = {JORM_U8, JORM_S16, JORM_S32, JORM_F32, JORM_S8, JORM_U16, JORM_F64};
             type = r.of(types);
         }
-        block_[i] = 0;
+        block_[i] = block_[0];
         if (role != 'd' && r.one_in(16)) return in_place_ |= strict, nullptr;
         if (role != 'd' && !(role == 'm' && strict) && i > 0 && r.one_in(6)) {
             in_place_ |= strict;
@@ -229,15 +232,16 @@ public:
     void describe() const {
         for (int i = 0; i < arrays_; ++i) {
             const jorm_array &a = array_[i];
-            std::fprintf(stderr, "array %d (%c): type %u, axes %d, block %d, base %td, loff %d\n", i, roles_[i], a.eltype,
-                         a.ndims, block_[i], a.base ? static_cast<uint8_t *>(a.base) - memory()[block_[i]].start : -1,
-                         a.loff);
+            std::fprintf(stderr, "array %d (%c): type %u, axes %d, block %d, base %td, loff %d\n", i, roles_[i],
+                         a.eltype, a.ndims, block_[i],
+                         a.base ? static_cast<uint8_t *>(a.base) - memory()[block_[i]].start : -1, a.loff);
             for (int k = 0; k < 4; ++k)
-                std::fprintf(stderr, "  extent %d of %d, stride %d\n", int32_t(a.extent[k]), int32_t(a.parent_extent[k]),
-                             a.stride[k]);
+                std::fprintf(stderr, "  extent %d of %d, stride %d\n", int32_t(a.extent[k]),
+                             int32_t(a.parent_extent[k]), a.stride[k]);
         }
         for (int i = 0; i < sites_ && i < 3; ++i)
-            for (int k = 0; k < 4; ++k) std::fprintf(stderr, "site %d: %d + %d\n", i, site_[i].origin[k], site_[i].size[k]);
+            for (int k = 0; k < 4; ++k)
+                std::fprintf(stderr, "site %d: %d + %d\n", i, site_[i].origin[k], site_[i].size[k]);
         for (int i = 0; i < points_ && i < 3; ++i)
             for (int k = 0; k < 4; ++k) std::fprintf(stderr, "point %d: %d\n", i, point_[i][k]);
     }
@@ -325,14 +329,29 @@ private:
         static const uint32_t types[] = {0, 5, 6, 7, 8, 15, 16, 0x10001, 0xFFFFFFFF};
         const int k = r.in(4 - (a.ndims == 4), 3) % 4;
         switch (r.in(0, 7)) {
-        case 0: a.base = nullptr; break;
-        case 1: a.eltype = r.of(types); break;
-        case 2: a.ndims = uint16_t(r.in(0, 2)); break;
-        case 3: a.ndims = uint16_t(r.in(5, 300)); break;
-        case 4: a.extent[k == 3 ? 2 : k] = 0; break;
-        case 5: a.extent[1 + r.in(0, 1)] = uint32_t(-r.in(1, 300)); break;
-        case 6: a.extent[3] = r.of(channels); break;
-        default: a.parent_extent[1 + r.in(0, 1)] = 0;
+        case 0:
+            a.base = nullptr;
+            break;
+        case 1:
+            a.eltype = r.of(types);
+            break;
+        case 2:
+            a.ndims = uint16_t(r.in(0, 2));
+            break;
+        case 3:
+            a.ndims = uint16_t(r.in(5, 300));
+            break;
+        case 4:
+            a.extent[k == 3 ? 2 : k] = 0;
+            break;
+        case 5:
+            a.extent[1 + r.in(0, 1)] = uint32_t(-r.in(1, 300));
+            break;
+        case 6:
+            a.extent[3] = r.of(channels);
+            break;
+        default:
+            a.parent_extent[1 + r.in(0, 1)] = 0;
         }
     }
 
@@ -412,7 +431,8 @@ struct Entry {
     const char *roles;
 };
 template <auto entry> void run_entry(const Entry &line, ByteReader &r) { call(line.name, entry, line.roles, r); }
-#define JORM_FUZZ_ENTRY(name, roles) fuzz::Entry{#name, fuzz::run_entry<name>, roles}
+#define JORM_FUZZ_ENTRY(name, roles)                                                                                   \
+    fuzz::Entry { #name, fuzz::run_entry < name>, roles }
 
 template <size_t n> int run_any(const Entry (&table)[n], const uint8_t *data, size_t size) {
     ByteReader r(data, size);

@@ -45,11 +45,14 @@ int main(int argc, char **argv) {
     unsigned seed = 1;
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
-        if (argument.rfind("--seed=", 0) == 0) seed = unsigned(std::stoul(argument.substr(7)));
-        else if (argument.rfind("--random=", 0) == 0) run_random(std::stoul(argument.substr(9)), seed);
+        if (argument.rfind("--seed=", 0) == 0)
+            seed = unsigned(std::stoul(argument.substr(7)));
+        else if (argument.rfind("--random=", 0) == 0)
+            run_random(std::stoul(argument.substr(9)), seed);
         else if (std::filesystem::is_directory(argument))
             for (const auto &entry : std::filesystem::directory_iterator(argument)) run_file(entry.path());
-        else run_file(argument);
+        else
+            run_file(argument);
     }
     return 0;
 }
