@@ -79,7 +79,11 @@ TEST_F(Filter, ExtremaOfEveryWindow) {
     run(JORM_FILTER_NUL, 100, 3, false);
 }
 
-TEST_F(Filter, MeansOfEveryWindow) { run(JORM_FILTER_BOX, 3000, 40, true); }
+TEST_F(Filter, MeansOfEveryWindow) {
+    run(JORM_FILTER_BOX, 3000, 40, true);
+    run(JORM_FILTER_BOX, 40, 150, true);
+    run(JORM_FILTER_BOX, 12, 300, true);
+}
 
 TEST_F(Filter, OpeningsAndClosings) {
     for (const uint32_t kind : {JORM_FILTER_CLOSE, JORM_FILTER_OPEN, JORM_FILTER_BOTHAT, JORM_FILTER_TOPHAT})
