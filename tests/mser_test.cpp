@@ -256,6 +256,12 @@ TEST(Generation, StoresMemoryAndFailures) {
         EXPECT_EQ(m.regions.count, 0u);
         EXPECT_EQ(m.dark_store, &m.embedded[0]);
     }
+    { // Refused before there is anything to release.
+        Mser m;
+        prepare(m);
+        EXPECT_EQ(JormGenerateMSERs(xe, 0, &wide, nullptr, &m), JORM_EINVAL);
+        EXPECT_EQ(m.regions.data, nullptr);
+    }
     if (!own_heap) return;
     const int requests = for_each_failure("generation", [&] {
         Mser m;

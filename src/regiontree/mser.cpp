@@ -83,7 +83,7 @@ public:
         for (int i = 0; i < passes; ++i) {
             jorm_fwtsres *const own = &m_->embedded[i];
             if (own->storage) JormFWTSRESfini(own);
-            if (wants(i) && *store_[i] != own) RegionPool::release(*store_[i]);
+            if (wants(i) && *store_[i] && *store_[i] != own) RegionPool::release(*store_[i]);
             *store_[i] = nullptr;
         }
         _UlMfree(m_->regions.data);
