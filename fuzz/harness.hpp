@@ -35,7 +35,8 @@ public:
         const uint64_t high = word();
         return high << 32 | word();
     }
-    int in(int low, int high) {
+    int in(int low, int high) { // low when there is nothing in between
+        if (high <= low) return low;
         const int high_byte = high - low > 255 ? byte() : 0;
         return low + (high_byte << 8 | byte()) % (high - low + 1);
     }
