@@ -66,7 +66,7 @@ def members(code):
             return re.sub(r";\n", "; /**< See the record. */\n", text)
         text = re.sub(r"/\*(?!\*)", "/**<", text)
         return re.sub(r"(\w,?)\n", r"\1 /**< See above. */\n", text)
-    return re.sub(r"^(typedef struct|struct|enum)\b[^;{]*\{[^\n]*\n.*?^\}", record, code, flags=re.M | re.S)
+    return re.sub(r"^(typedef struct|struct|enum)\b[^;{]*\{[^\n}]*\n.*?^\}", record, code, flags=re.M | re.S)
 
 
 first, text = True, ""
