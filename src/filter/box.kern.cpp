@@ -1,6 +1,7 @@
 // Rows of means.
 #include "filter/column_rows.kern.hpp"
 #include "filter/mean_rows.hpp"
+#include "kernel/level_words.hpp"
 
 namespace jorm::JORM_LEVEL {
 namespace {
@@ -118,23 +119,18 @@ void mean_bytes(u8 *to, const u16 *even, const u16 *odd, int64_t n, const ByteMe
 
 // ---- Large windows of bytes: differences of sums from the beginning of the row ----
 
-#if defined(__AVX512F__)
-constexpr int lanes = 16;
+constexpr int lanes = register_bytes / 4;
+#if defined(JORM_LEVEL_avx512)
 #define LANES 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15
-#elif defined(__AVX2__)
-constexpr int lanes = 8;
+#elif defined(JORM_LEVEL_avx2)
 #define LANES 0, 1, 2, 3, 4, 5, 6, 7
 #else
-constexpr int lanes = 4;
 #define LANES 0, 1, 2, 3
 #endif
-typedef u16 NarrowLanes __attribute__((vector_size(2 * lanes)));
-typedef uint32_t WideLanes __attribute__((vector_size(4 * lanes)));
+using WideLanes = VectorOf<uint32_t, lanes>;
 
 [[gnu::always_inline]] inline WideLanes load_lanes(const u16 *p) {
-    NarrowLanes v;
-    __builtin_memcpy(&v, p, sizeof v);
-    return __builtin_convertvector(v, WideLanes);
+    return converted<uint32_t, lanes, u16>(read<VectorOf<u16, lanes>>(p));
 }
 template <int... I> struct LaneList {
     // K lanes up; zeros come in.
