@@ -3,7 +3,6 @@
 #include "jorm/arith.h"
 #include "jorm/convert.h"
 #include "jorm/shapes.h"
-#include "kernel/level_table.hpp"
 #include "xe/scratch.hpp"
 
 #include <algorithm>
@@ -13,21 +12,7 @@
 
 namespace jorm {
 
-JORM_LEVEL_TABLE(const Rows *const, binary_rows);
-JORM_LEVEL_TABLE(const Rows *const, constant_rows);
-JORM_LEVEL_TABLE(const Rows *const, ternary_rows);
-JORM_LEVEL_TABLE(const Rows *const, ternary_constant_rows);
-JORM_LEVEL_TABLE(const Rows *const, unary_rows);
-
 namespace {
-
-const Rows &find_rows(Level level, Family family, int line) {
-    if (family < family_addC) return JORM_OF_LEVEL(binary_rows, level)[family][line];
-    if (family < family_mla) return JORM_OF_LEVEL(constant_rows, level)[family - family_addC][line];
-    if (family < family_mlaC) return JORM_OF_LEVEL(ternary_rows, level)[family - family_mla][line];
-    if (family < family_neg) return JORM_OF_LEVEL(ternary_constant_rows, level)[family - family_mlaC][line];
-    return JORM_OF_LEVEL(unary_rows, level)[family - family_neg][line];
-}
 
 // ------------------------------------------------------------------ constants
 
@@ -145,20 +130,18 @@ private:
 enum class Variant { plain, pattern, scaled, real };
 
 // Rows in double precision are exact for whole numbers as well, as long as no result leaves 32 bits.
-bool fits_real_rows(Family family, const Constants &constants) {
+bool fits_real_rows(const Family &family, const Constants &constants) {
     const ArithCall &call = constants.call;
-    const FamilyKeys &keys = family_keys[family];
-    const bool squares = family == family_addsqC || family == family_subsqC;
     double bound = 1;
-    for (int i = 1; i <= keys.sources; ++i)
+    for (int i = 1; i <= family.sources; ++i)
         bound = std::max(bound, std::ldexp(1.0, 8 * element_size(call.operand[i].type)));
     return constants.all([&](double c) {
         const double most = 2 * (bound + 1) * (std::fabs(c) + 1);
-        return std::ldexp(squares ? most * most : most, std::clamp(call.p, 0, 64)) < 2147483648.0;
+        return std::ldexp(family.squares ? most * most : most, std::clamp(call.p, 0, 64)) < 2147483648.0;
     });
 }
 
-Variant choose(Family family, const Rows &rows, const Rows &base, const Constants &constants) {
+Variant choose(const Family &family, const Rows &rows, const Rows &base, const Constants &constants) {
     const bool unscaled = constants.call.p == 0 || rows.rule == ConstantRule::rounded;
     if (unscaled && rows.plain && constants.all([&](double c) { return obeys(rows.rule, c); }))
         return constants.uniform() ? Variant::plain : Variant::pattern;
@@ -182,27 +165,26 @@ Row row_of(Variant variant, const Rows &rows, const Rows &base) {
 // --------------------------------------------------------------------- running
 
 // Constant forms: channels run together where their pixels are dense and their constants call for the same rows.
-void run_with_constants(Family family, const Rows &rows, const Rows &base, const Shape &shape, const ArithCall &call,
-                        RowParams &params, Level which) {
-    const FamilyKeys &keys = family_keys[family];
-    const int channels = shape.channels, operands = 1 + keys.sources;
+void run_with_constants(const Family &family, const Rows &rows, const Rows &base, const Shape &shape,
+                        const ArithCall &call, RowParams &params, Level which) {
+    const int channels = shape.channels, operands = 1 + family.sources;
     ConstantPattern pattern[2];
     params.constants[0] = &pattern[0];
     params.constants[1] = &pattern[1];
 
-    const Constants all = {call, keys.constants, 0, channels};
+    const Constants all = {call, family.constants, 0, channels};
     const Variant variant = choose(family, rows, base, all);
     bool together = channels_fold(shape, call.operand, operands);
     if (variant == Variant::real || variant == Variant::scaled)
         for (int c = 0; c < channels && channels > 1; ++c)
-            together = together && choose(family, rows, base, {call, keys.constants, c, 1}) == variant;
+            together = together && choose(family, rows, base, {call, family.constants, c, 1}) == variant;
     if (together) {
         all.lay_out(pattern, variant == Variant::plain ? 1 : pattern_length);
         // `params` ends with this call. NOLINTNEXTLINE(clang-analyzer-core.StackAddressEscape)
         return walk_channels(shape, call.operand, operands, row_of(variant, rows, base), params, which);
     }
     for (int c = 0; c < channels; ++c) {
-        const Constants one = {call, keys.constants, c, 1};
+        const Constants one = {call, family.constants, c, 1};
         const Variant own = choose(family, rows, base, one);
         one.lay_out(pattern, own == Variant::plain ? 1 : pattern_length);
         Walk w = make_walk(shape, call.operand, operands, c, which);
@@ -211,21 +193,20 @@ void run_with_constants(Family family, const Rows &rows, const Rows &base, const
 }
 
 // Runs the kernel on operands that have been checked and know their types.
-int64_t run(Family family, int line, const Shape &shape, ArithCall &call) {
+int64_t run(const Family &family, int line, const Shape &shape, ArithCall &call) {
     const Level which = level(call.options);
-    const Rows &rows = find_rows(which, family, line), &base = find_rows(level_base, family, line);
+    const Rows &rows = family.rows[which][line], &base = family.rows[level_base][line];
     Prepared constants;
-    if (family_keys[family].constants > 0) constants.prepare(rows.rule, shape.channels, call);
+    if (family.constants > 0) constants.prepare(rows.rule, shape.channels, call);
     RowParams params;
     if (call.p != 0) {
         params.shift = std::clamp(call.p, -200, 200); // from there on nothing changes
         params.scale = std::ldexp(1.0, std::clamp(call.p, -1000, 1000));
     }
-    const FamilyKeys &keys = family_keys[family];
-    if (keys.constants > 0)
+    if (family.constants > 0)
         run_with_constants(family, rows, base, shape, call, params, which);
     else
-        walk_channels(shape, call.operand, 1 + keys.sources,
+        walk_channels(shape, call.operand, 1 + family.sources,
                       row_of(call.p == 0 ? Variant::plain : Variant::scaled, rows, base), params, which);
     return JORM_OK;
 }
@@ -233,24 +214,6 @@ int64_t run(Family family, int line, const Shape &shape, ArithCall &call) {
 // ---------------------------------------------------------------------- strips
 
 constexpr int64_t strip_bytes = 32768;
-
-// Transcendental functions serve f32 alone; some operations want one type for all operands.
-bool converts(Family f) {
-    switch (f) {
-    case family_exp:
-    case family_ln:
-    case family_sigmoid:
-    case family_absdiff:
-    case family_min:
-    case family_max:
-    case family_absdiffC:
-    case family_minC:
-    case family_maxC:
-        return false;
-    default:
-        return true;
-    }
-}
 
 bool is_float(uint32_t type) { return type == JORM_F32; }
 
@@ -266,10 +229,10 @@ uint32_t key_of(const ArithCall &call, int sources, uint32_t dst) {
 }
 
 // Runs the kernel with a destination of the widest source's type, strip by strip, and converts each strip.
-int64_t run_through_strip(Family family, int line, uint32_t type, const Shape &shape, const ArithCall &call) {
+int64_t run_through_strip(const Family &family, int line, uint32_t type, const Shape &shape, const ArithCall &call) {
     if (!call.xe) return JORM_EINVAL;
     if (shape.rows < 1 || shape.pixels < 1) return JORM_OK;
-    const int sources = family_keys[family].sources;
+    const int sources = family.sources;
     const int64_t pixel = int64_t(element_size(type)) * shape.channels;
     const int32_t columns = int32_t(std::min<int64_t>(shape.pixels, strip_bytes / pixel));
     const int32_t height = int32_t(std::clamp<int64_t>(strip_bytes / (columns * pixel), 1, shape.rows));
@@ -309,93 +272,65 @@ int64_t run_through_strip(Family family, int line, uint32_t type, const Shape &s
 
 // -------------------------------------------------------------------- ordering
 
-// The operation with its first two sources exchanged; family_count when it may not be.
-Family exchanged(Family f) {
-    switch (f) {
-    case family_sub:
-        return family_rsub;
-    case family_rsub:
-        return family_sub;
-    case family_subq:
-        return family_rsubq;
-    case family_rsubq:
-        return family_subq;
-    case family_add:
-    case family_mul:
-    case family_mulq:
-    case family_addq:
-    case family_addsq:
-    case family_subsq:
-    case family_mla:
-    case family_mls:
-    case family_mlrs:
-        return f;
-    default:
-        return family_count;
-    }
-}
-
 bool same_memory(const Shape &s, const Operand &a, const Operand &b) {
     return a.start == b.start && a.type == b.type && row_stride(s, a) == row_stride(s, b) &&
            pixel_stride(s, a) == pixel_stride(s, b) && channel_stride(s, a) == channel_stride(s, b);
 }
 
 // a + a is twice a: one source to read instead of two. False when there is no such kernel.
-bool add_to_itself(const ArithCall &call) {
+bool add_to_itself(const Family &product, const ArithCall &call) {
     static constexpr double two[4] = {2, 2, 2, 2};
     ArithCall twice = call;
     twice.constant[0] = two;
-    return dispatch(family_mulC, twice) == JORM_OK;
+    return dispatch(product, twice) == JORM_OK;
 }
 
-int64_t check(const FamilyKeys &keys, Shape &shape, const ArithCall &call) {
-    for (int i = 0; i <= keys.sources; ++i)
+int64_t check(const Family &family, Shape &shape, const ArithCall &call) {
+    for (int i = 0; i <= family.sources; ++i)
         if (!call.operand[i].start || !call.operand[i].stride) return JORM_EINVAL;
-    for (int i = 0; i < keys.constants; ++i)
+    for (int i = 0; i < family.constants; ++i)
         if (!call.constant[i]) return JORM_EINVAL;
     return read_shape(shape, call.word, call.size);
 }
 
 } // namespace
 
-int64_t run_kernel(Family family, int line, int channels, ArithCall &call) {
-    const FamilyKeys &keys = family_keys[family];
+int64_t run_kernel(const Family &family, int line, int channels, ArithCall &call) {
     Shape shape;
     if (line < 0) return JORM_EINVAL;
-    if (const int64_t status = check(keys, shape, call); status != JORM_OK) return status;
+    if (const int64_t status = check(family, shape, call); status != JORM_OK) return status;
     shape.channels = channels;
     // Kernels are told their types by their names: operands need not repeat them.
-    for (int i = 0; i <= keys.sources; ++i) call.operand[i].type = keys.keys[line] >> 4 * (keys.sources - i) & 15;
+    for (int i = 0; i <= family.sources; ++i) call.operand[i].type = family.keys[line] >> 4 * (family.sources - i) & 15;
     return run(family, line, shape, call);
 }
 
-int64_t dispatch(Family family, ArithCall &call) {
+int64_t dispatch(const Family &called, ArithCall &call) {
     Shape shape;
-    if (const int64_t status = check(family_keys[family], shape, call); status != JORM_OK) return status;
+    if (const int64_t status = check(called, shape, call); status != JORM_OK) return status;
     if ((call.options & JORM_OPT_CHANNELS) == 0) call.options |= uint64_t(shape.selected) << 4;
 
-    const int sources = family_keys[family].sources;
+    const int sources = called.sources;
     Operand *o = call.operand;
-    if (sources >= 2 && wider(o[2].type, o[1].type) && exchanged(family) != family_count) {
-        std::swap(o[1], o[2]);
-        family = exchanged(family);
-    }
+    const bool exchange = sources >= 2 && wider(o[2].type, o[1].type) && called.exchanged;
+    if (exchange) std::swap(o[1], o[2]);
+    const Family &family = exchange ? *called.exchanged : called;
 
     const uint32_t dst = o[0].type;
     uint32_t codes = 0;
     for (int i = 0; i <= sources; ++i) codes |= o[i].type;
     const bool formed = codes < 16;
-    if (const int line = formed ? find_line(family, key_of(call, sources, dst)) : -1; line >= 0) {
-        if (family == family_add && same_memory(shape, o[1], o[2]) && add_to_itself(call)) return JORM_OK;
+    if (const int line = formed ? family.find_line(key_of(call, sources, dst)) : -1; line >= 0) {
+        if (family.doubled && same_memory(shape, o[1], o[2]) && add_to_itself(*family.doubled, call)) return JORM_OK;
         return run(family, line, shape, call);
     }
 
     uint32_t widest = o[1].type;
     for (int i = 2; i <= sources; ++i)
         if (wider(o[i].type, widest)) widest = o[i].type;
-    if (formed && converts(family) && element_size(widest) > element_size(dst) &&
+    if (formed && family.narrows && element_size(widest) > element_size(dst) &&
         jorma__tcvtfun_imp(dst, widest, nullptr) != jorma_proc_enotsup)
-        if (const int line = find_line(family, key_of(call, sources, widest)); line >= 0)
+        if (const int line = family.find_line(key_of(call, sources, widest)); line >= 0)
             return run_through_strip(family, line, widest, shape, call);
     for (int i = 0; i <= sources; ++i)
         if (!well_formed(o[i].type)) return JORM_EINVAL;

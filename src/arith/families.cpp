@@ -1,5 +1,6 @@
 #include "arith/dispatch.hpp"
 #include "arith/keys.hpp"
+#include "kernel/level_table.hpp"
 
 namespace jorm {
 namespace {
@@ -12,8 +13,15 @@ constexpr Arity arity_UNARY = {1, 0}, arity_BINARY = {2, 0}, arity_TERNARY = {3,
 
 } // namespace
 
-#define KEYS(family, list, shape)                                                                                      \
-    {arity_##shape.sources, arity_##shape.constants, keys::family, KeyIndex(keys::family)},
-const FamilyKeys family_keys[family_count] = {JORM_FAMILIES(KEYS)};
+#define TABLE(family, ...) JORM_LEVEL_TABLE(const Rows, rows, ::family);
+JORM_FAMILIES(TABLE)
+
+#define FAMILY(family, list, shape, ...)                                                                               \
+    constexpr Family family_##family = {.sources = arity_##shape.sources,                                              \
+                                        .constants = arity_##shape.constants,                                          \
+                                        .keys = keys::family,                                                          \
+                                        .index = KeyIndex(keys::family),                                               \
+                                        .rows = JORM_AT_LEVELS(family::rows) __VA_OPT__(, ) __VA_ARGS__};
+JORM_FAMILIES(FAMILY)
 
 } // namespace jorm

@@ -27,7 +27,7 @@ using namespace jorm;
 #define KERNELS(fam, kernels, shape)                                                                                   \
     namespace jorm::keys {                                                                                             \
     namespace in_##fam {                                                                                               \
-        constexpr Family family = family_##fam;                                                                        \
+        constexpr const Family &family = family_##fam;                                                                 \
         constexpr const auto &list = keys::fam;                                                                        \
         kernels(shape)                                                                                                 \
     }                                                                                                                  \
@@ -82,10 +82,10 @@ JORM_API int64_t jorma_proc_enotimp(void) { return JORM_ENOTIMP; }
 JORM_API int64_t jorma_proc_enotsup(void) { return JORM_ENOTSUP; }
 
 JORM_API jorm_proc *jorma__aaddfun_imp(uint32_t dst, uint32_t src1, uint32_t src2, int32_t *status) {
-#define PROC(name, D, A, B) to_proc(name),
-    static jorm_proc *const procs[] = {JORM_ADD_KERNELS(PROC)};
+#define PROC(name, D, A, B) name,
+    static constexpr decltype(&jorma__add_c1_u8u8u8) procs[] = {JORM_ADD_KERNELS(PROC)};
     const bool formed = well_formed(dst) && well_formed(src1) && well_formed(src2);
-    const int line = formed ? find_line(family_add, keys::key(dst, src1, src2)) : -1;
+    const int line = formed ? family_add.find_line(keys::key(dst, src1, src2)) : -1;
     if (status) *status = line >= 0 ? JORM_OK : formed ? JORM_ENOTSUP : JORM_EINVAL;
-    return line >= 0 ? procs[line] : formed ? jorma_proc_enotsup : jorma_proc_einval;
+    return line >= 0 ? to_proc(procs[line]) : formed ? jorma_proc_enotsup : jorma_proc_einval;
 }

@@ -21,7 +21,7 @@ template <class... T> constexpr uint32_t key(T... types) {
 #define JORM_KEY_CONSTANT2(name, D, A, B, K) key(D, A, B),
 #define JORM_KEY_CONSTANTS(name, D, A, K1, K2) key(D, A),
 
-#define JORM_KEYS(family, list, shape) constexpr uint32_t family[] = {list(JORM_KEY_##shape)};
+#define JORM_KEYS(family, list, shape, ...) constexpr uint32_t family[] = {list(JORM_KEY_##shape)};
 JORM_FAMILIES(JORM_KEYS)
 #undef JORM_KEYS
 

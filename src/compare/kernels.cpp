@@ -12,12 +12,12 @@ namespace {
 
 constexpr uint32_t u8 = JORM_U8, s8 = JORM_S8, s16 = JORM_S16, s32 = JORM_S32, f32 = JORM_F32;
 
-template <int N>
-jorm_proc *find(jorm_proc *const (&kernels)[N], bool chosen, uint32_t dst_type, uint32_t src_type, int32_t *status) {
+template <class Kernel, int N>
+jorm_proc *find(Kernel *const (&kernels)[N], bool chosen, uint32_t dst_type, uint32_t src_type, int32_t *status) {
     const int line = compare_line(chosen, dst_type, src_type);
     const bool formed = well_formed(dst_type) && well_formed(src_type);
     if (status) *status = line >= 0 ? JORM_OK : formed ? JORM_ENOTSUP : JORM_EINVAL;
-    return line >= 0 ? kernels[line] : formed ? jorma_proc_enotsup : jorma_proc_einval;
+    return line >= 0 ? to_proc(kernels[line]) : formed ? jorma_proc_enotsup : jorma_proc_einval;
 }
 
 } // namespace
@@ -49,13 +49,13 @@ JORM_COMPARE_C_KERNELS(COMPARE_C)
 JORM_ECOMPARE_KERNELS(ECOMPARE)
 JORM_ECOMPARE_C_KERNELS(ECOMPARE_C)
 
-#define PROC(name, D, S) to_proc(name),
-#define LOOKUP(name, list, chosen)                                                                                     \
+#define PROC(name, D, S) name,
+#define LOOKUP(name, list, chosen, Kernel)                                                                             \
     JORM_API jorm_proc *name(uint32_t dst_type, uint32_t src_type, int32_t *status) {                                  \
-        static jorm_proc *const kernels[] = {list(PROC)};                                                              \
+        static constexpr Kernel *kernels[] = {list(PROC)};                                                             \
         return find(kernels, chosen, dst_type, src_type, status);                                                      \
     }
-LOOKUP(jorma__cmpfun_imp, JORM_COMPARE_KERNELS, false)
-LOOKUP(jorma__cmpcfun_imp, JORM_COMPARE_C_KERNELS, false)
-LOOKUP(jorma__ecmpfun_imp, JORM_ECOMPARE_KERNELS, true)
-LOOKUP(jorma__ecmpcfun_imp, JORM_ECOMPARE_C_KERNELS, true)
+LOOKUP(jorma__cmpfun_imp, JORM_COMPARE_KERNELS, false, jorm_compare_kernel)
+LOOKUP(jorma__cmpcfun_imp, JORM_COMPARE_C_KERNELS, false, jorm_comparec_kernel)
+LOOKUP(jorma__ecmpfun_imp, JORM_ECOMPARE_KERNELS, true, jorm_ecompare_kernel)
+LOOKUP(jorma__ecmpcfun_imp, JORM_ECOMPARE_C_KERNELS, true, jorm_ecomparec_kernel)

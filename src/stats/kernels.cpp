@@ -45,8 +45,8 @@ constexpr uint32_t u8 = JORM_U8, s16 = JORM_S16, s32 = JORM_S32, f32 = JORM_F32;
     K(jorma__minmax_xm_c1_f32, 1, f32)
 
 // The kernel among `kernels`, and the status of calling it; other_type is that of well-formed types without one.
-template <size_t N>
-jorm_proc *look_up(jorm_proc *const (&procs)[N], uint32_t code, uint32_t type, int32_t other_type, int32_t *status) {
+template <class Kernel, size_t N>
+jorm_proc *look_up(Kernel *const (&procs)[N], uint32_t code, uint32_t type, int32_t other_type, int32_t *status) {
     const int32_t channels = (code & 15) == 12 ? 4 : stored_channels(code & 15);
     const int line = stat_line(type), group = channels == 1 ? 0 : channels == 3 ? 1 : channels == 4 ? 2 : -1;
     int32_t outcome = JORM_OK;
@@ -57,7 +57,7 @@ jorm_proc *look_up(jorm_proc *const (&procs)[N], uint32_t code, uint32_t type, i
     else if (group < 0 || size_t(group * 4 + line) >= N)
         outcome = JORM_ENOTSUP;
     if (status) *status = outcome;
-    return outcome == JORM_OK       ? procs[group * 4 + line]
+    return outcome == JORM_OK       ? to_proc(procs[group * 4 + line])
            : outcome == JORM_EINVAL ? jorma_proc_einval
                                     : jorma_proc_enotsup;
 }
@@ -92,23 +92,24 @@ JORM_MINMAX_KERNELS(MINMAX)
 JORM_MINMAX_XM_KERNELS(MINMAX_XM)
 
 JORM_API jorm_proc *jorma__sumfun_imp(uint64_t options, uint32_t code, uint32_t type, int32_t *status) {
-#define PROC(name, fast_name, xm_name, fast_xm_name, channels, T) to_proc(name),
-#define FAST_PROC(name, fast_name, xm_name, fast_xm_name, channels, T) to_proc(fast_name),
-    static jorm_proc *const plain[] = {JORM_SUM_KERNELS(PROC)}, *const quick[] = {JORM_SUM_KERNELS(FAST_PROC)};
+#define PROC(name, fast_name, xm_name, fast_xm_name, channels, T) name,
+#define FAST_PROC(name, fast_name, xm_name, fast_xm_name, channels, T) fast_name,
+    static constexpr jorm_sum_kernel *plain[] = {JORM_SUM_KERNELS(PROC)}, *quick[] = {JORM_SUM_KERNELS(FAST_PROC)};
     return look_up(fast(options) ? quick : plain, code, type, JORM_EINVAL, status);
 }
 JORM_API jorm_proc *jorma__sumfunxm_imp(uint64_t options, uint32_t code, uint32_t type, int32_t *status) {
-#define XM_PROC(name, fast_name, xm_name, fast_xm_name, channels, T) to_proc(xm_name),
-#define FAST_XM_PROC(name, fast_name, xm_name, fast_xm_name, channels, T) to_proc(fast_xm_name),
-    static jorm_proc *const plain[] = {JORM_SUM_KERNELS(XM_PROC)}, *const quick[] = {JORM_SUM_KERNELS(FAST_XM_PROC)};
+#define XM_PROC(name, fast_name, xm_name, fast_xm_name, channels, T) xm_name,
+#define FAST_XM_PROC(name, fast_name, xm_name, fast_xm_name, channels, T) fast_xm_name,
+    static constexpr jorm_sum_xm_kernel *plain[] = {JORM_SUM_KERNELS(XM_PROC)},
+                                        *quick[] = {JORM_SUM_KERNELS(FAST_XM_PROC)};
     return look_up(fast(options) ? quick : plain, code, type, JORM_EINVAL, status);
 }
-#define MINMAX_PROC(name, channels, T) to_proc(name),
+#define MINMAX_PROC(name, channels, T) name,
 JORM_API jorm_proc *jorma__minmaxfun_imp(uint64_t, uint32_t code, uint32_t type, int32_t *status) {
-    static jorm_proc *const procs[] = {JORM_MINMAX_KERNELS(MINMAX_PROC)};
+    static constexpr jorm_minmax_kernel *procs[] = {JORM_MINMAX_KERNELS(MINMAX_PROC)};
     return look_up(procs, code, type, JORM_ENOTSUP, status);
 }
 JORM_API jorm_proc *jorma__minmaxfunxm_imp(uint64_t, uint32_t code, uint32_t type, int32_t *status) {
-    static jorm_proc *const procs[] = {JORM_MINMAX_XM_KERNELS(MINMAX_PROC)};
+    static constexpr jorm_minmax_xm_kernel *procs[] = {JORM_MINMAX_XM_KERNELS(MINMAX_PROC)};
     return look_up(procs, code, type, JORM_ENOTSUP, status);
 }

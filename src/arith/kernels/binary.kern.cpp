@@ -80,10 +80,13 @@ template <bool Reversed, bool Nearest> struct Divide {
     }
 };
 
+} // namespace
+
 #define ROWS(name, D, A, B) Op::rows<D, A, B>(),
 #define TABLE(family, list, ...)                                                                                       \
     namespace family {                                                                                                 \
     using Op = __VA_ARGS__;                                                                                            \
+    extern const Rows rows[];                                                                                          \
     constexpr Rows rows[] = {list(ROWS)};                                                                              \
     }
 TABLE(add, JORM_ADD_KERNELS, Binary<Add, false>)
@@ -106,11 +109,5 @@ TABLE(max, JORM_MAX_KERNELS, OneType<Extreme<true>>)
 TABLE(and_, JORM_AND_KERNELS, OneType<And>)
 TABLE(orr, JORM_ORR_KERNELS, OneType<Orr>)
 TABLE(xor_, JORM_XOR_KERNELS, OneType<Xor>)
-
-} // namespace
-
-#define FAMILY(family, list, shape) family::rows,
-extern const Rows *const binary_rows[];
-const Rows *const binary_rows[] = {JORM_BINARY_FAMILIES(FAMILY)};
 
 } // namespace jorm::JORM_LEVEL

@@ -142,11 +142,14 @@ struct Sigmoid {
     }
 };
 
+} // namespace
+
 #define ROWS(name, ...) Op::rows<__VA_ARGS__>(),
 #define CHANNELED_ROWS(name, channels, D, A) Op::rows<D, A>(),
 #define TABLE(family, list, macro, ...)                                                                                \
     namespace family {                                                                                                 \
     using Op = __VA_ARGS__;                                                                                            \
+    extern const Rows rows[];                                                                                          \
     constexpr Rows rows[] = {list(macro)};                                                                             \
     }
 TABLE(addC, JORM_ADD_C_KERNELS, ROWS, Constant<Add, false>)
@@ -170,11 +173,5 @@ TABLE(andC, JORM_AND_C_KERNELS, CHANNELED_ROWS, ConstantOneType<And, ConstantRul
 TABLE(orrC, JORM_ORR_C_KERNELS, CHANNELED_ROWS, ConstantOneType<Orr, ConstantRule::rounded>)
 TABLE(xorC, JORM_XOR_C_KERNELS, CHANNELED_ROWS, ConstantOneType<Xor, ConstantRule::rounded>)
 TABLE(sigmoid, JORM_REAL_C_KERNELS, CHANNELED_ROWS, Sigmoid)
-
-} // namespace
-
-#define FAMILY(family, list, shape) family::rows,
-extern const Rows *const constant_rows[];
-const Rows *const constant_rows[] = {JORM_CONSTANT_FAMILIES(FAMILY)};
 
 } // namespace jorm::JORM_LEVEL

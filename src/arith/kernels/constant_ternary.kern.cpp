@@ -51,8 +51,9 @@ template <class Op> struct TwoConstants {
     }
     template <class D, class A> static void scaled(void *dst, const void *const *src, int64_t n, const RowParams &p) {
         scaled_loop<D, false, s128>(p, [=](auto finish) {
-            constant_row<false, 2, f64, D, A, void *>(
-                dst, src, n, p, [=](A a, f64 k1, f64 k2) { return finish(Op::of(s128(a), whole<92>(k1), whole<92>(k2))); });
+            constant_row<false, 2, f64, D, A, void *>(dst, src, n, p, [=](A a, f64 k1, f64 k2) {
+                return finish(Op::of(s128(a), whole<92>(k1), whole<92>(k2)));
+            });
         });
     }
     template <class D, class A> static void real(void *dst, const void *const *src, int64_t n, const RowParams &p) {
@@ -68,10 +69,13 @@ template <class Op> struct TwoConstants {
     }
 };
 
+} // namespace
+
 #define ROWS(name, ...) Op::rows<__VA_ARGS__>(),
 #define TABLE(family, list, ...)                                                                                       \
     namespace family {                                                                                                 \
     using Op = __VA_ARGS__;                                                                                            \
+    extern const Rows rows[];                                                                                          \
     constexpr Rows rows[] = {list(ROWS)};                                                                              \
     }
 TABLE(mlaC, JORM_MLA_C_KERNELS, ConstantTernary<MulAdd>)
@@ -80,11 +84,5 @@ TABLE(mlrsC, JORM_MLS_C_KERNELS, ConstantTernary<MulRSub>)
 TABLE(mlaCC, JORM_MLA_CC_KERNELS, TwoConstants<MulAdd>)
 TABLE(mlsCC, JORM_MLS_CC_KERNELS, TwoConstants<MulSub>)
 TABLE(mlrsCC, JORM_MLS_CC_KERNELS, TwoConstants<MulRSub>)
-
-} // namespace
-
-#define FAMILY(family, list, shape) family::rows,
-extern const Rows *const ternary_constant_rows[];
-const Rows *const ternary_constant_rows[] = {JORM_TERNARY_C_FAMILIES(FAMILY)};
 
 } // namespace jorm::JORM_LEVEL

@@ -22,20 +22,17 @@ template <class Op> struct Ternary {
     }
 };
 
+} // namespace
+
 #define ROWS(name, D, A, B, C) Op::rows<D, A, B, C>(),
 #define TABLE(family, list, ...)                                                                                       \
     namespace family {                                                                                                 \
     using Op = __VA_ARGS__;                                                                                            \
+    extern const Rows rows[];                                                                                          \
     constexpr Rows rows[] = {list(ROWS)};                                                                              \
     }
 TABLE(mla, JORM_MLA_KERNELS, Ternary<MulAdd>)
 TABLE(mls, JORM_MLS_KERNELS, Ternary<MulSub>)
 TABLE(mlrs, JORM_MLS_KERNELS, Ternary<MulRSub>)
-
-} // namespace
-
-#define FAMILY(family, list, shape) family::rows,
-extern const Rows *const ternary_rows[];
-const Rows *const ternary_rows[] = {JORM_TERNARY_FAMILIES(FAMILY)};
 
 } // namespace jorm::JORM_LEVEL

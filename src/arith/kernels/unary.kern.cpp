@@ -49,10 +49,13 @@ template <f64 (*F)(f64)> struct Transcendental {
     }
 };
 
+} // namespace
+
 #define ROWS(name, D, A) Op::rows<D, A>(),
 #define TABLE(family, list, ...)                                                                                       \
     namespace family {                                                                                                 \
     using Op = __VA_ARGS__;                                                                                            \
+    extern const Rows rows[];                                                                                          \
     constexpr Rows rows[] = {list(ROWS)};                                                                              \
     }
 TABLE(neg, JORM_NEG_KERNELS, Unary<Neg, false>)
@@ -61,11 +64,5 @@ TABLE(sqr, JORM_SQR_KERNELS, Unary<Sqr, true>)
 TABLE(not_, JORM_NOT_KERNELS, Not)
 TABLE(exp, JORM_REAL_KERNELS, Transcendental<exponential>)
 TABLE(ln, JORM_REAL_KERNELS, Transcendental<logarithm>)
-
-} // namespace
-
-#define FAMILY(family, list, shape) family::rows,
-extern const Rows *const unary_rows[];
-const Rows *const unary_rows[] = {JORM_UNARY_FAMILIES(FAMILY)};
 
 } // namespace jorm::JORM_LEVEL
