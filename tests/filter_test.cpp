@@ -79,6 +79,39 @@ TEST_F(Filter, ExtremaOfEveryWindow) {
     run(JORM_FILTER_NUL, 100, 3, false);
 }
 
+// Rows around one, two and more registers, in pairs and alone, at all edges or inside a larger picture.
+TEST_F(Filter, ExtremaOfSmallWindows) {
+    for (int i = 0; i < 400; ++i) {
+        use_level(r.in(0, jorm::level_count - 1));
+        const uint32_t type = r.of(types);
+        const int lanes = 64 / bytes_of(type), size = 3 + 2 * (i % 2), anchor = r.in(0, size - 1);
+        const int w = r.of(std::array{2, 3, 4, 5}) * lanes / 2 + r.in(-3, 6), h = r.in(1, 9);
+        Picture from(r, type, {1, h, w, 1}, false, 3), to(r, type, {1, h, w, 1}, false, 3);
+        if (type == JORM_F32)
+            from.fill([&] { return i % 3 == 0 && r.one_in(500) ? nan : float(r.in(-9999, 9999)) / 8; });
+        const bool largest = r.one_in(2);
+        const int top = r.in(0, h / 3), left = r.in(0, 6), right = r.in(0, 6);
+        jorm_site site = site_of({0, top, left, 0}, {1, h - top, w - left - right, 1});
+        const jorm_seshape shape = {{0, anchor, size - 1 - anchor}, {1, size, size}};
+        ASSERT_EQ(JormFilter(xe, 0, &to.a, &from.a, &site, &site, largest ? JORM_FILTER_MAX : JORM_FILTER_MIN, &shape),
+                  JORM_OK);
+        each({1, h - top, w - left - right, 1}, [&](const Index &p) {
+            double best = nan;
+            for (int y = 0; y < size; ++y)
+                for (int x = 0; x < size; ++x) {
+                    const Index at = {0, mirrored(top + p[1] - anchor + y, h),
+                                      mirrored(left + p[2] - (size - 1 - anchor) + x, w), 0};
+                    const double v = load(type, element(from.a, at));
+                    if (std::isnan(best) || (largest ? v > best : v < best)) best = v;
+                }
+            const double got = load(type, element(to.a, sum(p, {0, top, left, 0})));
+            ASSERT_TRUE(same(got, best) || got == best)
+                << type << " " << size << " at " << p[1] << ", " << p[2] << " of " << w;
+        });
+        if (HasFatalFailure()) return;
+    }
+}
+
 TEST_F(Filter, MeansOfEveryWindow) {
     run(JORM_FILTER_BOX, 3000, 40, true);
     run(JORM_FILTER_BOX, 40, 150, true);

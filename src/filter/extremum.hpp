@@ -26,16 +26,24 @@ private:
     const ExtremumRows *rows_ = nullptr;
 };
 
-// The extremum in every window: down the columns first, then along the row.
+// The extremum in every window: down the columns first, then along the row; of small windows both at once, and two rows
+// of them at a time where `in` keeps one more row than a window has.
 class ExtremumStage : public RowStage {
 public:
     int64_t open(WindowRows &in, Extreme which);
     void begin_plane(int64_t z) override { in_->begin_plane(z); }
     void produce(int64_t y, void *row) override;
+    void produce_two(int64_t y, void *row, void *next) override;
 
 private:
+    bool find_ends();
+    void meet(int64_t y);
+    void make_small(int64_t y, void *row, void *next);
+
     WindowRows *in_ = nullptr;
     ExtremumChoice rows_;
+    bool small_ = false; // while small_windows() serves
+    RowEnds ends_ = {};
     Columns columns_;
     std::optional<Scratch> buffers_;
     char *made_ = nullptr, *spare_ = nullptr;

@@ -1,13 +1,15 @@
 // Rows of minima and maxima.
 #include "filter/column_rows.kern.hpp"
 #include "filter/extremum_rows.hpp"
+#include "kernel/level_words.hpp"
 
 namespace jorm::JORM_LEVEL {
 namespace {
 
+// Of elements, or of vectors of them; where NaN may come, not Ordered.
 template <bool Ordered> struct Least {
     template <class T> [[gnu::always_inline]] static T of(T a, T b) {
-        if constexpr (is_real<T> && !Ordered)
+        if constexpr (!Ordered)
             return b != b ? a : a < b ? a : b;
         else
             return a < b ? a : b;
@@ -15,12 +17,107 @@ template <bool Ordered> struct Least {
 };
 template <bool Ordered> struct Largest {
     template <class T> [[gnu::always_inline]] static T of(T a, T b) {
-        if constexpr (is_real<T> && !Ordered)
+        if constexpr (!Ordered)
             return b != b ? a : a > b ? a : b;
         else
             return a > b ? a : b;
     }
 };
+
+// ---- Small windows: down the columns and along the row in registers ----
+
+// How many registers.
+template <int C> struct Count {};
+template <class T> constexpr int lanes = register_bytes / int(sizeof(T));
+template <class T> using Lanes = VectorOf<T, lanes<T>>;
+
+// Down K rows of columns from element i on, for N rows of results: two windows share all rows but one each.
+template <class Kind, class T, int N, int K, int Many> struct SmallColumns {
+    Lanes<T> of[N][Many];
+
+    [[gnu::always_inline]] SmallColumns(const T *const *rows, int64_t i) {
+        for (int j = 0; j < Many; ++j) {
+            const auto at = [&](int k) { return read<Lanes<T>>(rows[k] + i + j * lanes<T>); };
+            of[0][j] = at(N - 1);
+            for (int k = N; k < K; ++k) of[0][j] = Kind::of(of[0][j], at(k));
+            if constexpr (N == 2) {
+                of[1][j] = Kind::of(of[0][j], at(K));
+                of[0][j] = Kind::of(of[0][j], at(0));
+            }
+        }
+    }
+};
+
+// Of the windows of K columns that begin in a; b are the columns after it.
+template <class Kind, class T, int K> [[gnu::always_inline]] inline Lanes<T> windows_of(Lanes<T> a, Lanes<T> b) {
+    constexpr int e = int(sizeof(T));
+    Lanes<T> best = Kind::of(Kind::of(a, bytes_from<e>(a, b)), bytes_from<2 * e>(a, b));
+    if constexpr (K == 5) best = Kind::of(Kind::of(best, bytes_from<3 * e>(a, b)), bytes_from<4 * e>(a, b));
+    return best;
+}
+
+template <class T> [[gnu::always_inline]] inline void store_lanes(T *to, Lanes<T> v) {
+    __builtin_memcpy(to, &v, sizeof v);
+}
+
+template <class Kind, class T, int N, int K>
+void small_windows_of(void *const *to_rows, const void *const *all_rows, int64_t n, const RowEnds &e) {
+    using Columns = SmallColumns<Kind, T, N, K, 1>;
+    constexpr int size = lanes<T>;
+    T *to[N];
+    for (int r = 0; r < N; ++r) to[r] = elements<T>(to_rows[r]);
+    const T *rows[K + N - 1];
+    for (int k = 0; k < K + N - 1; ++k) rows[k] = elements<T>(all_rows[k]);
+
+    // The ends of the row in a line, for windows that reach beyond it.
+    alignas(register_bytes) T line[N][4 * size];
+    Columns a(rows, 0);
+    const int64_t last = n - size, after_left = K - 1 - e.left, before_right = K - 1 - e.right;
+    const Columns after_first(rows, after_left), before_last(rows, last - before_right), at_last(rows, last);
+    for (int r = 0; r < N; ++r) {
+        store_lanes(line[r] + e.left, a.of[r][0]);
+        store_lanes(line[r] + K - 1, after_first.of[r][0]);
+        store_lanes(line[r] + 2 * size, before_last.of[r][0]);
+        store_lanes(line[r] + 2 * size + before_right, at_last.of[r][0]);
+        for (int64_t i = 0; i < e.left + e.right; ++i) line[r][e.copy[i].to] = line[r][e.copy[i].from];
+    }
+    const auto at_end = [&](int64_t i, int r, const T *from) __attribute__((always_inline)) {
+        const auto x = read<Lanes<T>>(from), next = read<Lanes<T>>(from + size);
+        store_lanes(to[r] + i, windows_of<Kind, T, K>(x, next));
+    };
+
+    // As far as registers go, some of them twice.
+    int64_t i = 0;
+    const auto inner = [&]<int Many>(Count<Many>) __attribute__((always_inline)) {
+        const SmallColumns<Kind, T, N, K, Many> next(rows, i + size);
+        for (int r = 0; r < N; ++r)
+            for (int j = 0; j < Many; ++j) {
+                store_lanes(to[r] + e.left + i + j * size, windows_of<Kind, T, K>(a.of[r][0], next.of[r][j]));
+                a.of[r][0] = next.of[r][j];
+            }
+        i += Many * size;
+    };
+    while (i + 3 * size <= n) inner(Count<2>());
+    while (i + 2 * size <= n) inner(Count<1>());
+    if (i < last) {
+        i = last - size;
+        a = Columns(rows, i);
+        inner(Count<1>());
+    }
+    for (int r = 0; r < N; ++r) {
+        if (e.left > 0) at_end(0, r, line[r]);
+        at_end(e.left + last - before_right, r, line[r] + 2 * size);
+    }
+}
+template <class Kind, class T>
+void small_windows(void *const *to, const void *const *rows, int64_t n, int64_t size, const RowEnds &ends) {
+    if (to[1])
+        (size == 3 ? small_windows_of<Kind, T, 2, 3> : small_windows_of<Kind, T, 2, 5>)(to, rows, n, ends);
+    else
+        (size == 3 ? small_windows_of<Kind, T, 1, 3> : small_windows_of<Kind, T, 1, 5>)(to, rows, n, ends);
+}
+
+// ---- Any windows ----
 
 // Windows of N elements.
 template <class Kind, class T, int N> void along_n(void *to, const void *row, int64_t n, int64_t step) {
@@ -98,11 +195,12 @@ template <class T> void subtract(void *to, const void *a, const void *b, int64_t
 
 } // namespace
 
-#define LINE(Kind, T, unordered)                                                                                       \
-    { column_rows<Kind, T, T>, unordered, subtract<T>, pair<Kind, T>, along<Kind, T> }
+#define LINE(Kind, T, small, unordered)                                                                                \
+    { lanes<T>, small, column_rows<Kind, T, T>, unordered, subtract<T>, pair<Kind, T>, along<Kind, T> }
+#define ORDERED(Kind, T, unordered) LINE(Kind<true>, T, (small_windows<Kind<true>, T>), unordered)
 #define LINES(Kind)                                                                                                    \
-    LINE(Kind<true>, u8, nullptr), LINE(Kind<true>, s16, nullptr), LINE(Kind<true>, s32, nullptr),                     \
-        LINE(Kind<true>, f32, holds_nan), LINE(Kind<false>, f32, nullptr)
+    ORDERED(Kind, u8, nullptr), ORDERED(Kind, s16, nullptr), ORDERED(Kind, s32, nullptr),                              \
+        ORDERED(Kind, f32, holds_nan), LINE(Kind<false>, f32, nullptr, nullptr)
 extern const ExtremumRows extremum_rows[];
 const ExtremumRows extremum_rows[] = {LINES(Least), LINES(Largest)};
 

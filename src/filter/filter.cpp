@@ -22,7 +22,7 @@ template <Extreme which> int64_t run_extremum(WindowCall &c) {
     PreparedCall prepared;
     if (const int64_t status = prepared.prepare(c); status != JORM_OK) return status;
     WindowRows rows;
-    if (const int64_t status = rows.open(c); status != JORM_OK) return status;
+    if (const int64_t status = rows.open(c, 1); status != JORM_OK) return status;
     ExtremumStage stage;
     if (const int64_t status = stage.open(rows, which); status != JORM_OK) return status;
     return run_stage(c, stage);

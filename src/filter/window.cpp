@@ -144,6 +144,7 @@ int64_t WindowRows::open_ring(int64_t history, const void *constant) {
     const WindowCall &c = *call_;
     const int64_t pixels = c.size[2] + c.extent[2] - 1;
     ring_ = true;
+    history_ = history;
     capacity_ = std::min(c.extent[1] + history, stage_ ? c.size[1] : c.last[1] - c.first[1]);
     pitch_ = ring_pitch(pixels * c.pixel());
     ring_block_.emplace(c.xe, scratch_bytes(capacity_ + (constant ? 1 : 0), pitch_), line);
@@ -365,7 +366,10 @@ int64_t run_stage(const WindowCall &call, RowStage &stage) {
     if (const int64_t status = out.open(call); status != JORM_OK) return status;
     for (int64_t z = 0; z < call.size[0]; ++z) {
         stage.begin_plane(z);
-        for (int64_t y = 0; y < call.size[1]; ++y) {
+        int64_t y = 0;
+        for (; out.direct() && y + 2 <= call.size[1]; y += 2)
+            stage.produce_two(y, out.begin(z, y), out.begin(z, y + 1));
+        for (; y < call.size[1]; ++y) {
             stage.produce(y, out.begin(z, y));
             out.finish(z, y);
         }

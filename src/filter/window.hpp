@@ -44,6 +44,11 @@ class RowStage {
 public:
     virtual void begin_plane(int64_t z) = 0;
     virtual void produce(int64_t y, void *row) = 0; // dense
+    // Rows y and y + 1, for stages that make two of them quicker than one after the other.
+    virtual void produce_two(int64_t y, void *row, void *next) {
+        produce(y, row);
+        produce(y + 1, next);
+    }
 };
 
 // The rows around a row of results. Of the elements that a window reads in a row, `left` are to be completed, `bare`
@@ -55,6 +60,8 @@ public:
     // What another stage makes of the region, with a constant (a pixel of elements) around it.
     int64_t open(const WindowCall &call, RowStage &stage, const void *constant, int64_t history = 0);
     void begin_plane(int64_t z);
+    // Do n rows above the window stay readable?
+    bool keeps(int64_t n) const { return !ring_ || history_ >= n; }
 
     // The bare part of row v of the region, which may lie beyond the picture. Rows are asked for in ascending order but
     // for those of the window and the history.
@@ -101,7 +108,7 @@ private:
     int64_t columns_[2] = {};             // how many to complete on either side
     const int64_t *stands_for_ = nullptr; // the column of the picture for each of them, `none` for a constant
     bool ring_ = false;
-    int64_t capacity_ = 0, pitch_ = 0, ring_first_ = 0, loaded_ = 0;
+    int64_t history_ = 0, capacity_ = 0, pitch_ = 0, ring_first_ = 0, loaded_ = 0;
     char *ring_start_ = nullptr, *constant_row_ = nullptr;
     char constant_[16] = {};
     std::optional<Scratch> column_block_, ring_block_;
@@ -111,6 +118,8 @@ private:
 class OutputRows {
 public:
     int64_t open(const WindowCall &call);
+    // Do rows go straight into the destination?
+    bool direct() const { return !bounce_; }
     void *begin(int64_t z, int64_t y) const;
     void finish(int64_t z, int64_t y) const;
 

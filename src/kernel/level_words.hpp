@@ -31,6 +31,29 @@ template <class To, int N, class From> [[gnu::always_inline]] inline VectorOf<To
         return __builtin_convertvector(v, VectorOf<To, N>);
 }
 
+// A register of the bytes from byte N on of two that lie side by side.
+template <int... I> struct ByteList {};
+template <int N, int... I> [[gnu::always_inline]] inline auto bytes_from(auto a, auto b, ByteList<I...>) {
+    return __builtin_shufflevector(a, b, (N + I)...);
+}
+template <int N, class V> [[gnu::always_inline]] inline V bytes_from(V a, V b) {
+    static_assert(sizeof(V) == register_bytes && N >= 0 && N <= 16);
+    if constexpr (N == 0) return a;
+#if defined(JORM_LEVEL_avx512)
+    const __m512i x = (__m512i)a, next = _mm512_maskz_alignr_epi64(0xff, (__m512i)b, x, 2);
+    return V(N == 16 ? next : _mm512_maskz_alignr_epi8(~__mmask64(0), next, x, N & 15));
+#elif defined(JORM_LEVEL_avx2)
+    const __m256i x = (__m256i)a, next = _mm256_permute2x128_si256(x, (__m256i)b, 0x21);
+    return V(N == 16 ? next : _mm256_alignr_epi8(next, x, N & 15));
+#elif defined(__x86_64__)
+    return V(_mm_or_si128(_mm_bsrli_si128((__m128i)a, N), _mm_bslli_si128((__m128i)b, 16 - N)));
+#else
+    using Bytes = VectorOf<u8, 16>;
+    using List = ByteList<0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15>;
+    return V(bytes_from<N>(Bytes(a), Bytes(b), List()));
+#endif
+}
+
 #ifdef __x86_64__
 // A register of bytes as words.
 [[gnu::always_inline]] inline Register words_at(const u8 *bytes) {
