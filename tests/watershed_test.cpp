@@ -51,10 +51,15 @@ TEST(Watershed, WideRowsAndSharedLevels) {
             const Samples samples = flood_picture(r, 60, W, kind);
             const SlowFlood slow(samples, 60, W, {.row = 7, .column = 5});
             const FloodArray image(r, samples, 60, W);
-            Store store;
-            jorm_fwtsparams params = {&store, 0, 0, 7, 4};
-            ASSERT_EQ(JormWatershed(xe, JORM_OPT_FAST, &image.a, nullptr, &params), JORM_OK);
-            expect_same_tree(slow.root, store.root);
+            std::vector<uint32_t> buffer(slow.buffer.size());
+            for (uint32_t *const words : {static_cast<uint32_t *>(nullptr), buffer.data()}) {
+                Store store;
+                store.buffer = words;
+                jorm_fwtsparams params = {&store, 0, 0, 7, 4};
+                ASSERT_EQ(JormWatershed(xe, JORM_OPT_FAST, &image.a, nullptr, &params), JORM_OK);
+                expect_same_tree(slow.root, store.root);
+            }
+            EXPECT_TRUE(buffer == slow.buffer) << W << " columns, kind " << kind;
         }
 }
 

@@ -21,7 +21,14 @@ namespace {
 
 constexpr uint32_t seen = 255, none = levels;
 constexpr uint32_t fresh_bit = 0x80000000; // on words of pixels that no flood has reached
-constexpr int ahead = 8;                   // how far down in a pile pixels are fetched
+
+// How far ahead memory is fetched. The flood waits for memory where it enters new rows and where piles enter new cache
+// lines: stores leave in order, so a few that miss hold up all others.
+constexpr int ahead = 8;         // pixels further down in a pile
+constexpr int pushed_ahead = 24; // places of a pile, upwards
+constexpr int popped_ahead = 48; // and downwards
+constexpr int rows_ahead = 6;
+constexpr uint32_t delay = 64; // pixels that are done before a pixel's link goes to its word
 
 // When a == b: x = y. What a neighbour is cannot be foretold, and compilers turn a conditional expression back into a
 // branch where they see fit, so x86-64 gets its conditional move by name.
@@ -92,7 +99,9 @@ template <int smallest, bool lists> class Flood {
 public:
     Flood(jorm_fwtsres *store, const FloodSource &source, int64_t stride, const Coding &coding, uint32_t *words)
         : source_(source), stride_(stride), coding_(coding), words_(words),
-          components_(store, uint32_t(stride), uint32_t(source.columns)) {}
+          components_(store, uint32_t(lists ? source.columns : stride), uint32_t(source.columns)) {
+        std::fill_n(links_, lists ? delay : 0, Link{uint32_t(source.pixels()), 0}); // a guard word at first
+    }
 
     void build(uint8_t *memory);
     void lay_out(uint32_t *memory, const uint32_t *histogram);
@@ -100,16 +109,26 @@ public:
     void complete_words();
 
 private:
+    // The number of a pixel in the words and in components: that of the picture when there are lists.
+    uint32_t number(uint32_t pixel) const {
+        return lists ? pixel - uint32_t((unsigned __int128)(pixel)*row_reciprocal_ >> 64) * padding_ : pixel;
+    }
     // A pixel is done: it goes on top of its region's list.
-    void add(Component *top, uint32_t pixel) {
-        if (lists) words_[pixel] = top->head;
+    void add(Component *top, uint32_t pixel, uint32_t done) {
+        pixel = number(pixel);
+        if (lists) {
+            __builtin_prefetch(words_ + pixel, 1);
+            Link &link = links_[done % delay];
+            words_[link.pixel] = link.next;
+            link = {pixel, top->head};
+        }
         top->head = pixel;
     }
     bool rise_to(Component *&top, uint32_t level, uint32_t pixel, uint32_t done) {
-        const auto splice = [words = words_](uint32_t tail, int merges, uint32_t rest) {
-            if (lists) words[tail] = merges ? rest : no_pixel;
+        const auto splice = [this](uint32_t first, int merges, uint32_t rest) {
+            if (lists) links_[first % delay].next = merges ? rest : no_pixel;
         };
-        return rise<smallest>(components_, top, int32_t(level), pixel, done, splice);
+        return rise<smallest>(components_, top, int32_t(level), number(pixel), done, splice);
     }
 
     enum class Way { down, up, failed };
@@ -126,7 +145,7 @@ private:
         __builtin_prefetch(soon);
         __builtin_prefetch(soon - stride_);
         __builtin_prefetch(soon + stride_);
-        if (lists) __builtin_prefetch(words_ + top[-ahead], 1);
+        __builtin_prefetch(top - popped_ahead);
         return top[-1];
     }
 
@@ -134,7 +153,15 @@ private:
     const int64_t stride_;
     const Coding coding_;
     uint8_t *plane_ = nullptr;
-    uint32_t *const words_;                       // of row 0, column 0
+    // Links on their way to the words, which are being fetched. A component that is spliced has all of its links here.
+    struct Link {
+        uint32_t pixel, next;
+    };
+    static_assert(smallest <= int(delay));
+    Link links_[lists ? delay : 1];
+    uint32_t *const words_; // of row 0, column 0
+    const uint32_t padding_ = uint32_t(stride_ - source_.columns);
+    const uint64_t row_reciprocal_ = ~uint64_t{0} / uint64_t(stride_) + 1; // rounded up: exact for pixel numbers
     uint32_t *top_of_[levels], *base_of_[levels]; // what waits at each code; [seen] takes pixels that have been seen
     uint32_t seen_[4];
     Pile pair_[2]; // what waits at the two levels of the pair; what was pushed meanwhile waits under the code
@@ -163,12 +190,13 @@ void encode_row(uint8_t *to, const FloodSource &s, int64_t r, const Coding &codi
 
 template <int smallest, bool lists> void Flood<smallest, lists>::build(uint8_t *memory) {
     const FloodSource &s = source_;
-    std::memset(memory, seen, plane_bytes(s, stride_));
     plane_ = memory + stride_;
-    for (int64_t r = 0; r < s.rows; ++r) {
-        if (!s.takes_part(r)) continue;
+    for (int64_t r = -1; r <= s.rows; ++r) {
         uint8_t *const to = plane_ + r * stride_;
-        encode_row(to, s, r, coding_);
+        const bool floods = r >= 0 && r < s.rows && s.takes_part(r);
+        const int64_t done = floods ? s.columns : 0;
+        if (floods) encode_row(to, s, r, coding_);
+        std::memset(to + done, seen, size_t(stride_ - done));
         to[0] = seen;
     }
 }
@@ -235,9 +263,9 @@ template <int smallest, bool lists> typename Flood<smallest, lists>::Way Flood<s
             }
         }
         if (lower) continue;
-        if (fell) components_.open(top_, code + which, p, done_);
+        if (fell) components_.open(top_, code + which, number(p), done_);
         fell = false;
-        add(top_, p);
+        add(top_, p, done_);
         ++done_;
         if (!pair_[which].empty())
             p = pair_[which].pop();
@@ -284,15 +312,21 @@ template <int smallest, bool lists> int64_t Flood<smallest, lists>::run() {
         for (;;) {
             uint8_t *at = plane + p;
             const auto above = [at, code](int64_t step) { return int32_t(at[step]) - int32_t(code); };
+            const auto fetch_rows = [at, far = rows_ahead * stride] {
+                __builtin_prefetch(at - far);
+                __builtin_prefetch(at + far);
+            };
             const auto push = [&](uint32_t v, int64_t step) {
                 const uint32_t q = p + uint32_t(step);
                 uint32_t *const to = top_of_[v];
+                __builtin_prefetch(to + pushed_ahead, 1);
                 *to = q;
                 top_of_[v] = to + 1;
                 select_equal(next, v, code, q);
             };
             if ((above(1) | above(-1) | above(-stride) | above(stride)) < 0) {
                 // Down to the first lower neighbour; those before it are pushed, then the pixel itself.
+                fetch_rows();
                 forget(at);
                 for (const int64_t step : {int64_t(1), int64_t(-1), -stride, stride}) {
                     const uint32_t v = at[step];
@@ -309,9 +343,10 @@ template <int smallest, bool lists> int64_t Flood<smallest, lists>::run() {
                 fell = true;
                 break;
             }
-            if (fell) components_.open(top, coding_.level(code), p, done);
+            if (fell) components_.open(top, coding_.level(code), number(p), done);
             fell = false;
             if ((at[1] & at[-1] & at[-stride] & at[stride]) != seen) {
+                fetch_rows();
                 forget(at);
                 for (const int64_t step : {int64_t(1), int64_t(-1), -stride, stride}) {
                     const uint32_t v = at[step];
@@ -320,7 +355,7 @@ template <int smallest, bool lists> int64_t Flood<smallest, lists>::run() {
                 }
                 top_of_[seen] = seen_;
             }
-            add(top, p);
+            add(top, p, done);
             ++done;
             if (next == no_pixel) break;
             p = next;
@@ -333,11 +368,12 @@ template <int smallest, bool lists> int64_t Flood<smallest, lists>::run() {
 // Words of what is in no list: guards, border, rows left out, and pixels that the flood did not reach.
 template <int smallest, bool lists> void Flood<smallest, lists>::complete_words() {
     const FloodSource &s = source_;
+    for (const Link &link : links_) words_[link.pixel] = link.next;
     const size_t guard = size_t(s.columns) + 2;
     std::memset(words_ - guard, 0, guard * sizeof *words_);
     std::memset(words_ + s.pixels(), 0, guard * sizeof *words_);
     for (int64_t r = 0; r < s.rows; ++r) {
-        uint32_t *const to = words_ + r * stride_;
+        uint32_t *const to = words_ + r * s.columns;
         const uint8_t *const from = s.row(r), *const left = plane_ + r * stride_;
         const uint32_t fresh = s.takes_part(r) ? fresh_bit : 0;
         to[0] = s.level(from[0]);
@@ -356,7 +392,7 @@ template <int smallest, bool lists> int64_t flood_with(jorm_xe *xe, jorm_fwtsres
     uint32_t histogram[levels];
     count_levels(histogram, source);
     const Coding coding = choose_coding(histogram);
-    const int64_t stride = lists ? source.columns : plane_stride(source.columns); // pixels are numbered alike
+    const int64_t stride = plane_stride(source.columns);
     size_t entries = 2 * ahead + levels;
     for (uint32_t l = 0; l < levels; ++l) entries += histogram[l];
     if (coding.pair != none) entries += histogram[coding.pair] + histogram[coding.pair + 1];

@@ -71,7 +71,7 @@ private:
 
 // Rises to `level`, where `pixel` waits. The pixel that a descent left behind waits at the level of the component
 // below, so that one is never passed: either it has the level and swallows the top, or the top is lifted. `join` links
-// the last pixel of the top's list to the pixel given.
+// the last pixel of the top's list, which was the first one done since the component was opened, to the pixel given.
 template <int smallest, class Join>
 [[gnu::always_inline]] inline bool rise(Components &components, Component *&top, int32_t level, uint32_t pixel,
                                         uint32_t done, Join join) {
@@ -80,7 +80,7 @@ template <int smallest, class Join>
         return components.close(top, level, pixel, done);
     const Component *const below = top - 1;
     const int merges = below->level == level;
-    join(now.seed, merges, below->head);
+    join(now.opened, merges, below->head);
     top -= merges;
     top->head = now.head;
     top->level = level;
