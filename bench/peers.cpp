@@ -56,7 +56,8 @@ private:
         for (int y = 0; y < h; ++y)
             for (int x = 0; x < w; ++x)
                 for (int k = 0; k < 7; ++k)
-                    across[size_t(y) * w + x] += weight[k] / sum * u8a.as<uint8_t>()[y * u8a.stride + mirror(x + k - 3, w)];
+                    across[size_t(y) * w + x] +=
+                        weight[k] / sum * u8a.as<uint8_t>()[y * u8a.stride + mirror(x + k - 3, w)];
         for (int y = 0; y < h; ++y)
             for (int x = 0; x < w; ++x) {
                 double v = 0;
@@ -72,7 +73,10 @@ struct Scene {
     jorm_array u8a, u8b, u8c3, mask, s16a, s16b, s16w, f32a, f32b, f32w, out8, out16, out32f, framed2, framed16;
     jorm_array half, two_thirds, smooth;
     jorm_xe *xe;
-    jorm_mser mser = {};
+    jorm_mser mser = {}, listed = {}; // without pixel lists and with them
+    jorm_fwtsres stores[2] = {};
+    std::vector<uint32_t> words[2];
+    jorm_vector pixels = {}, boxes = {};
     double values[8];
 
     explicit Scene(const pb::Data &d)
@@ -88,11 +92,14 @@ struct Scene {
         mser.max_area_fraction = 14400 / pixels;
         mser.max_variation = 0.25f;
         mser.min_diversity = 0.2f;
+        listed = mser;
+        listed.dark_store = &stores[0], listed.bright_store = &stores[1];
     }
     ~Scene() {
         JormFWTSRESfini(mser.dark_store);
         JormFWTSRESfini(mser.bright_store);
-        _UlMfree(mser.regions.data);
+        for (jorm_fwtsres &store : stores) JormFWTSRESfini(&store);
+        for (const jorm_vector *v : {&mser.regions, &listed.regions, &pixels, &boxes}) _UlMfree(v->data);
         JormXEclose(xe);
     }
 
@@ -162,6 +169,23 @@ struct Scene {
         mser.passes = passes;
         const int64_t status = JormGenerateFMSERs(xe, 0, &a, nullptr, &mser);
         values[0] = double(mser.regions.count);
+        return status;
+    }
+
+    // The same with the pixels and the rectangle of each of them.
+    int64_t stable_lists(const jorm_array &a, uint16_t passes) {
+        for (int i = 0; i < 2 && words[i].empty(); ++i) {
+            words[i].resize(size_t(a.extent[1]) * a.extent[2] + 2 * (size_t(a.extent[2]) + 2));
+            JormFWTSRESinit(&stores[i], words[i].data(), nullptr);
+        }
+        listed.passes = passes;
+        const int64_t status = JormGenerateFMSERs(xe, 0, &a, nullptr, &listed);
+        _UlMfree(pixels.data);
+        pixels = {};
+        boxes.count = 0;
+        jorm_fmserf_pixreg_$2d(&pixels, &listed, nullptr);
+        jorm_fwtsr_brect_$2d(&boxes, &pixels);
+        values[0] = double(boxes.count);
         return status;
     }
 };
@@ -255,6 +279,14 @@ const Case cases[] = {
 };
 // clang-format on
 
+// Cases in another form, beside the one of the same name.
+const Case with_lists[] = {
+    {"mser_one_u8", nullptr, 1, [](Scene &s) { return s.stable_lists(s.u8a, 0); }, true},
+    {"mser_both_u8", nullptr, 1, [](Scene &s) { return s.stable_lists(s.u8a, 2); }, true},
+    {"mser_one_u8_smooth", nullptr, 1, [](Scene &s) { return s.stable_lists(s.smooth, 0); }, true},
+    {"mser_both_u8_smooth", nullptr, 1, [](Scene &s) { return s.stable_lists(s.smooth, 2); }, true},
+};
+
 void add(pb::Registry &registry, const pb::Data &data, const std::shared_ptr<Scene> &scene, const Case &c,
          const char *peer, int32_t simd) {
     const auto run = [scene, simd, f = c.run] {
@@ -286,6 +318,8 @@ void pb::register_extra(Registry &registry, const Data &data) {
         add(registry, data, scene, c, "jorm", 1);
         add(registry, data, scene, c, "jorm_off", 0);
     }
+    for (const Case &c : with_lists)
+        if (data.filters) add(registry, data, scene, c, "jorm_lists", 1);
 }
 
 void pb::register_extra_geometry(Registry &registry, const std::string &case_name, Points points) {
