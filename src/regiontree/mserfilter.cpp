@@ -4,6 +4,7 @@
 #include "jorm/geometry.h"
 #include "jorm/regiontree.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
@@ -25,6 +26,8 @@ struct List {
     int32_t width;
     int32_t delta;
     int32_t inversion; // what listed levels were combined with
+
+    bool known() const { return words && width > 0; }
 };
 
 List dark_list(const jorm_mser &m) {
@@ -52,10 +55,13 @@ float variation(const List &list, Region *r) {
 
 // Of the ellipse with the region's moments; NaN when its pixels are not known.
 double axis_ratio(const List &list, Region *r) {
-    if (!list.words || list.width < 1) return NAN;
+    if (!list.known()) return NAN;
     jorm_moments m = {};
-    m.count = for_subtree(r, list.words,
-                          [&](int32_t pixel) { JormWTSMF_update2D(&m, pixel / list.width, pixel % list.width); });
+    const PixelOf pixel_of(list.width);
+    m.count = for_subtree(r, list.words, [&](int32_t number) {
+        const Pixel pixel = pixel_of(number);
+        JormWTSMF_update2D(&m, pixel.row, pixel.column);
+    });
     const jorm_r2d_moment2 central = {jorm_mf_Myy(&m), jorm_mf_Mxy(&m), jorm_mf_Mxx(&m)};
     double smaller_larger[2];
     jorm_r2d_moment2c_eigvals(smaller_larger, &central);
@@ -161,8 +167,7 @@ bool append_groups(jorm_vector &out, const Selection &kept) {
     }
     for (uint64_t i = 0; i < kept.count(); ++i) {
         const List &list = kept.list_of(i);
-        const bool known = list.words && list.width > 0;
-        const int32_t n = known ? write_subtree(to, kept[i], list.words, list.width) : 0;
+        const int32_t n = list.known() ? write_subtree(to, kept[i], list.words, list.width) : 0;
         group[out.count + i] = {n ? &to->row : nullptr, n};
         to += n;
     }
@@ -173,10 +178,26 @@ bool append_groups(jorm_vector &out, const Selection &kept) {
 
 using Query = jorm_vector *(*)(jorm_vector *, const jorm_vector *);
 
-jorm_vector *query(jorm_vector *out, const jorm_mser *mser, const jorm_mserfilt *filter, Query figures) {
-    LocalVector groups;
-    jorm_fmserf_pixreg_$2d(&groups, mser, filter);
-    return figures(out, &groups);
+// Figures, entry_bytes each, of one region after the other, all in the same memory.
+jorm_vector *query(jorm_vector *out, const jorm_mser *mser, const jorm_mserfilt *filter, Query figures,
+                   size_t entry_bytes) {
+    if (!out || !mser) return out;
+    const Selection kept(*mser, filter);
+    int32_t largest = 0;
+    for (uint64_t i = 0; i < kept.count(); ++i) largest = std::max(largest, kept[i]->area);
+    LocalVector pixels;
+    if (!kept.complete || !reserve(pixels, uint64_t(largest), sizeof(Pixel)) ||
+        !reserve(*out, kept.count(), entry_bytes))
+        return out;
+    auto *const at = static_cast<Pixel *>(pixels.data);
+    for (uint64_t i = 0; i < kept.count(); ++i) {
+        const List &list = kept.list_of(i);
+        jorm_pixgroup group = {nullptr, list.known() ? write_subtree(at, kept[i], list.words, list.width) : 0};
+        if (group.count) group.pixels = &at->row;
+        const jorm_vector groups = {1, 1, &group};
+        figures(out, &groups);
+    }
+    return out;
 }
 
 // ---- Features ----
@@ -335,11 +356,11 @@ jorm_vector *jorm_fmserf_pixreg_$2d(jorm_vector *out, const jorm_mser *mser, con
 }
 
 jorm_vector *jorm_fmserf_brect_$2d(jorm_vector *out, const jorm_mser *mser, const jorm_mserfilt *filter) {
-    return query(out, mser, filter, jorm_fwtsr_brect_$2d);
+    return query(out, mser, filter, jorm_fwtsr_brect_$2d, sizeof(jorm_2d_rect));
 }
 
 jorm_vector *jorm_fmserf_ellipse_$f2d(jorm_vector *out, const jorm_mser *mser, const jorm_mserfilt *filter) {
-    return query(out, mser, filter, jorm_fwtsr_ellipse_$f2d);
+    return query(out, mser, filter, jorm_fwtsr_ellipse_$f2d, sizeof(jorm_f2d_ell));
 }
 
 // ---- Gathering ----

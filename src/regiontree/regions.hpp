@@ -64,9 +64,23 @@ template <class Each> int32_t for_subtree(const jorm_fwtsr *start, const uint32_
     return start->area - left;
 }
 
-/// Writes the pixels of a region and its descendants, at most its area; returns how many.
-inline int32_t write_subtree(Pixel *to, const jorm_fwtsr *region, const uint32_t *words, int32_t width) {
-    return for_subtree(region, words, [&](int32_t pixel) { *to++ = {pixel / width, pixel % width}; });
-}
+/// Pixels by their numbers.
+class PixelOf {
+public:
+    explicit PixelOf(int32_t width) : width_(uint32_t(width)), reciprocal_(~uint64_t{0} / width_ + 1) {}
+    Pixel operator()(int32_t pixel) const {
+        // The reciprocal is rounded up, by less than 2^-64: exact for 32 bits. That of 1 is 2^64, which is too much.
+        const uint32_t row = reciprocal_ ? uint32_t(u128(reciprocal_) * uint32_t(pixel) >> 64) : uint32_t(pixel);
+        return {int32_t(row), int32_t(uint32_t(pixel) - row * width_)};
+    }
+
+private:
+    __extension__ typedef unsigned __int128 u128;
+    uint32_t width_;
+    uint64_t reciprocal_;
+};
+
+/// Writes the pixels of a region and its descendants, at most its area, in the order of for_subtree; returns how many.
+int32_t write_subtree(Pixel *to, const jorm_fwtsr *region, const uint32_t *words, int32_t width);
 
 } // namespace jorm
