@@ -41,7 +41,7 @@ public:
         return low + (high_byte << 8 | byte()) % (high - low + 1);
     }
     bool one_in(int n) { return byte() % n == n - 1; }
-    template <class T, size_t n> T of(const T (&list)[n]) { return list[byte() % n]; }
+    template <class T, size_t n> T of(const T (&list)[n]) { return list[n > 256 ? size_t(in(0, n - 1)) : byte() % n]; }
 
     int32_t hostile_int() {
         static const int32_t list[] = {0, -1, 1, INT32_MAX, INT32_MIN, INT32_MIN + 1, 0x10000, -0x8000};
