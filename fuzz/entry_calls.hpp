@@ -1,11 +1,13 @@
 // Calls of entries with random arguments over guarded memory. One table line an entry; arguments are made by their
-// types. Each call runs with and without vectorised kernels, and once more with its sources moved out of the way of
-// its destination: status and bytes are the same. A refused call writes nothing, others only the destination's
-// elements.
+// types. Each call runs with and without vectorised kernels, and once more on dense copies of its arrays, none of which
+// is a view or overlaps another: status and results are the same. A refused call writes nothing, others only the
+// destination's elements.
 #pragma once
 #include "harness.hpp"
 
+#include <algorithm>
 #include <tuple>
+#include <vector>
 
 namespace fuzz {
 
@@ -20,7 +22,8 @@ struct Outputs { // what entries answer besides arrays
 
 class World {
 public:
-    World(ByteReader &reader, const char *roles) : r(reader), roles_(roles) {
+    World(ByteReader &reader, const char *roles)
+        : r(reader), roles_(roles), looks_around_(std::strchr(roles, 'w') != nullptr) {
         static const int32_t widths[] = {1, 2, 3, 7, 16, 31, 40, 65, 130};
         static const uint32_t types[] = {JORM_U8,  JORM_U8,  JORM_S16, JORM_F32, JORM_S32, JORM_S8, JORM_U16,
                                          JORM_U32, JORM_F64, JORM_U64, JORM_S64, 15,       0,       7};
@@ -65,6 +68,7 @@ public:
         static const uint64_t bits[] = {0, JORM_OPT_MASK_INVERT, JORM_OPT_FAST, 0x10, 0x50, JORM_OPT_OWN_BORDER, 1};
         uint64_t options = r.of(bits) | r.of(bits);
         if (r.one_in(8)) options = r.wide();
+        if (options & JORM_OPT_OWN_BORDER) looks_around_ = false;
         return options & ~(JORM_OPT_NO_BORDER | JORM_OPT_NO_SIMD); // pixels around are not vouched for
     }
     int32_t draw(int32_t *) { return r.one_in(3) ? r.one_in(4) ? r.hostile_int() : r.in(-40, 40) : 0; }
@@ -126,7 +130,8 @@ public:
         if (r.one_in(12)) return nullptr;
         for (int32_t &a : strel_.anchor) a = r.in(0, 3);
         const int32_t extent[4] = {r.one_in(6) ? 2 : 1, r.in(1, 9), r.in(1, 9), 1};
-        lay_out(strel_.mask, JORM_U8, extent[0] > 1 ? 4 : 3, extent, *mask_memory(), false);
+        int32_t before[4];
+        lay_out(strel_.mask, JORM_U8, extent[0] > 1 ? 4 : 3, extent, *mask_memory(), false, before);
         if (r.one_in(8)) break_up(strel_.mask);
         return &strel_;
     }
@@ -139,8 +144,9 @@ public:
         return &method_;
     }
 
-    // One array after the other, as the roles say: d destination, s source, m mask; S a source that may be the
-    // destination but not overlap it otherwise, M a mask that may not overlap it.
+    // One array after the other, as the roles say: d destination, s source, w a source of whose parent pixels around a
+    // view are read, m mask; S a source that may be the destination but not overlap it otherwise, M a mask that may not
+    // overlap it.
     const jorm_array *draw(const jorm_array **) {
         const bool strict = roles_[arrays_] == 'S' || roles_[arrays_] == 'M';
         const char role = roles_[arrays_] == 'S' ? 's' : roles_[arrays_] == 'M' ? 'm' : roles_[arrays_];
@@ -157,18 +163,18 @@ public:
             static const uint32_t types[] = {JORM_U8, JORM_S16, JORM_S32, JORM_F32, JORM_S8, JORM_U16, JORM_F64};
             type = r.of(types);
         }
-        block_[i] = block_[0];
         if (role != 'd' && r.one_in(16)) return in_place_ |= strict, nullptr;
         if (role != 'd' && !(role == 'm' && strict) && i > 0 && r.one_in(6)) {
             in_place_ |= strict;
+            std::memcpy(before_[i], before_[0], sizeof before_[0]);
             return a = array_[0], &a;
         }
         for (int k = 1; k < 3; ++k)
             if (r.one_in(5)) extent[k] = r.in(1, extent[k] + 2);
         if (r.one_in(12)) extent[3] = r.in(1, 4);
         if (role != 'd' && ndims == 4 && r.one_in(6)) ndims = 3, extent[0] = 1;
-        block_[i] = role == 'd' || (!strict && r.one_in(6)) ? 0 : 1 + i % 2;
-        lay_out(a, type, ndims, extent, memory()[block_[i]], role != 'd');
+        const int block = role == 'd' || (!strict && r.one_in(6)) ? 0 : 1 + i % 2;
+        lay_out(a, type, ndims, extent, memory()[block], role != 'd', before_[i]);
         if (role == 'd') has_destination_ = true;
         if (r.one_in(10)) break_up(a);
         return r.one_in(40) ? nullptr : &a;
@@ -190,26 +196,57 @@ public:
         for (int i = 0; i < 3; ++i) std::memcpy(memory()[i].start, s.bytes[i], Guarded::bytes);
         out = s.out;
     }
-    // The sources that share the destination's memory are read from a copy of it.
-    bool set_sources_apart(const State &s) {
-        bool any = false;
-        std::memcpy(spare()->start, s.bytes[0], Guarded::bytes);
-        for (int i = 1; i < arrays_; ++i)
-            if (roles_[i] != 'd' && block_[i] == 0 && array_[i].base) {
-                array_[i].base = static_cast<uint8_t *>(array_[i].base) + (spare()->start - memory()[0].start);
-                any = true;
+    // Gives every array a dense copy of its own, of the whole parent where pixels around are read.
+    uint8_t *set_dense_copies() {
+        static std::vector<uint8_t> copies[5];
+        for (int i = 0; i < arrays_; ++i) {
+            jorm_array &a = array_[i];
+            if (!in_order(a)) continue;
+            int64_t size[4], before[4], elements = 1, start = 0, step = bytes_of(a.eltype);
+            jorm_array copy = a;
+            for (int k = 3; k >= 0; --k) {
+                size[k] = k == 3 ? channels_of(a) : k == 0 && a.ndims == 3 ? 1 : a.extent[k];
+                before[k] = looks_around_ ? before_[i][k] : 0;
+                if (looks_around_ && k < 3)
+                    size[k] = std::max<int64_t>(before[k] + size[k], a.parent_extent[k]);
+                else
+                    copy.parent_extent[k] = copy.extent[k];
+                copy.stride[k] = int32_t(step);
+                start += before[k] * step, step *= size[k], elements *= size[k];
             }
-        return any;
+            copies[i].resize(size_t(step));
+            const uint8_t *const from = static_cast<const uint8_t *>(a.base) + a.loff;
+            for (int64_t e = 0; e < elements; ++e) {
+                int64_t rest = e, offset = 0;
+                for (int k = 3; k >= 0; rest /= size[k--])
+                    offset += (rest % size[k] - before[k]) * (size[k] > 1 ? a.stride[k] : 0);
+                std::memcpy(&copies[i][size_t(e) * size_t(bytes_of(a.eltype))], from + offset,
+                            size_t(bytes_of(a.eltype)));
+            }
+            copy.base = copies[i].data(), copy.loff = int32_t(start);
+            a = copy;
+        }
+        return copies[0].data();
     }
+    // The destination's elements, one after the other.
+    std::vector<uint8_t> result(const uint8_t *bytes, const uint8_t *base) const {
+        std::vector<uint8_t> list;
+        if (destination_in_order())
+            each_byte_run(array_[0], base, [&](size_t offset, int size) {
+                list.insert(list.end(), bytes + offset, bytes + offset + size);
+            });
+        return list;
+    }
+    static const uint8_t *destination_memory() { return memory()[0].start; }
     // NaN is one value here; which one it is may depend on the order of operands.
-    void settle_nan(State &s) const {
-        for (auto &list : s.out.numbers) settle(list, 16);
-        for (vrng &v : s.out.ranges) settle(&v.lo, 2);
+    void settle_nan(uint8_t *bytes, const uint8_t *base, Outputs &o) const {
+        for (auto &list : o.numbers) settle(list, 16);
+        for (vrng &v : o.ranges) settle(&v.lo, 2);
         if (!destination_in_order()) return;
-        each_byte_run(array_[0], [&](size_t offset, int size) {
+        each_byte_run(array_[0], base, [&](size_t offset, int size) {
             float f;
             double d;
-            uint8_t *const p = s.bytes[0] + offset;
+            uint8_t *const p = bytes + offset;
             if (array_[0].eltype == JORM_F32 && (std::memcpy(&f, p, 4), f != f)) std::memset(p, 0xFF, size_t(size));
             if (array_[0].eltype == JORM_F64 && (std::memcpy(&d, p, 8), d != d)) std::memset(p, 0xFF, size_t(size));
         });
@@ -221,7 +258,8 @@ public:
         static uint8_t may[Guarded::bytes];
         std::memset(may, 0, sizeof may);
         if (destination_in_order())
-            each_byte_run(array_[0], [&](size_t offset, int size) { std::memset(may + offset, 1, size_t(size)); });
+            each_byte_run(array_[0], memory()[0].start,
+                          [&](size_t offset, int size) { std::memset(may + offset, 1, size_t(size)); });
         for (size_t i = 0; i < Guarded::bytes; ++i)
             if (!may[i] && before.bytes[0][i] != after.bytes[0][i]) return false;
         return std::memcmp(before.bytes[1], after.bytes[1], 2 * Guarded::bytes) == 0 &&
@@ -232,9 +270,8 @@ public:
     void describe() const {
         for (int i = 0; i < arrays_; ++i) {
             const jorm_array &a = array_[i];
-            std::fprintf(stderr, "array %d (%c): type %u, axes %d, block %d, base %td, loff %d\n", i, roles_[i],
-                         a.eltype, a.ndims, block_[i],
-                         a.base ? static_cast<uint8_t *>(a.base) - memory()[block_[i]].start : -1, a.loff);
+            std::fprintf(stderr, "array %d (%c): type %u, axes %d, base %p, loff %d\n", i, roles_[i], a.eltype, a.ndims,
+                         a.base, a.loff);
             for (int k = 0; k < 4; ++k)
                 std::fprintf(stderr, "  extent %d of %d, stride %d\n", int32_t(a.extent[k]),
                              int32_t(a.parent_extent[k]), a.stride[k]);
@@ -258,10 +295,6 @@ private:
         Guarded *begin() const { return first; }
         Guarded *end() const { return first + 3; }
     };
-    static Guarded *spare() {
-        static Guarded block;
-        return &block;
-    }
     static Guarded *mask_memory() {
         static Guarded block;
         return &block;
@@ -284,7 +317,8 @@ private:
     }
 
     // A view of a parent whose memory begins or ends at a guard page.
-    void lay_out(jorm_array &a, uint32_t type, int ndims, const int32_t *extent, Guarded &where, bool may_repeat) {
+    void lay_out(jorm_array &a, uint32_t type, int ndims, const int32_t *extent, Guarded &where, bool may_repeat,
+                 int32_t *befores) {
         const int element = bytes_of(type);
         const bool dense = !r.one_in(2), view = r.one_in(3);
         int order[4] = {3, 2, 1, 0};
@@ -295,7 +329,7 @@ private:
         for (const int k : order) {
             const int32_t n = extent[k];
             const bool used = k >= 4 - ndims;
-            const int32_t before = view && used && k > 0 && k < 3 ? r.in(0, 3) : 0;
+            const int32_t before = befores[k] = view && used && k > 0 && k < 3 ? r.in(0, 3) : 0;
             const int32_t whole = n + before + (view && used && k > 0 && k < 3 ? r.in(0, 3) : 0);
             a.extent[k] = uint32_t(n);
             a.parent_extent[k] = uint32_t(whole);
@@ -315,7 +349,7 @@ private:
         a.eltype = type;
         if (span > int64_t(Guarded::bytes)) {
             const int32_t row[4] = {1, 1, extent[2], extent[3]};
-            return lay_out(a, type, ndims, row, where, may_repeat);
+            return lay_out(a, type, ndims, row, where, may_repeat, befores);
         }
         uint8_t *const lowest = r.one_in(2) ? where.start : where.end() - span;
         const bool from_lowest = !view && r.one_in(2);
@@ -355,16 +389,16 @@ private:
         }
     }
 
-    bool destination_in_order() const {
-        const jorm_array &a = array_[0];
-        if (!has_destination_ || !a.base || (a.ndims != 3 && a.ndims != 4)) return false;
+    bool destination_in_order() const { return has_destination_ && in_order(array_[0]); }
+    static bool in_order(const jorm_array &a) {
+        if (!a.base || (a.ndims != 3 && a.ndims != 4)) return false;
         for (int k = 0; k < 3; ++k)
             if (int32_t(a.extent[k]) < 1 || a.extent[k] > 1000) return false;
         const bool sized = (a.eltype >= 1 && a.eltype <= 4) || (a.eltype >= 9 && a.eltype <= 14);
         return sized && channels_of(a) >= 1 && channels_of(a) <= 4;
     }
     static int channels_of(const jorm_array &a) { return int(a.extent[3] & 7) + int(a.extent[3] >> 3 & 1); }
-    template <class F> static void each_byte_run(const jorm_array &a, F f) {
+    template <class F> static void each_byte_run(const jorm_array &a, const uint8_t *base, F f) {
         const int planes = a.ndims == 4 ? int(a.extent[0]) : 1;
         const uint8_t *const start = static_cast<const uint8_t *>(a.base) + a.loff;
         for (int z = 0; z < planes; ++z)
@@ -374,7 +408,7 @@ private:
                         const uint8_t *const p = start + (planes > 1 ? int64_t(z) * a.stride[0] : 0) +
                                                  int64_t(y) * a.stride[1] + int64_t(x) * a.stride[2] +
                                                  int64_t(c) * a.stride[3];
-                        f(size_t(p - memory()[0].start), bytes_of(a.eltype));
+                        f(size_t(p - base), bytes_of(a.eltype));
                     }
     }
 
@@ -384,9 +418,9 @@ private:
     int ndims_;
     int32_t extent_[4];
     jorm_array array_[5] = {};
-    int block_[5] = {};
+    int32_t before_[5][4] = {}; // how far views are from their parents' starts
     int arrays_ = 0, sites_ = 0, points_ = 0, numbers_ = 0, outputs_ = 0;
-    bool has_destination_ = false, in_place_ = false;
+    bool looks_around_, has_destination_ = false, in_place_ = false;
     jorm_site site_[3];
     int32_t point_[3][4];
     double number_[4][16], weights_[3][64];
@@ -407,22 +441,30 @@ template <class... A> void call(const char *name, int64_t (*entry)(A...), const 
     const int64_t status = std::apply(entry, arguments);
     world.save(plain);
     if (status < 0) check(world.same(before, plain), name, "written although refused");
-    if (!world.only_destination_written(before, plain)) world.describe(), fail(name, "written beside the destination");
-    world.settle_nan(plain);
-
-    const auto again = [&](const char *what, bool may_refuse) {
-        const int64_t answer = std::apply(entry, arguments);
-        world.save(other);
-        world.settle_nan(other);
-        if (may_refuse && (answer < 0 || status < 0)) return;
-        const bool same = world.same(plain, other) || !world.results_specified();
-        if (answer != status || !same) world.describe(), fail(name, what);
+    const auto want = [&](bool holds, const char *what) {
+        if (!holds) world.describe(), fail(name, what);
     };
+    want(world.only_destination_written(before, plain), "written beside the destination");
+    const uint8_t *const base = World::destination_memory();
+    world.settle_nan(plain.bytes[0], base, plain.out);
+
     world.restore(before);
     std::get<1>(arguments) |= JORM_OPT_NO_SIMD;
-    again("the switch makes a difference", false);
+    want(std::apply(entry, arguments) == status, "the switch makes a difference to the status");
+    world.save(other);
+    world.settle_nan(other.bytes[0], base, other.out);
+    if (!world.results_specified()) return;
+    want(world.same(plain, other), "the switch makes a difference");
+    if (status < 0) return;
+
+    const std::vector<uint8_t> result = world.result(plain.bytes[0], base);
     world.restore(before);
-    if (world.set_sources_apart(before)) again("overlap makes a difference", true);
+    uint8_t *const copy = world.set_dense_copies();
+    std::get<1>(arguments) &= ~JORM_OPT_NO_SIMD;
+    want(std::apply(entry, arguments) == status, "dense copies make a difference to the status");
+    world.settle_nan(copy, copy, world.out);
+    const bool same = world.result(copy, copy) == result && std::memcmp(&world.out, &plain.out, sizeof plain.out) == 0;
+    want(same, "dense copies make a difference");
 }
 
 struct Entry {
