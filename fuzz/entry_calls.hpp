@@ -32,7 +32,7 @@ public:
         extent_[0] = ndims_ == 4 ? r.in(1, 3) : 1;
         extent_[1] = r.in(1, 9);
         extent_[2] = r.of(widths) - r.in(0, 1) % r.in(1, 3);
-        if (extent_[2] < 1) extent_[2] = 1;
+        if (extent_[2] < 1 || r.one_in(8)) extent_[2] = extent_[1]; // as matrices like it
         extent_[3] = r.one_in(2) ? r.in(1, 4) : 1;
         Noise noise(r.word());
         const int style = r.in(0, 3);
@@ -96,7 +96,12 @@ public:
         for (int i = 0; i < 16; ++i) v[i] = r.number();
         return v;
     }
-    double *draw(double **) { return r.one_in(16) ? nullptr : out.numbers[outputs_++ % 2]; }
+    double *draw(double **) {
+        if (r.one_in(16)) return nullptr;
+        double *const list = out.numbers[outputs_++ % 2];
+        if (r.one_in(2)) std::fill_n(list, 16, 0.0); // factors that are to be found
+        return list;
+    }
     vrng *draw(vrng **) { return r.one_in(4) ? nullptr : out.ranges; }
     uint32_t *draw(uint32_t **) { return r.one_in(4) ? nullptr : out.bins; }
     jorm_minmax *draw(jorm_minmax **) { return r.one_in(16) ? nullptr : &out.minmax; }
@@ -170,7 +175,7 @@ public:
             return a = array_[0], &a;
         }
         for (int k = 1; k < 3; ++k)
-            if (r.one_in(5)) extent[k] = r.in(1, extent[k] + 2);
+            if (r.one_in(5)) extent[k] = r.one_in(3) ? 1 : r.in(1, extent[k] + 2);
         if (r.one_in(12)) extent[3] = r.in(1, 4);
         if (role != 'd' && ndims == 4 && r.one_in(6)) ndims = 3, extent[0] = 1;
         const int block = role == 'd' || (!strict && r.one_in(6)) ? 0 : 1 + i % 2;
