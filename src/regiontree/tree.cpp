@@ -109,7 +109,7 @@ int32_t JormAGTcountChildren(const jorm_agt *node, int32_t recursive) {
 
 jorm_dgt *__JormDGTnodeData(jorm_dgt *node, void *data) {
     node->data = data;
-    std::memcpy(data, &node, sizeof node);
+    std::memcpy(data, &node, sizeof(void *));
     return node;
 }
 
