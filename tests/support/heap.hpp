@@ -1,4 +1,4 @@
-// A heap that counts its calls and its blocks and can be made to fail; the sanitizers have allocators of their own.
+// A heap that counts its calls and its blocks and can be made to fail; sanitizers and Valgrind put theirs in its place.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -9,10 +9,7 @@
 static int64_t heap_blocks = 0;             // obtained and not given back
 static int64_t heap_calls_left = INT64_MAX; // requests that still succeed
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool own_heap = false;
-#else
-constexpr bool own_heap = true;
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 extern "C" void *__libc_malloc(size_t);
 extern "C" void *__libc_calloc(size_t, size_t);
 extern "C" void *__libc_realloc(void *, size_t);
@@ -41,3 +38,8 @@ extern "C" void free(void *p) noexcept {
     __libc_free(p);
 }
 #endif
+static const bool own_heap = [] {
+    void *volatile p = std::malloc(1);
+    std::free(p);
+    return heap_calls > 0;
+}();
