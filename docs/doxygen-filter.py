@@ -1,16 +1,50 @@
 #!/usr/bin/env python3
-"""Doxygen's input filter for the public headers: says in Doxygen's words what their plain comments say.
+"""Doxygen's input filter: says in Doxygen's words what the plain comments of the public headers and the links of the
+documents say.
 
 A comment that begins a line documents all declarations up to the next such comment, the first of a file the file; one
 behind a field or a value documents that. Lists of declarations by a function type become full declarations.
 
-Usage: doxygen-filter.py HEADER
+Usage: doxygen-filter.py HEADER-OR-DOCUMENT
 """
 import pathlib
 import re
 import sys
 
 header = pathlib.Path(sys.argv[1])
+
+
+def label(page):
+    """The name of a document's page; the first one of all is known as index."""
+    if page.name == "README.md":
+        return "index"
+    return ("guide-" if page.resolve().parts[-3:-1] == ("docs", "guide") else "page-") + page.stem.lower()
+
+
+def document(page):
+    """A document with a named title; links go to pages and to headers of the reference, others become plain text."""
+    contents = label(page) == "guide-index"
+
+    def link(m):
+        picture, text, target = m[1], " ".join(m[2].replace("`", "").split()), pathlib.PurePosixPath(m[3])
+        if picture:
+            return f"![{text}]({target.name})"
+        if target.suffix == ".md":
+            of = page.parent / target
+            if contents and label(of).startswith("guide-"):
+                return f'@subpage {label(of)} "{text}"'
+            return f"[{text}](@ref {label(of)})"
+        return f"[{text}](@ref {target.name})" if target.suffix == ".h" else text
+
+    blocks = re.split(r"(^```.*?^```$)", page.read_text(), flags=re.MULTILINE | re.DOTALL)
+    blocks[::2] = [re.sub(r"(!?)\[([^\]]+)\]\((?!https?:)([^)#]+)\)", link, block) for block in blocks[::2]]
+    named = "" if label(page) == "index" else f" {{#{label(page)}}}"
+    return re.sub(r"\A# (.*)", lambda m: m[0] + named, "".join(blocks))
+
+
+if header.suffix == ".md":
+    sys.stdout.write(document(header))
+    sys.exit()
 folder = next(p for p in header.resolve().parents if p.name == "include")
 
 TYPE = re.compile(r"^typedef (\w[\w ]*?\**) ?(\w+)\(([^;]*)\);", re.MULTILINE)
