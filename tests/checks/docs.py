@@ -13,7 +13,8 @@ import sys
 def main():
     root, scratch = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
     for page in [*root.glob("*.md"), *root.glob("docs/**/*.md")]:
-        for target in re.findall(r"\]\((?!\w+:)([^)#]+)", page.read_text()):
+        prose = re.sub(r"^```.*?^```$", "", page.read_text(), flags=re.MULTILINE | re.DOTALL)
+        for target in re.findall(r"\]\((?!\w+:)([^)#]+)", prose):
             assert (page.parent / target).exists(), f"{page} links to {target}"
     if not shutil.which("doxygen"):
         sys.exit(77)
