@@ -3,7 +3,7 @@
 #include "jorm/arith.h"
 #include "jorm/stats.h"
 #include "support/heap.hpp"
-#include "support/picture.hpp"
+#include "support/read_case.hpp"
 
 namespace {
 
@@ -64,50 +64,11 @@ int64_t bin_of(const jorm_histogram &h, uint32_t type, double x) {
     return width == h.nbins ? v - lo : int64_t(__int128(v - lo) * h.nbins / width);
 }
 
-// How one channel of a region with origin o and size n falls into bins; the mask, if any, is read at m.
-struct Expected {
-    std::vector<uint32_t> bins;
-    uint32_t sum = 0;
-    double total = 0, magnitude = 0;
-
-    Expected(const jorm_histogram &h, const Picture &src, const Index &o, Index n, int channel, const Picture *mask,
-             const Index &m, int unselected)
-        : bins(h.nbins + 1) {
-        const uint32_t type = src.a.eltype;
-        n[3] = 1;
-        each(n, [&](const Index &at) {
-            if (mask && *mask->at(::sum(at, m)) == unselected) return;
-            const double x = src.get(::sum(::sum(at, o), {0, 0, 0, channel}));
-            const int64_t bin = bin_of(h, type, x);
-            if (bin < 0) return;
-            ++bins[size_t(bin)];
-            total += x, magnitude += std::fabs(x);
-        });
-        const auto lo = int64_t(std::clamp(double(h.ilo), lowest(type), highest(type)));
-        for (uint32_t i = 0; i < h.nbins; ++i) sum += bins[i] * uint32_t(lo + i);
-    }
-};
-
 void check_case(Random &r, int rows, int pixels) {
     const uint32_t type = r.of(types);
-    const int axes = r.in(3, 4), style = r.in(0, 2), density = r.in(0, 2) * 4;
-    const Index full = {axes == 4 ? r.in(1, 3) : 1, rows, pixels, r.in(1, 3)};
-    Picture src(r, type, full, false, axes);
-    src.fill([&] { return sample(r, type, style); });
-    const Part part(r, full);
-    const Index &o = part.origin, &n = part.size;
-    const bool masked = type != JORM_S8 && r.one_in(2), inverted = r.one_in(2);
-    const Index m = {0, r.in(0, 2), r.in(0, 2), 0};
-    Picture mask(r, r.of(std::array{JORM_U8, JORM_S8}), {full[0], n[1] + m[1], n[2] + m[2], 1}, false, axes);
-    mask.fill([&] { return r.in(0, 7) < density ? r.in(1, 255) : 0; });
-
-    const uint32_t chosen = r.one_in(2) ? 0 : r() & 15, in_code = r.one_in(2) ? chosen : 0;
-    src.a.extent[3] |= in_code << 4;
-    const uint64_t options = (chosen - in_code) << 4 | (inverted ? JORM_OPT_MASK_INVERT : 0);
-    const int lead = 4 - axes, layer = r.in(0, 3);
-    const uint32_t word = JORM_WORD(axes);
-    const Index size = {n[0], n[1], n[2], n[3] | int(in_code << 4)};
-    const int32_t *const s = &size[lead], *const stride = &src.a.stride[lead], *const by = &mask.a.stride[lead];
+    ReadCase c(r, type, rows, pixels, type != JORM_S8);
+    const int style = r.in(0, 2), layer = r.in(0, ReadCase::layers - 1);
+    c.src.fill([&] { return sample(r, type, style); });
     const jorm_histdesc d[3] = {random_description(r, type), random_description(r, type), random_description(r, type)};
     const bool with_scratch = !r.one_in(4), without_bins = r.one_in(8);
     float first_sum[3];
@@ -118,43 +79,36 @@ void check_case(Random &r, int rows, int pixels) {
         if (without_bins) h[0].bins = nullptr;
         Env env;
         jorm_xe *const xe = with_scratch ? &env.xe : nullptr;
-        uint8_t *const p = src.at(layer == 1 ? Index{} : o), *const q = mask.at(layer == 1 ? Index{} : m);
         const jorm_histparams params = {0, h};
-        const auto call = [&] {
-            if (layer == 0)
-                return masked ? JormHistogramEx(xe, options, &src.a, &mask.a, part.roi(), m.data(), 0, h)
-                              : JormHistogram(xe, options, &src.a, part.roi(), 0, h);
-            if (layer == 1)
-                return masked ? jorma_histogram_xm(xe, options, word, s, type, p, &o[lead], stride, q, &m[lead], by, h)
-                              : jorma_histogram(xe, options, word, s, type, p, &o[lead], stride, h);
-            if (layer == 2)
-                return masked ? jorma__histogram_xm(xe, options, word, s, type, p, stride, q, by, h)
-                              : jorma__histogram(xe, options, word, s, type, p, stride, h);
-            return masked ? JormTGAhistogramEx(xe, options, &params, word, s, type, p, stride, mask.a.eltype, q, by)
-                          : JormTGAhistogram(xe, options, &params, word, s, type, p, stride);
-        };
         for (uint32_t calls : {1u, 2u}) {
-            ASSERT_EQ(call(), JORM_OK);
-            for (int c = 0; c < 3; ++c) {
-                SCOPED_TRACE(testing::Message() << "type " << type << " channel " << c << " level " << level
-                                                << " layer " << layer << " interval " << d[c].lo << ' ' << d[c].hi);
-                const Bytes untouched((h[c].nbins + 1) * 4);
-                const bool selected = c < n[3] && (chosen == 0 || (chosen >> c & 1)) && h[c].bins;
-                if (!selected) {
-                    ASSERT_EQ(std::memcmp(own[c].bins, untouched.data(), untouched.size()), 0);
-                    ASSERT_EQ(h[c].sum, 0u);
-                    continue;
-                }
-                const Expected e(h[c], src, o, n, c, masked ? &mask : nullptr, m, inverted ? 255 : 0);
-                for (uint32_t i = 0; i <= h[c].nbins; ++i) ASSERT_EQ(h[c].bins[i], calls * e.bins[i]) << "bin " << i;
+            ASSERT_EQ(layer == ReadCase::entry        ? c.at_entry(xe, JormHistogram, JormHistogramEx, 0, h)
+                      : layer == ReadCase::adapter    ? c.at_adapter(xe, jorma_histogram, jorma_histogram_xm, h)
+                      : layer == ReadCase::dispatcher ? c.at_dispatcher(xe, jorma__histogram, jorma__histogram_xm, h)
+                                                      : c.at_slice(xe, JormTGAhistogram, JormTGAhistogramEx, &params),
+                      JORM_OK);
+            for (int k = 0; k < 3; ++k) {
+                SCOPED_TRACE(testing::Message() << "type " << type << " channel " << k << " level " << level
+                                                << " layer " << layer << " interval " << d[k].lo << ' ' << d[k].hi);
+                std::vector<uint32_t> bins(h[k].nbins + 1);
+                double total = 0, magnitude = 0;
+                if (c.selects(k) && h[k].bins)
+                    c.each_sample(k, [&](double x, const Index &) {
+                        const int64_t bin = bin_of(h[k], type, x);
+                        if (bin < 0) return;
+                        bins[size_t(bin)] += calls, total += calls * x, magnitude += calls * std::fabs(x);
+                    });
+                ASSERT_TRUE(std::equal(bins.begin(), bins.end(), own[k].bins));
+                const auto lo = int64_t(std::clamp(double(h[k].ilo), lowest(type), highest(type)));
+                uint32_t sum = 0;
+                for (uint32_t i = 0; i < h[k].nbins; ++i) sum += bins[i] * uint32_t(lo + i);
                 if (type != JORM_F32) {
-                    ASSERT_EQ(h[c].sum, calls * e.sum);
-                    ASSERT_EQ(h[c].fsum, h[c].ilo < 0 ? float(int32_t(h[c].sum)) : float(h[c].sum));
-                } else if (e.magnitude < 1e6) {
-                    ASSERT_NEAR(h[c].fsum, calls * e.total, 1e-6 * calls * e.magnitude);
-                    ASSERT_EQ(int32_t(h[c].sum), std::nearbyint(h[c].fsum));
-                    if (level == 0 && calls == 1) first_sum[c] = h[c].fsum;
-                    ASSERT_TRUE(calls == 2 || h[c].fsum == first_sum[c]);
+                    ASSERT_EQ(h[k].sum, sum);
+                    ASSERT_EQ(h[k].fsum, h[k].ilo < 0 ? float(int32_t(h[k].sum)) : float(h[k].sum));
+                } else if (magnitude < 1e6) {
+                    ASSERT_NEAR(h[k].fsum, total, 1e-6 * magnitude);
+                    ASSERT_EQ(int32_t(h[k].sum), std::nearbyint(h[k].fsum));
+                    if (level == 0 && calls == 1) first_sum[k] = h[k].fsum;
+                    ASSERT_TRUE(calls == 2 || h[k].fsum == first_sum[k]);
                 }
             }
         }

@@ -1,7 +1,7 @@
 // Sums, means, extrema and measured ranges over random types, layouts, regions, masks and levels, against plain loops.
 #include "jorm/arith.h"
 #include "jorm/stats.h"
-#include "support/picture.hpp"
+#include "support/read_case.hpp"
 
 namespace {
 
@@ -26,28 +26,21 @@ struct Expected {
     jorm_extremum min, max;
 };
 
-// One channel of a region with origin o and size n, whose first pixel is called `first`; the mask, if any, is read at
-// m.
-Expected expected(const Picture &src, const Index &o, Index n, int channel, const Index &first, const Picture *mask,
-                  const Index &m, int unselected) {
-    const uint32_t type = src.a.eltype;
-    const bool real = type == JORM_F32;
+// One channel of the region, whose first pixel is called `first`.
+Expected expected(const ReadCase &c, int channel, const Index &first) {
+    const bool real = c.type == JORM_F32;
     double partial[64] = {}, count = 0, low = nan, high = nan;
     __int128 whole = 0;
-    int64_t i = -1;
     const auto extremum = [&](double v, const Index &at) {
         const int32_t nearest = v >= INT32_MIN && v <= INT32_MAX ? int32_t(std::nearbyint(v)) : INT32_MIN;
         return jorm_extremum{nearest, float(v), at[1], at[2], at[0], 0};
     };
     const Index nowhere = {-1, -1, -1, -1};
-    Expected e = {0, 0, extremum(real ? nan : highest(type), nowhere), extremum(real ? nan : lowest(type), nowhere)};
-    n[3] = 1;
-    each(n, [&](const Index &at) {
-        ++i;
-        if (mask && *mask->at(sum(at, m)) == unselected) return;
-        const double v = src.get(sum(sum(at, o), {0, 0, 0, channel}));
+    Expected e = {0, 0, extremum(real ? nan : highest(c.type), nowhere),
+                  extremum(real ? nan : lowest(c.type), nowhere)};
+    c.each_sample(channel, [&](double v, const Index &at) {
         ++count;
-        partial[i % 64] += v;
+        partial[((at[0] * c.n[1] + at[1]) * c.n[2] + at[2]) % 64] += v;
         if (!real) whole += int64_t(v);
         if (v < low || (std::isnan(low) && !std::isnan(v))) low = v, e.min = extremum(v, sum(at, first));
         if (v > high || (std::isnan(high) && !std::isnan(v))) high = v, e.max = extremum(v, sum(at, first));
@@ -60,47 +53,19 @@ Expected expected(const Picture &src, const Index &o, Index n, int channel, cons
 }
 
 void check_case(Random &r, int rows, int pixels) {
-    const uint32_t type = r.of(types);
-    const int axes = r.in(3, 4), style = r.in(0, 2), density = r.in(0, 2) * 4;
-    const Index full = {axes == 4 ? r.in(1, 3) : 1, rows, pixels, r.in(1, 3)};
-    Picture src(r, type, full, false, axes);
-    src.fill([&] { return sample(r, type, style); });
-
-    const Part part(r, full);
-    const Index &o = part.origin;
-    Index n = part.size;
-    const bool masked = r.one_in(2), inverted = r.one_in(2);
-    const Index m = {r.in(0, axes - 3), r.in(0, 2), r.in(0, 2), 0};
-    Picture mask(r, r.of(std::array{JORM_U8, JORM_S8}), {full[0], n[1] + m[1], n[2] + m[2], 1}, false, axes);
-    mask.fill([&] { return r.in(0, 7) < density ? r.in(1, 255) : 0; });
-    if (masked) n[0] = std::min(n[0], full[0] - m[0]);
-    if (n[0] < 1) return;
-
-    const uint32_t chosen = r.one_in(2) ? 0 : r() & 15, in_code = r.one_in(2) ? chosen : 0;
-    src.a.extent[3] |= in_code << 4;
-    const uint64_t options =
-        (chosen - in_code) << 4 | (inverted ? JORM_OPT_MASK_INVERT : 0) | (r.one_in(2) ? JORM_OPT_FAST : 0);
-    const int lead = 4 - axes;
-    const uint32_t word = JORM_WORD(axes);
-    const Index size = {n[0], n[1], n[2], n[3] | int(in_code << 4)};
-    const int32_t *const s = &size[lead], *const stride = &src.a.stride[lead], *const by = &mask.a.stride[lead];
-    enum { entry, adapter, dispatcher, slice };
+    ReadCase c(r, r.of(types), rows, pixels);
+    const int style = r.in(0, 2);
+    c.src.fill([&] { return sample(r, c.type, style); });
+    if (r.one_in(2)) c.options |= JORM_OPT_FAST;
     for (int level = 0; level < jorm::level_count; ++level) {
         use_level(level);
-        const int layer = r.in(entry, slice);
-        const auto call = [&](auto plain, auto ex, auto base, auto base_xm, auto start, auto start_xm, auto tga,
+        const int layer = r.in(0, ReadCase::layers - 1);
+        const auto call = [&](auto entry, auto entry_ex, auto base, auto base_xm, auto start, auto start_xm, auto tga,
                               auto tga_ex, auto *out) {
-            uint8_t *const p = src.at(layer == adapter ? Index{} : o);
-            uint8_t *const q = mask.at(layer == adapter ? Index{} : m);
-            if (layer == entry && masked) return ex(nullptr, options, &src.a, &mask.a, part.roi(), m.data(), out);
-            if (layer == entry) return plain(nullptr, options, &src.a, part.roi(), out);
-            if (layer == adapter && masked)
-                return base_xm(nullptr, options, word, s, type, p, &o[lead], stride, q, &m[lead], by, out);
-            if (layer == adapter) return base(nullptr, options, word, s, type, p, &o[lead], stride, out);
-            if (layer == dispatcher && masked) return start_xm(nullptr, options, word, s, type, p, stride, q, by, out);
-            if (layer == dispatcher) return start(nullptr, options, word, s, type, p, stride, out);
-            if (masked) return tga_ex(nullptr, options, out, word, s, type, p, stride, mask.a.eltype, q, by);
-            return tga(nullptr, options, out, word, s, type, p, stride);
+            return layer == ReadCase::entry        ? c.at_entry(nullptr, entry, entry_ex, out)
+                   : layer == ReadCase::adapter    ? c.at_adapter(nullptr, base, base_xm, out)
+                   : layer == ReadCase::dispatcher ? c.at_dispatcher(nullptr, start, start_xm, out)
+                                                   : c.at_slice(nullptr, tga, tga_ex, out);
         };
         double sums[4] = {-7, -7, -7, -7}, means[4] = {-7, -7, -7, -7};
         jorm_minmax mm;
@@ -113,17 +78,16 @@ void check_case(Random &r, int rows, int pixels) {
                                    JormTGAmean, JormTGAmeanEx, means),
                               call(JormMinmax, JormMinmaxEx, jorma_minmax, jorma_minmax_xm, jorma__minmax,
                                    jorma__minmax_xm, JormTGAminmax, JormTGAminmaxEx, &mm)});
-        const Index first = layer > adapter ? Index{} : o;
-        for (int c = 0; c < 4; ++c) {
-            const bool selected = c < n[3] && (chosen == 0 || (chosen >> c & 1));
-            const Expected e =
-                selected ? expected(src, o, n, c, first, masked ? &mask : nullptr, m, inverted ? 255 : 0) : Expected{};
-            SCOPED_TRACE(testing::Message() << "type " << type << " channel " << c << " level " << level << " layer "
-                                            << layer << " size " << n[0] << 'x' << n[1] << 'x' << n[2] << 'x' << n[3]);
-            ASSERT_PRED2(same, sums[c], e.sum);
-            ASSERT_PRED2(same, means[c], e.mean);
-            ASSERT_EQ(parts(mm.min[c]), parts(selected && (mm.request & JORM_WANT_MIN) ? e.min : untouched.min[c]));
-            ASSERT_EQ(parts(mm.max[c]), parts(selected && (mm.request & JORM_WANT_MAX) ? e.max : untouched.max[c]));
+        for (int k = 0; k < 4; ++k) {
+            const Expected e = c.selects(k) ? expected(c, k, layer > ReadCase::adapter ? Index{} : c.o) : Expected{};
+            SCOPED_TRACE(testing::Message() << "type " << c.type << " channel " << k << " level " << level << " layer "
+                                            << layer << " size " << testing::PrintToString(c.n));
+            ASSERT_PRED2(same, sums[k], e.sum);
+            ASSERT_PRED2(same, means[k], e.mean);
+            const bool min = c.selects(k) && (mm.request & JORM_WANT_MIN);
+            const bool max = c.selects(k) && (mm.request & JORM_WANT_MAX);
+            ASSERT_EQ(parts(mm.min[k]), parts(min ? e.min : untouched.min[k]));
+            ASSERT_EQ(parts(mm.max[k]), parts(max ? e.max : untouched.max[k]));
         }
     }
 }
