@@ -1,6 +1,8 @@
 // Relative box counting over random types, layouts, regions, windows, ranges and levels, against plain loops.
 #include "jorm/stats.h"
-#include "support/picture.hpp"
+#include "support/read_case.hpp"
+
+#include <map>
 
 namespace {
 
@@ -10,67 +12,52 @@ double boxes(double low, double high, double height) {
 
 void check_case(Random &r, jorm_xe *xe, int rows, int pixels) {
     const uint32_t type = r.of(std::array{JORM_U8, JORM_S16, JORM_S32, JORM_F32});
-    const int axes = r.in(3, 4), style = r.in(0, 2);
-    const Index full = {axes == 4 ? r.in(1, 4) : 1, rows, pixels, r.in(1, 3)};
-    Picture src(r, type, full, false, axes);
-    src.fill([&] {
+    ReadCase c(r, type, rows, pixels, false);
+    const int style = r.in(0, 2);
+    c.src.fill([&] {
         if (type == JORM_F32) return style == 0 && r.one_in(3) ? nan : r.in(-1000, 1000) / 64.;
         return style == 0 ? r.of(std::array{lowest(type), highest(type)}) : r.in(0, 100);
     });
-    const Part part(r, full);
-    const Index &o = part.origin, &n = part.size;
-    const bool with_shape = !r.one_in(4);
+    const Index &n = c.n;
+    const bool with_shape = !r.one_in(4), given = r.one_in(2);
     jorm_seshape shape = {};
     Index window = {1, 5, 5, 1};
     if (with_shape) {
         window = {r.in(1, 3), r.in(1, 9), r.in(2, 9), 1};
         for (size_t i = 0; i < 3; ++i) shape.extent[i] = window[i], shape.anchor[i] = r.in(0, 1);
     }
-    if (axes == 3) window[0] = 1;
+    if (c.axes == 3) window[0] = 1;
 
     // Given ranges: valid, degenerate, without bounds; for the last the measured range.
-    const bool given = r.one_in(2);
-    vrng ranges[4], used[4];
-    Index one = n;
-    one[3] = 1;
-    for (int c = 0; c < n[3]; ++c) {
-        double low = inf, high = -inf;
-        each(one, [&](const Index &i) {
-            const double v = src.get(sum(sum(i, o), {0, 0, 0, c}));
-            low = std::fmin(low, v), high = std::fmax(high, v);
-        });
-        ranges[c] = r.of(std::array{vrng{-3.5, 96.25}, vrng{7, 7}, vrng{9, 2}, vrng{-inf, 5}});
-        used[c] =
-            given && ranges[c].lo <= ranges[c].hi && ranges[c].lo > -inf ? ranges[c] : vrng{float(low), float(high)};
-        if (!given) ranges[c] = {1, 0};
-        if (low > high) used[c] = {0, 0}; // nothing but NaN
-    }
+    vrng ranges[4];
     double expected[4] = {-7, -7, -7, -7};
-    const uint32_t chosen = r.one_in(2) ? 0 : r() & 15;
-    for (int c = 0; c < n[3]; ++c) {
-        if ((chosen & ((1u << n[3]) - 1)) != 0 ? (chosen >> c & 1) == 0 : chosen != 0) continue;
-        expected[c] = 0;
-        const double height = (used[c].hi - used[c].lo) * window[1] / n[1];
-        for (int z = 0; z < n[0]; z += window[0])
-            for (int y = 0; y < n[1]; y += window[1])
-                for (int x = 0; x < n[2]; x += window[2]) {
-                    double low = inf, high = -inf;
-                    each({std::min(window[0], n[0] - z), std::min(window[1], n[1] - y), std::min(window[2], n[2] - x),
-                          1},
-                         [&](const Index &i) {
-                             const double v = src.get(sum(sum(i, o), {z, y, x, c}));
-                             low = std::fmin(low, v), high = std::fmax(high, v);
-                         });
-                    expected[c] += boxes(low, high, height);
-                }
+    for (int k = 0; k < n[3]; ++k) {
+        std::map<Index, vrng> extrema; // of each window and, at a place of its own, of the region
+        const Index all = {-1, -1, -1, -1};
+        c.each_sample(k, [&](double v, const Index &i) {
+            for (const Index &at : {Index{i[0] / window[0], i[1] / window[1], i[2] / window[2], 0}, all}) {
+                vrng &range = extrema.try_emplace(at, vrng{inf, -inf}).first->second;
+                range = {std::fmin(range.lo, v), std::fmax(range.hi, v)};
+            }
+        });
+        vrng used = {float(extrema[all].lo), float(extrema[all].hi)};
+        if (used.lo > used.hi) used = {0, 0}; // nothing but NaN
+        ranges[k] = r.of(std::array{vrng{-3.5, 96.25}, vrng{7, 7}, vrng{9, 2}, vrng{-inf, 5}});
+        if (given && ranges[k].lo <= ranges[k].hi && ranges[k].lo > -inf && extrema[all].lo <= extrema[all].hi)
+            used = ranges[k];
+        if (!c.selects(k)) continue;
+        extrema.erase(all);
+        expected[k] = 0;
+        for (const auto &[at, range] : extrema)
+            expected[k] += boxes(range.lo, range.hi, (used.hi - used.lo) * window[1] / n[1]);
     }
     for (int level = 0; level < jorm::level_count; ++level) {
         use_level(level);
         double results[4] = {-7, -7, -7, -7};
-        ASSERT_EQ(JormCountRelBox(xe, uint64_t(chosen) << 4, &src.a, part.roi(), with_shape ? &shape : nullptr,
+        ASSERT_EQ(JormCountRelBox(xe, c.options, &c.src.a, c.part.roi(), with_shape ? &shape : nullptr,
                                   given ? ranges : nullptr, results),
                   JORM_OK);
-        for (int c = 0; c < 4; ++c) ASSERT_EQ(results[c], expected[c]) << "type " << type << " level " << level;
+        for (int k = 0; k < 4; ++k) ASSERT_EQ(results[k], expected[k]) << "type " << type << " level " << level;
     }
 }
 
