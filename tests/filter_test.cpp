@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr uint32_t types[] = {JORM_U8, JORM_S16, JORM_S32, JORM_F32};
-
 // The mean of exact sums, or of sums in double precision, rounded to nearest even.
 double mean(const WindowCase &c, const Index &p) {
     if (c.src.eltype == JORM_F32) {
@@ -43,16 +41,9 @@ double wanted(const WindowCase &c, uint32_t kind, const Index &p) {
     }
 }
 
-struct Filter : testing::Test {
-    Random r{20};
-    jorm_xe *xe = JormXEopen(nullptr, nullptr, 0);
-    ~Filter() override {
-        JormXEclose(xe);
-        use_level(0);
-    }
+struct Filter : WindowTest {
     void run(uint32_t kind, int count, int max_window, bool specials) {
-        for (int i = 0; i < count; ++i) {
-            use_level(r.in(0, jorm::level_count - 1));
+        for (int i = 0; i < count && !HasFailure(); ++i) {
             const uint32_t type = r.of(types);
             WindowCase c(r, type, 1, r.one_in(4) ? max_window : 5);
             if (type == JORM_F32)
@@ -60,15 +51,8 @@ struct Filter : testing::Test {
                     return specials && r.one_in(3) ? r.of(std::array{nan, inf, -inf, 1e30})
                                                    : float(r.in(-9999, 9999)) / 8;
                 });
-            SCOPED_TRACE(c.describe());
-            c.check(
-                [&] {
-                    return JormFilter(xe, c.flags, &c.dst, c.source(), c.destination_region(), c.source_region(), kind,
-                                      &c.shape);
-                },
-                [&](const Index &p) { return wanted(c, kind, p); },
-                [](double a, double b) { return same(a, b) || a == b; });
-            if (HasFailure()) return;
+            c.check([&] { return c.call(JormFilter, xe, kind, &c.shape); },
+                    [&](const Index &p) { return wanted(c, kind, p); });
         }
     }
 };
