@@ -14,7 +14,7 @@ const double pi = std::acos(-1.0);
 const int32_t extremes[] = {low, low + 1, -65536, -1, 0, 1, 46341, 1 << 30, high - 1, high};
 
 // The functions of a family that all three have, of points, rectangles, corners and centres.
-template <class P, class R, class K, class C> struct Family {
+template <class P, class R, class K, class C, class Q> struct Family {
     template <class Out> using OfPoints = Out *(Out *, const P *, int32_t);
     int32_t (*intersec)(R *, const R *, const R *);
     R *(*unite)(R *, const R *, const R *);
@@ -26,15 +26,20 @@ template <class P, class R, class K, class C> struct Family {
     double (*perimeter)(const P *, int32_t);
     OfPoints<C> *poly_centroid, *centroid;
     OfPoints<jorm_r2d_moment2> *poly_moment2, *poly_central, *moment2, *central;
+    Q *(*quad)(Q *, const P *), *(*quad_of_rect)(Q *, const R *);
+    double (*quad_area)(const Q *);
+    int32_t (*quad_convex)(const Q *), (*quad_inside)(const Q *, const P *);
+    R *(*quad_brect)(R *, const Q *);
 };
 
 // k: the letters of a kind of number; c: those of its centres.
 #define FAMILY(k, c)                                                                                                   \
-    Family<jorm_##k##_pt, jorm_##k##_rect, jorm_##k##_crect, jorm_##c##_pt> {                                          \
+    Family<jorm_##k##_pt, jorm_##k##_rect, jorm_##k##_crect, jorm_##c##_pt, jorm_##k##_quad> {                         \
         jorm_##k##_rect_intersec, jorm_##k##_rect_unite, jorm_##k##_rect_inside, __jorm_##k##_crect__$rect,            \
             __jorm_##k##_rect__$crect, jorm_##k##_crect_inside, jorm_##k##_poly_inside, jorm_##k##_poly_perimeter,     \
             jorm_##k##_poly_centroid, jorm_##k##_ptv_centroid, jorm_##k##_poly_moment2, jorm_##k##_poly_moment2_$c,    \
-            jorm_##k##_ptv_moment2, jorm_##k##_ptv_moment2_$c                                                          \
+            jorm_##k##_ptv_moment2, jorm_##k##_ptv_moment2_$c, __jorm_##k##_quad__$pts, __jorm_##k##_quad__$rect,      \
+            jorm_##k##_quad_area, jorm_##k##_quad_isconvex, jorm_##k##_quad_inside, jorm_##k##_quad_brect              \
     }
 template <class Test> void each_family(Test test) {
     test(FAMILY(2d, r2d));
@@ -177,7 +182,7 @@ TEST(Points, EveryFamily) {
 
 // Rectangles on a small lattice against the membership of its points.
 TEST(Rectangles, SetsOfPoints) {
-    each_family([]<class P, class R, class K, class C>(const Family<P, R, K, C> &f) {
+    each_family([]<class P, class R, class K, class C, class Q>(const Family<P, R, K, C, Q> &f) {
         using T = decltype(P::x);
         Random r(1);
         const auto some = [&] { return R{T(r.in(-3, 3)), T(r.in(-3, 3)), T(r.in(-1, 5)), T(r.in(-1, 5))}; };
@@ -242,7 +247,7 @@ TEST(Rectangles, FloatsHoldWhatSpansThem) {
         const double m = mantissa(r);
         return std::ldexp(m, r.in(-30, 30));
     };
-    each_family([&]<class P, class R, class K, class C>(const Family<P, R, K, C> &f) {
+    each_family([&]<class P, class R, class K, class C, class Q>(const Family<P, R, K, C, Q> &f) {
         using T = decltype(P::x);
         for (int round = 0; round < 100000 && std::is_floating_point_v<T>; ++round) {
             const P a = {T(coordinate()), T(coordinate())}, b = {T(coordinate()), T(coordinate())};
@@ -272,30 +277,6 @@ template <class P> bool inside_oracle(const std::vector<P> &points, int x, int y
     return odd;
 }
 
-TEST(Polygons, EvenOddRule) {
-    each_family([]<class P, class R, class K, class C>(const Family<P, R, K, C> &f) {
-        using T = decltype(P::x);
-        Random r(3);
-        for (int round = 0; round < 1500; ++round) {
-            std::vector<P> points(size_t(r.in(1, 7)));
-            for (P &p : points) p = {T(r.in(-4, 4)), T(r.in(-4, 4))};
-            for (int y = -5; y <= 5; ++y)
-                for (int x = -5; x <= 5; ++x) {
-                    const P b = {T(x), T(y)};
-                    ASSERT_EQ(f.poly_inside(points.data(), int32_t(points.size()), &b), inside_oracle(points, x, y))
-                        << round << ": " << x << ", " << y;
-                }
-        }
-    });
-    const jorm_2d_pt whole[] = {{low, low}, {low, high}, {high, high}, {high, low}}, zero = {};
-    const jorm_2d_pt half[] = {{low, low}, {high, high}, {low, high}}, in = {-1 << 30, 1 << 30};
-    const jorm_2d_pt out = {1 << 30, -1 << 30}, beside = {1, 0};
-    EXPECT_TRUE(jorm_2d_poly_inside(whole, 4, &zero));
-    EXPECT_TRUE(jorm_2d_poly_inside(half, 3, &in) && jorm_2d_poly_inside(half, 3, &zero));
-    EXPECT_FALSE(jorm_2d_poly_inside(half, 3, &out) || jorm_2d_poly_inside(half, 3, &beside));
-    EXPECT_FALSE(jorm_2d_poly_inside(half, 0, &zero));
-}
-
 // Moments of an area by the quadrature of triangles at the middles of their sides, which is exact for squares.
 struct Figure {
     Real size = 0, x = 0, y = 0, xx = 0, xy = 0, yy = 0;
@@ -319,6 +300,49 @@ template <class P> Figure of_area(const std::vector<P> &points, Real ox, Real oy
     }
     return f;
 }
+// Polygons and, of four corners, quadrilaterals.
+TEST(Polygons, LatticeCorners) {
+    each_family([]<class P, class R, class K, class C, class Q>(const Family<P, R, K, C, Q> &f) {
+        using T = decltype(P::x);
+        Random r(3);
+        Q q;
+        for (int round = 0; round < 3000; ++round) {
+            std::vector<P> v(round % 2 ? 4 : size_t(r.in(1, 7)));
+            for (P &p : v) p = {T(r.in(-4, 4)), T(r.in(-4, 4))};
+            if (round % 2) f.quad(&q, v.data());
+            for (int y = -5; y <= 5; ++y)
+                for (int x = -5; x <= 5; ++x) {
+                    const P b = {T(x), T(y)};
+                    const bool inside = inside_oracle(v, x, y);
+                    ASSERT_EQ(f.poly_inside(v.data(), int32_t(v.size()), &b), inside)
+                        << round << ": " << x << ", " << y;
+                    ASSERT_TRUE(round % 2 == 0 || f.quad_inside(&q, &b) == inside) << round << ": " << x << ", " << y;
+                }
+            if (round % 2 == 0) continue;
+            R box;
+            const auto [x0, x1] = std::minmax({v[0].x, v[1].x, v[2].x, v[3].x});
+            const auto [y0, y1] = std::minmax({v[0].y, v[1].y, v[2].y, v[3].y});
+            EXPECT_EQ(members<T>(*f.quad_brect(&box, &q)), (std::array<T, 4>{x0, y0, x1 - x0, y1 - y0}));
+            expect_near(f.quad_area(&q), std::fabs(of_area(v, 0, 0).size), 1e-14L);
+            // With no three corners on a line: convex where each diagonal parts the other two corners.
+            const auto side = [&](int a, int b, int c) {
+                return (v[b].x - v[a].x) * (v[c].y - v[a].y) - (v[b].y - v[a].y) * (v[c].x - v[a].x);
+            };
+            const auto by_02 = side(0, 2, 1) * side(0, 2, 3), by_13 = side(1, 3, 0) * side(1, 3, 2);
+            EXPECT_TRUE(by_02 == 0 || by_13 == 0 || f.quad_convex(&q) == (by_02 < 0 && by_13 < 0));
+        }
+        const R rect = {-3, 2, 5, 9};
+        EXPECT_EQ(members<T>(*f.quad_of_rect(&q, &rect)), (std::array<T, 8>{-3, 2, -3, 11, 2, 11, 2, 2}));
+    });
+    const jorm_2d_pt whole[] = {{low, low}, {low, high}, {high, high}, {high, low}}, zero = {};
+    const jorm_2d_pt half[] = {{low, low}, {high, high}, {low, high}}, in = {-1 << 30, 1 << 30};
+    const jorm_2d_pt out = {1 << 30, -1 << 30}, beside = {1, 0};
+    EXPECT_TRUE(jorm_2d_poly_inside(whole, 4, &zero));
+    EXPECT_TRUE(jorm_2d_poly_inside(half, 3, &in) && jorm_2d_poly_inside(half, 3, &zero));
+    EXPECT_FALSE(jorm_2d_poly_inside(half, 3, &out) || jorm_2d_poly_inside(half, 3, &beside));
+    EXPECT_FALSE(jorm_2d_poly_inside(half, 0, &zero));
+}
+
 template <class P> Figure of_points(const std::vector<P> &points, Real ox, Real oy) {
     Figure f;
     for (const P &p : points) f.add(1, p.x - ox, p.y - oy);
@@ -332,7 +356,7 @@ void expect_moments(const jorm_r2d_moment2 &m, const Figure &f) {
 
 // Triangles and vectors of points, near the origin and as far from it as the coordinates still hold them exactly.
 TEST(Moments, OfAreasAndPoints) {
-    each_family([]<class P, class R, class K, class C>(const Family<P, R, K, C> &f) {
+    each_family([]<class P, class R, class K, class C, class Q>(const Family<P, R, K, C, Q> &f) {
         using T = decltype(P::x);
         Random r(4);
         const Real rounding = std::is_same_v<decltype(C::x), float> ? 1e-7L : 1e-15L;
@@ -393,54 +417,6 @@ TEST(Moments, OfAreasAndPoints) {
     expect_near(jorm_2d_poly_moment2_$c(&m, whole, 4)->m00, side * side / 12, 1e4L);
     expect_near(jorm_2d_ptv_moment2_$c(&m, whole, 4)->m11, side * side / 4, 1e4L);
     EXPECT_EQ(jorm_2d_poly_centroid(&c, whole, 4)->x, -0.5);
-}
-
-template <class P, class R, class Q> struct Quads {
-    Q *(*of_points)(Q *, const P *), *(*of_rect)(Q *, const R *);
-    double (*area)(const Q *);
-    int32_t (*isconvex)(const Q *), (*inside)(const Q *, const P *);
-    R *(*brect)(R *, const Q *);
-};
-
-TEST(Quadrilaterals, LatticeCorners) {
-    const auto test = []<class P, class R, class Q>(const Quads<P, R, Q> &f) {
-        using T = decltype(P::x);
-        Random r(11);
-        for (int round = 0; round < 2000; ++round) {
-            std::vector<P> v(4);
-            for (P &p : v) p = {T(r.in(-4, 4)), T(r.in(-4, 4))};
-            Q q;
-            R box;
-            ASSERT_EQ(f.of_points(&q, v.data()), &q);
-            const auto [x0, x1] = std::minmax({v[0].x, v[1].x, v[2].x, v[3].x});
-            const auto [y0, y1] = std::minmax({v[0].y, v[1].y, v[2].y, v[3].y});
-            EXPECT_EQ(members<T>(*f.brect(&box, &q)), (std::array<T, 4>{x0, y0, x1 - x0, y1 - y0}));
-            expect_near(f.area(&q), std::fabs(of_area(v, 0, 0).size), 1e-14L);
-            for (int y = -5; y <= 5; ++y)
-                for (int x = -5; x <= 5; ++x) {
-                    const P b = {T(x), T(y)};
-                    ASSERT_EQ(f.inside(&q, &b), inside_oracle(v, x, y)) << round << ": " << x << ", " << y;
-                }
-            // With no three corners on a line: convex where each diagonal parts the other two corners.
-            const auto side = [&](int a, int b, int c) {
-                return (v[b].x - v[a].x) * (v[c].y - v[a].y) - (v[b].y - v[a].y) * (v[c].x - v[a].x);
-            };
-            const auto by_02 = side(0, 2, 1) * side(0, 2, 3), by_13 = side(1, 3, 0) * side(1, 3, 2);
-            if (by_02 != 0 && by_13 != 0) {
-                EXPECT_EQ(f.isconvex(&q), by_02 < 0 && by_13 < 0);
-            }
-        }
-        const R rect = {-3, 2, 5, 9};
-        Q q;
-        EXPECT_EQ(members<T>(*f.of_rect(&q, &rect)), (std::array<T, 8>{-3, 2, -3, 11, 2, 11, 2, 2}));
-    };
-#define QUADS(k)                                                                                                       \
-    Quads<jorm_##k##_pt, jorm_##k##_rect, jorm_##k##_quad>{__jorm_##k##_quad__$pts, __jorm_##k##_quad__$rect,          \
-                                                           jorm_##k##_quad_area,    jorm_##k##_quad_isconvex,          \
-                                                           jorm_##k##_quad_inside,  jorm_##k##_quad_brect}
-    test(QUADS(2d));
-    test(QUADS(f2d));
-    test(QUADS(r2d));
 }
 
 template <class P, class R, class Q, class E> struct FloatQuads {

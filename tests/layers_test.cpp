@@ -16,6 +16,15 @@ namespace {
 using Ways = std::vector<std::function<int64_t()>>;
 const jorm_border mirror = {JORM_BORDER_REFLECT101, 0, {}};
 
+#define ENTRY xe, 0, &dst.a, &src.a, &roi, &roi
+#define STARTS xe, 0, JORM_WORD(3), size, type, dst.at(from), ds, src.at(from), ss
+#define BASES xe, 0, JORM_WORD(3), size, type, dst.at({}), &from[1], ds, src.at({}), &from[1], ss
+#define SLICE JORM_WORD(3), size, type, dst.at(from), ds, type, src.at(from), ss
+#define TYPED_BASES JORM_WORD(3), size, type, dst.at({}), &from[1], ds, type, src.at({}), &from[1], ss
+#define KERNEL xe, 0, 3, size, dst.at(from), ds, src.at(from), ss
+#define WAY(call) [&] { return call; }
+#define KEPT(call) [=, this] { return call; }
+
 // A region inside a picture, where windows see true pixels, or all of the picture, where they leave it.
 struct Layers : testing::TestWithParam<std::tuple<uint32_t, int, bool>> {
     Random r{31};
@@ -38,7 +47,7 @@ struct Layers : testing::TestWithParam<std::tuple<uint32_t, int, bool>> {
             each(extent, [&](const Index &i) { store(type, p->at(i), r.in(0, 250)); });
     }
     // All ways below give the bits of the entry; `bare` ones need true pixels around the region.
-    void expect_same(const std::function<int64_t()> &entry, const Ways &bordered, const Ways &bare) {
+    void expect_same(const std::function<int64_t()> &entry, const Ways &bordered, const Ways &bare = {}) {
         const auto results = [&] {
             std::vector<double> all;
             each(extent, [&](const Index &i) { all.push_back(dst.get(i)); });
@@ -54,15 +63,19 @@ struct Layers : testing::TestWithParam<std::tuple<uint32_t, int, bool>> {
             EXPECT_EQ(results(), wanted) << "way " << &way - ways.data();
         }
     }
+    // Ways below an entry whose operands each have a type: from starts, from bases, of a slice.
+    template <class D, class A, class T, class P, class... Rest>
+    Ways typed(D dispatcher, A adapter, T tga, const P &params, Rest... rest) {
+        return {KEPT(dispatcher(xe, 0, SLICE, rest...)), KEPT(adapter(xe, 0, TYPED_BASES, rest...)),
+                KEPT(tga(xe, 0, &params, SLICE))};
+    }
+    // The same for windows, where the picture is told, and where it is not; a handler, a kernel.
+    template <class D, class A, class T, class P, class... Rest>
+    Ways windowed(D dispatcher, A adapter, T tga, const P &params, Rest... rest) {
+        return {KEPT(dispatcher(STARTS, rest..., nullptr, sites)),
+                KEPT(adapter(BASES, rest..., &mirror, whole ? nullptr : base_sites)), KEPT(tga(xe, 0, &params, SLICE))};
+    }
 };
-#define ENTRY xe, 0, &dst.a, &src.a, &roi, &roi
-#define STARTS xe, 0, JORM_WORD(3), size, type, dst.at(from), ds, src.at(from), ss
-#define BASES xe, 0, JORM_WORD(3), size, type, dst.at({}), &from[1], ds, src.at({}), &from[1], ss
-#define SLICE JORM_WORD(3), size, type, dst.at(from), ds, type, src.at(from), ss
-#define TYPED_BASES JORM_WORD(3), size, type, dst.at({}), &from[1], ds, type, src.at({}), &from[1], ss
-#define KERNEL xe, 0, 3, size, dst.at(from), ds, src.at(from), ss
-#define WAY(call) [&] { return call; }
-
 TEST_P(Layers, Rectangles) {
     const struct {
         uint32_t kind;
@@ -80,9 +93,7 @@ TEST_P(Layers, Rectangles) {
         jorm_filter_proc *const kernel = k.lookup ? k.lookup(uint32_t(channels), type, nullptr) : nullptr;
         if (channels == 1)
             expect_same(WAY(JormFilter(ENTRY, k.kind, &shape)),
-                        {WAY(jorma__efilter(STARTS, &shape, k.kind, nullptr, sites)),
-                         WAY(jorma_efilter(BASES, &shape, k.kind, &mirror, whole ? nullptr : base_sites)),
-                         WAY(JormTGAfilter(xe, 0, &params, SLICE))},
+                        windowed(jorma__efilter, jorma_efilter, JormTGAfilter, params, &shape, k.kind),
                         {WAY(jorma__filter(STARTS, k.kind, &shape)), WAY(jorma_filter(BASES, k.kind, &shape)),
                          WAY(k.handler(STARTS, &shape)),
                          WAY(kernel ? kernel(KERNEL, &shape) : k.handler(STARTS, &shape))});
@@ -114,9 +125,7 @@ TEST_P(Layers, Masks) {
         const jorm_morphparams params = {o.op, &strel, mirror, {own, own}};
         jorm_morph_proc *const kernel = o.lookup ? o.lookup(uint32_t(channels), type, nullptr) : nullptr;
         expect_same(WAY(JormMorphop(ENTRY, o.op, &strel)),
-                    {WAY(jorma__emorphop(STARTS, &strel, o.op, nullptr, sites)),
-                     WAY(jorma_emorphop(BASES, &strel, o.op, &mirror, whole ? nullptr : base_sites)),
-                     WAY(JormTGAmorphop(xe, 0, &params, SLICE))},
+                    windowed(jorma__emorphop, jorma_emorphop, JormTGAmorphop, params, &strel, o.op),
                     {WAY(jorma__morphop(STARTS, o.op, &strel)), WAY(jorma_morphop(BASES, o.op, &strel)),
                      WAY(o.handler(STARTS, &strel)), WAY(kernel ? kernel(KERNEL, &strel) : o.handler(STARTS, &strel))});
     }
@@ -131,19 +140,15 @@ TEST_P(Layers, Weights) {
     const double w[5] = {1, 2, 3, 2, 0.5}, sigmas[2] = {1.3, 0.7};
     const jorm_sepkernel kernel = {shape, {w, w}};
     const jorm_sepparams params = {kernel, mirror, {own, own}};
-    const jorm_site *const of_base = whole ? nullptr : base_sites;
     auto *const typed = jorma__sepfiltfun_imp(uint32_t(channels), type, nullptr);
     expect_same(
         WAY(JormSepFilter(ENTRY, &kernel)),
-        {WAY(jorma__esepfilter(STARTS, &kernel, nullptr, sites)),
-         WAY(jorma_esepfilter(BASES, &kernel, &mirror, of_base)), WAY(JormTGAsepfilter(xe, 0, &params, SLICE))},
+        windowed(jorma__esepfilter, jorma_esepfilter, JormTGAsepfilter, params, &kernel),
         {WAY(jorma__sepfilter(STARTS, &kernel)), WAY(jorma_sepfilter(BASES, &kernel)), WAY(typed(KERNEL, &kernel))});
     const jorm_gaussparams smooth = {shape, sigmas, mirror, {own, own}};
     expect_same(
         WAY(JormGaussianFilter(ENTRY, &shape, sigmas)),
-        {WAY(jorma__efilter_gaussian(STARTS, &shape, sigmas, nullptr, sites)),
-         WAY(jorma_egaussianfilter(BASES, &shape, sigmas, &mirror, of_base)),
-         WAY(JormTGAgaussianfilter(xe, 0, &smooth, SLICE))},
+        windowed(jorma__efilter_gaussian, jorma_egaussianfilter, JormTGAgaussianfilter, smooth, &shape, sigmas),
         {WAY(jorma__filter_gaussian(STARTS, &shape, sigmas)), WAY(jorma_gaussianfilter(BASES, &shape, sigmas))});
     const double lower[3] = {40, 50, 60}, upper[3] = {30, 60, 90};
     expect_same(WAY(JormFireflyEx(ENTRY, &shape, sigmas, lower, upper)), {},
@@ -170,12 +175,9 @@ TEST_P(Layers, Thresholds) {
             expect_each(JORM_ENOTSUP, {entry(src.a, &method, pairs, 2), JormTGAthreshold(xe, 0, &params, SLICE)});
             continue;
         }
-        expect_same(WAY(entry(src.a, &method, pairs, 2)),
-                    {WAY(JormTGAthreshold(xe, 0, &params, SLICE)),
-                     WAY(jorma__ethreshold(xe, 0, SLICE, &method, pairs, 2)),
-                     WAY(jorma_ethreshold(xe, 0, TYPED_BASES, &method, pairs, 2)),
-                     WAY(m.second(xe, 0, SLICE, &method, pairs, 2))},
-                    {});
+        Ways ways = typed(jorma__ethreshold, jorma_ethreshold, JormTGAthreshold, params, &method, pairs, 2);
+        ways.push_back(WAY(m.second(xe, 0, SLICE, &method, pairs, 2)));
+        expect_same(WAY(entry(src.a, &method, pairs, 2)), ways);
         if (code != JORM_THRESHOLD_BLUR || !whole) continue;
         // Of smoothed pixels, also in the planes of four axes.
         const Picture smooth{r, type, extent};
@@ -188,17 +190,15 @@ TEST_P(Layers, Thresholds) {
                      WAY(JormThreshold(xe, 0, &deep, &deep_src, nullptr, nullptr, &method, nullptr, 0))},
                     {});
     }
-    for (const double *thresholds : {pairs, local})
-        for (const int count : {1, 2}) {
-            jorm_threshold_dispatcher *const kernel =
-                thresholds == pairs ? count < 2 ? jorma__sheer_threshold_n1 : jorma__sheer_threshold_n2
-                : count < 2         ? jorma__adaptive_threshold_n1
-                                    : jorma__adaptive_threshold_n2;
-            expect_same(WAY(entry(src.a, nullptr, thresholds, count)),
-                        {WAY(jorma__threshold(xe, 0, SLICE, thresholds, count)),
-                         WAY(jorma_threshold(xe, 0, TYPED_BASES, thresholds, count)),
-                         WAY(kernel(xe, 0, SLICE, thresholds, count))},
-                        {});
+    jorm_threshold_dispatcher *const kernels[2][2] = {{jorma__sheer_threshold_n1, jorma__sheer_threshold_n2},
+                                                      {jorma__adaptive_threshold_n1, jorma__adaptive_threshold_n2}};
+    for (const int count : {1, 2})
+        for (const bool adaptive : {false, true}) {
+            const double *const given = adaptive ? local : pairs;
+            const jorm_thresholdparams params = {nullptr, given, count};
+            Ways ways = typed(jorma__threshold, jorma_threshold, JormTGAthreshold, params, given, count);
+            ways.push_back(WAY(kernels[adaptive][count - 1](xe, 0, SLICE, given, count)));
+            expect_same(WAY(entry(src.a, nullptr, given, count)), ways);
         }
     expect_each(JORM_EINVAL,
                 {JormTGAthreshold(xe, 0, nullptr, SLICE), jorma__adaptive_threshold_n1(xe, 0, SLICE, nullptr, 1)});
@@ -210,16 +210,12 @@ TEST_P(Layers, Conversions) {
     vrng to[3] = {{0, 100}, {0, 100}, {5, 6}};
     const jorm_convert_params by_scales = {known, scales, offsets};
     const jorm_vconvert_params by_ranges = {to, known};
-    expect_same(WAY(JormConvert(xe, 0, &dst.a, &src.a, &roi, roi.origin, scales, offsets, known)),
-                {WAY(jorma__econvert(xe, 0, SLICE, scales, offsets, known)),
-                 WAY(jorma_econvert(xe, 0, TYPED_BASES, scales, offsets, known)),
-                 WAY(jorma_escale(xe, 0, TYPED_BASES, scales, offsets, known)),
-                 WAY(JormTGAconvert(xe, 0, &by_scales, SLICE))},
-                {});
-    expect_same(WAY(JormVConvert(xe, 0, &dst.a, &src.a, &roi, roi.origin, to, known)),
-                {WAY(jorma__vconvert(xe, 0, SLICE, to, known)), WAY(jorma_vconvert(xe, 0, TYPED_BASES, to, known)),
-                 WAY(jorma_vscale(xe, 0, TYPED_BASES, to, known)), WAY(JormTGAvconvert(xe, 0, &by_ranges, SLICE))},
-                {});
+    Ways ways = typed(jorma__econvert, jorma_econvert, JormTGAconvert, by_scales, scales, offsets, known);
+    ways.push_back(WAY(jorma_escale(xe, 0, TYPED_BASES, scales, offsets, known)));
+    expect_same(WAY(JormConvert(xe, 0, &dst.a, &src.a, &roi, roi.origin, scales, offsets, known)), ways);
+    ways = typed(jorma__vconvert, jorma_vconvert, JormTGAvconvert, by_ranges, to, known);
+    ways.push_back(WAY(jorma_vscale(xe, 0, TYPED_BASES, to, known)));
+    expect_same(WAY(JormVConvert(xe, 0, &dst.a, &src.a, &roi, roi.origin, to, known)), ways);
     expect_each(JORM_EINVAL, {JormTGAconvert(xe, 0, nullptr, SLICE), JormTGAvconvert(xe, 0, nullptr, SLICE)});
 }
 
@@ -245,14 +241,9 @@ TEST_P(Layers, Comparisons) {
                  WAY(JormTGAecompare(xe, 0, &chosen, SLICE, type, other.at(from), bs))},
                 {});
     expect_same(WAY(JormCompareC(xe, 0, &dst.a, &src.a, k, &roi, at, op)),
-                {WAY(jorma__compareC(xe, 0, SLICE, k, op)), WAY(jorma_compareC(xe, 0, TYPED_BASES, k, op)),
-                 WAY(JormTGAcompareC(xe, 0, &constant, SLICE))},
-                {});
+                typed(jorma__compareC, jorma_compareC, JormTGAcompareC, constant, k, op));
     expect_same(WAY(JormECompareC(xe, 0, &dst.a, &src.a, k, &roi, at, op, yes, no)),
-                {WAY(jorma__ecompareC(xe, 0, SLICE, k, op, yes, no)),
-                 WAY(jorma_ecompareC(xe, 0, TYPED_BASES, k, op, yes, no)),
-                 WAY(JormTGAecompareC(xe, 0, &chosen_constant, SLICE))},
-                {});
+                typed(jorma__ecompareC, jorma_ecompareC, JormTGAecompareC, chosen_constant, k, op, yes, no));
 }
 
 // Without a border a window may only read what is there; an unknown border is refused.
@@ -305,18 +296,32 @@ INSTANTIATE_TEST_SUITE_P(All, Layers,
                          testing::Combine(testing::Values(JORM_U8, JORM_S16, JORM_S32, JORM_F32), testing::Values(1, 3),
                                           testing::Bool()));
 
-TEST(Names, OfFiltersAndOperations) {
-    std::set<std::string> filters, ops, methods;
-    for (uint32_t code = 0; code < 256; ++code) filters.insert(jorm_filter_str(code + 256));
-    for (uint32_t code = 0; code < 16; ++code) {
-        ops.insert(jorm_morphop_str(code + 16));
-        methods.insert(jorm_thhmethod_str(code + 16));
+TEST(Names, OfEveryEnumeration) {
+    const struct {
+        const char *(*name)(uint32_t);
+        uint32_t codes; // low bits that count
+        size_t distinct;
+        std::vector<std::pair<uint32_t, std::string>> known;
+    } enumerations[] = {
+        {jorm_filter_str, 256, 11, {{JORM_FILTER_BOTHAT, "bothat-filter"}}},
+        {jorm_morphop_str, 16, 9, {{JORM_MORPH_OPEN, "morph-open"}, {0x13, "erode"}, {1, "unknown-morhop"}}},
+        {jorm_thhmethod_str,
+         16,
+         5,
+         {{0x15, "blur-threshold-method"},
+          {0x10, "null(immediate)-threshold-method"},
+          {2, "unknown-threshold-method"}}},
+        {jorm_border_str, 16, 7, {{0x17, "reflect101-border"}, {1, "unknown-border"}}},
+        {jorm_cmpop_str,
+         16,
+         7,
+         {{0, "nul-cmpop"}, {8, "unknown-cmpop"}, {5, "less-or-equal-cmpop"}, {0x14, "less-cmpop"}}}};
+    for (const auto &e : enumerations) {
+        std::set<std::string> names;
+        for (uint32_t code = 0; code < e.codes; ++code) names.insert(e.name(code + e.codes));
+        EXPECT_EQ(names.size(), e.distinct);
+        for (const auto &[code, name] : e.known) EXPECT_EQ(e.name(code), name);
     }
-    EXPECT_EQ(filters.size(), 11u);
-    EXPECT_EQ(ops.size(), 9u);
-    EXPECT_EQ(methods.size(), 5u);
-    EXPECT_STREQ(jorm_filter_str(JORM_FILTER_BOTHAT), "bothat-filter");
-    EXPECT_STREQ(jorm_morphop_str(JORM_MORPH_OPEN), "morph-open");
 }
 
 } // namespace

@@ -138,15 +138,6 @@ TEST(PointSet, TurnsOfFloatsAreExact) {
     }
 }
 
-TEST(PointSet, HullOfAMillion) {
-    Random r(2);
-    for (int kind = 0; kind < 3; ++kind) {
-        Points v = some_points(r, kind, 1000000, 1000000);
-        const int n = hull(v.data(), 1000000);
-        EXPECT_TRUE(kind == 1 ? n == 1000000 : jorm_2d_ptv_isconvex(v.data(), n));
-    }
-}
-
 // The order as it is described, with atan2.
 bool comes_first(I pivot, I a, I b) {
     const double ax = double(a.x) - pivot.x, ay = double(a.y) - pivot.y, bx = double(b.x) - pivot.x;

@@ -172,20 +172,16 @@ TEST(Groups, Figures) {
         for (int32_t i = 0; i < n; ++i) JormWTSMF_update2D(&m, points[i].x, points[i].y);
         return m;
     });
-    expect(jorm_fwtsr_ellipse_$f2d, [](const jorm_2d_pt *points, int32_t n) {
-        jorm_f2d_pt centre;
-        jorm_r2d_moment2 moments;
-        jorm_f2d_ell e;
-        return *__jorm_f2d_ellipse__$moment2$c(&e, jorm_2d_ptv_centroid_$f(&centre, points, n),
-                                               jorm_2d_ptv_moment2_$c(&moments, points, n), 2);
-    });
-    expect(jorm_fwtsr_ellipse_$r2d, [](const jorm_2d_pt *points, int32_t n) {
-        jorm_r2d_pt centre;
-        jorm_r2d_moment2 moments;
-        jorm_r2d_ell e;
-        return *__jorm_r2d_ellipse__$moment2$c(&e, jorm_2d_ptv_centroid(&centre, points, n),
-                                               jorm_2d_ptv_moment2_$c(&moments, points, n), 2);
-    });
+    const auto ellipse = []<class E, class C>(E *(*make)(E *, const C *, const jorm_r2d_moment2 *, double), auto mean) {
+        return [=](const jorm_2d_pt *points, int32_t n) {
+            C centre;
+            jorm_r2d_moment2 moments;
+            E e;
+            return *make(&e, mean(&centre, points, n), jorm_2d_ptv_moment2_$c(&moments, points, n), 2);
+        };
+    };
+    expect(jorm_fwtsr_ellipse_$f2d, ellipse(__jorm_f2d_ellipse__$moment2$c, jorm_2d_ptv_centroid_$f));
+    expect(jorm_fwtsr_ellipse_$r2d, ellipse(__jorm_r2d_ellipse__$moment2$c, jorm_2d_ptv_centroid));
 }
 
 // A generation's lists over two floods of equal size.

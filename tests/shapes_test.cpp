@@ -2,8 +2,6 @@
 #include "jorm/shapes.h"
 #include "support/picture.hpp"
 
-#include <set>
-
 namespace {
 
 using Pair = std::pair<Index, Index>;
@@ -264,14 +262,6 @@ TEST(Brshape, Fitting) {
     const jorm_site a{{}, {1, 9, 30, 0}}, inner{{}, {1, 10, 10, 0}};
     EXPECT_EQ(jorm_brshape_adjust(&b, nullptr, &a, &inner), 0); // one bad axis spoils it
     EXPECT_EQ(of(&b), (Pair{{0, 1, -4, 0}, {0, 0, 4, 0}}));
-}
-
-TEST(Border, Names) {
-    std::set<std::string> names;
-    for (uint32_t code = 0; code < 16; ++code) names.insert(jorm_border_str(code + 16));
-    EXPECT_EQ(names.size(), 7u);
-    EXPECT_STREQ(jorm_border_str(0x17), "reflect101-border");
-    EXPECT_STREQ(jorm_border_str(1), "unknown-border");
 }
 
 TEST(FillValues, VectorsOfEveryType) {

@@ -75,9 +75,20 @@ inline double converted(uint32_t type, double v) {
 
 inline double load(uint32_t type, const void *p) {
     const auto as = [p](auto v) { return std::memcpy(&v, p, sizeof v), double(v); };
-    if (type == JORM_F32 || type == JORM_F64) return type == JORM_F32 ? as(float()) : as(double());
-    if (type == JORM_S32 || type == JORM_S16) return type == JORM_S32 ? as(int32_t()) : as(int16_t());
-    return type == JORM_S8 ? as(int8_t()) : as(uint8_t());
+    switch (type) {
+    case JORM_F32:
+        return as(float());
+    case JORM_F64:
+        return as(double());
+    case JORM_U16:
+        return as(uint16_t());
+    case JORM_S16:
+        return as(int16_t());
+    case JORM_S32:
+        return as(int32_t());
+    default:
+        return type == JORM_S8 ? as(int8_t()) : as(uint8_t());
+    }
 }
 
 inline void store(uint32_t type, void *p, double v) {
@@ -226,6 +237,31 @@ template <class F> void at_each_level(Picture &p, F f) {
         std::copy(before.begin(), before.end(), p.memory.begin());
         f(level);
     }
+}
+
+// Runs a call at every level. In a block of `dst`, which lies in the picture's memory, each element becomes what
+// `wanted` says of its place, to the sign of a zero where that is asked for; every level gives the same; nothing else
+// in the memory changes.
+template <class Call, class Wanted>
+void expect_block(Picture &picture, const jorm_array &dst, const Index &origin, const Index &size, int64_t status,
+                  Call call, Wanted wanted, bool signed_zeros = true) {
+    const Bytes before = picture.memory;
+    std::vector<double> values;
+    at_each_level(picture, [&](int level) {
+        ASSERT_EQ(call(), status) << "level " << level;
+        Bytes expected = before;
+        size_t k = 0;
+        each(size, [&](const Index &i) {
+            const uint8_t *const at = element(dst, sum(origin, i));
+            const double got = load(dst.eltype, at);
+            if (level == 0) values.push_back(got);
+            const double wish = level == 0 ? wanted(i) : values[k++];
+            ASSERT_TRUE(same(got, wish) || (level == 0 && !signed_zeros && got == wish))
+                << "level " << level << " at " << testing::PrintToString(i) << ": " << got << " instead of " << wish;
+            std::memcpy(&expected[size_t(at - picture.memory.data())], at, size_t(bytes_of(dst.eltype)));
+        });
+        ASSERT_TRUE(picture.memory == expected) << "written outside";
+    });
 }
 
 } // namespace
