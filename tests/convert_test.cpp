@@ -186,7 +186,8 @@ TEST_F(Convert, EveryFormInEveryLayout) {
                         const double x = src.get(i);
                         if (way > 1) return gained(d, x, g ? g[i[3]] : 1, o ? o[i[3]] : 0);
                         return converted(d, way ? mapped(x, to[i[3]], source) : x);
-                    });
+                    },
+                    d == JORM_F32);
             }
 }
 

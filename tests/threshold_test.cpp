@@ -185,8 +185,8 @@ TEST(Threshold, OtsuMethodTakesTheWholeRegion) {
         Picture src(r, type, full, false, axes), other(r, JORM_U8, full, false, axes);
         src.fill([&] { return sample(r, type); });
         const bool in_place = type == JORM_U8 && r.one_in(2), own = r.one_in(2);
-        jorm_thhmethod method = {
-            own ? JORM_THRESHOLD_OTSU | JORM_THRESHOLD_OWN_RANGES : JORM_THRESHOLD_OTSU, 0, {}, {}};
+        jorm_thhmethod method = {JORM_THRESHOLD_OTSU, 0, {}, {}};
+        if (own) method.word |= JORM_THRESHOLD_OWN_RANGES;
         for (int c = 0; c < 4; ++c) method.ranges[c] = {2, 200}, method.bins[c] = 50;
         jorm_thhmethod given = method;
         double t[4];

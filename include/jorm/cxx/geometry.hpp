@@ -99,15 +99,19 @@ template <> struct family<jorm_r2d_pt> {
 
 inline int32_t count(size_t n) { return int32_t(std::min(n, size_t(0x7FFFFFFF))); }
 
-/// The element of a contiguous range.
+/// The element of a contiguous range, and the functions for it.
 template <class R> using point_of = std::remove_cv_t<std::ranges::range_value_t<R>>;
+template <class R> using family_of = family<point_of<R>>;
 
 template <class R>
 concept points = std::ranges::contiguous_range<R> && std::ranges::sized_range<R> && requires {
     typename family<point_of<R>>::rect;
 };
 
-// A figure that the C interface writes through its first argument.
+// What a function of the C interface tells of the points, and a figure that it writes through its first argument.
+template <class R, class Function, class... Rest> auto of(Function *function, R &&p, Rest... rest) {
+    return function(std::ranges::data(p), count(std::ranges::size(p)), rest...);
+}
 template <class Figure, class R, class Function> Figure figure(Function *function, const R &p) {
     Figure out;
     function(&out, std::ranges::data(p), count(std::ranges::size(p)));
@@ -124,38 +128,34 @@ template <class Figure, class R, class Function> Figure figure(Function *functio
 /// The convex hull, the lowest point first (up to three points: as given).
 template <detail::points R> std::vector<detail::point_of<R>> convex_hull(const R &p) {
     std::vector<detail::point_of<R>> out(std::ranges::size(p));
-    const int32_t n =
-        detail::family<detail::point_of<R>>::hull(out.data(), std::ranges::data(p), detail::count(out.size()));
+    const int32_t n = detail::family_of<R>::hull(out.data(), std::ranges::data(p), detail::count(out.size()));
     out.resize(size_t(n));
     return out;
 }
 /// The smallest axis-parallel rectangle.
 template <detail::points R> auto bounding_rect(const R &p) {
-    using family = detail::family<detail::point_of<R>>;
-    return detail::figure<typename family::rect>(family::bounds, p);
+    return detail::figure<typename detail::family_of<R>::rect>(detail::family_of<R>::bounds, p);
 }
 /// The rectangle of least area, in any direction.
 template <detail::points R> auto min_area_quad(const R &p) {
-    using family = detail::family<detail::point_of<R>>;
-    return detail::figure<typename family::quad>(family::min_quad, p);
+    return detail::figure<typename detail::family_of<R>::quad>(detail::family_of<R>::min_quad, p);
 }
 /// The mean point.
 template <detail::points R> auto centroid(const R &p) {
-    using family = detail::family<detail::point_of<R>>;
-    return detail::figure<typename family::centre>(family::centroid, p);
+    return detail::figure<typename detail::family_of<R>::centre>(detail::family_of<R>::centroid, p);
 }
 /// The means of x x, x y and y y.
 template <detail::points R> jorm_r2d_moment2 moments(const R &p) {
-    return detail::figure<jorm_r2d_moment2>(detail::family<detail::point_of<R>>::raw, p);
+    return detail::figure<jorm_r2d_moment2>(detail::family_of<R>::raw, p);
 }
 /// The same about the centroid.
 template <detail::points R> jorm_r2d_moment2 central_moments(const R &p) {
-    return detail::figure<jorm_r2d_moment2>(detail::family<detail::point_of<R>>::central, p);
+    return detail::figure<jorm_r2d_moment2>(detail::family_of<R>::central, p);
 }
 /// The ellipse with the centroid and the central moments of the points, which for the pixels of a filled ellipse is
 /// that ellipse. Semi-axes are k standard deviations.
 template <detail::points R> auto ellipse(const R &p, double k = 2) {
-    using family = detail::family<detail::point_of<R>>;
+    using family = detail::family_of<R>;
     const auto centre = centroid(p);
     const jorm_r2d_moment2 about = central_moments(p);
     typename family::ell out;
@@ -163,41 +163,30 @@ template <detail::points R> auto ellipse(const R &p, double k = 2) {
     return out;
 }
 /// Sorts by angle around the lowest point, which comes first.
-template <detail::points R> void sort_by_angle(R &&p) {
-    detail::family<detail::point_of<R>>::sort(std::ranges::data(p), detail::count(std::ranges::size(p)));
-}
+template <detail::points R> void sort_by_angle(R &&p) { detail::of(detail::family_of<R>::sort, p); }
 
 // ---- Polygons: the closed outline through the points ----
 
-template <detail::points R> double area(const R &p) {
-    return detail::family<detail::point_of<R>>::area(std::ranges::data(p), detail::count(std::ranges::size(p)));
-}
-template <detail::points R> double perimeter(const R &p) {
-    return detail::family<detail::point_of<R>>::perimeter(std::ranges::data(p), detail::count(std::ranges::size(p)));
-}
+template <detail::points R> double area(const R &p) { return detail::of(detail::family_of<R>::area, p); }
+template <detail::points R> double perimeter(const R &p) { return detail::of(detail::family_of<R>::perimeter, p); }
 /// Whether the point lies inside or on the outline.
 template <detail::points R> bool contains(const R &p, const detail::point_of<R> &point) {
-    return detail::family<detail::point_of<R>>::inside(std::ranges::data(p), detail::count(std::ranges::size(p)),
-                                                       &point) != 0;
+    return detail::of(detail::family_of<R>::inside, p, &point) != 0;
 }
-template <detail::points R> bool is_convex(const R &p) {
-    return detail::family<detail::point_of<R>>::convex(std::ranges::data(p), detail::count(std::ranges::size(p))) != 0;
-}
+template <detail::points R> bool is_convex(const R &p) { return detail::of(detail::family_of<R>::convex, p) != 0; }
 /// Clockwise where y points up, or without area.
 template <detail::points R> bool is_clockwise(const R &p) {
-    return detail::family<detail::point_of<R>>::clockwise(std::ranges::data(p), detail::count(std::ranges::size(p))) !=
-           0;
+    return detail::of(detail::family_of<R>::clockwise, p) != 0;
 }
 /// The centroid of the area, and its second moments per unit of area, raw and central.
 template <detail::points R> auto polygon_centroid(const R &p) {
-    using family = detail::family<detail::point_of<R>>;
-    return detail::figure<typename family::centre>(family::poly_centroid, p);
+    return detail::figure<typename detail::family_of<R>::centre>(detail::family_of<R>::poly_centroid, p);
 }
 template <detail::points R> jorm_r2d_moment2 polygon_moments(const R &p) {
-    return detail::figure<jorm_r2d_moment2>(detail::family<detail::point_of<R>>::poly_raw, p);
+    return detail::figure<jorm_r2d_moment2>(detail::family_of<R>::poly_raw, p);
 }
 template <detail::points R> jorm_r2d_moment2 polygon_central_moments(const R &p) {
-    return detail::figure<jorm_r2d_moment2>(detail::family<detail::point_of<R>>::poly_central, p);
+    return detail::figure<jorm_r2d_moment2>(detail::family_of<R>::poly_central, p);
 }
 
 // ---- Sorting and searching ----
