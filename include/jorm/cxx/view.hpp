@@ -84,6 +84,14 @@ inline int64_t describe(jorm_array &out, uint32_t code, int64_t size, const shap
     return JORM_OK;
 }
 
+inline int64_t plane_of(jorm_array &out, const jorm_array &a, int32_t planes, int32_t k) {
+    if (k < 0 || k >= planes) return JORM_EINVAL;
+    out = a;
+    out.base = const_cast<char *>(static_cast<const char *>(a.base)) + int64_t(k) * a.stride[0];
+    out.extent[0] = out.parent_extent[0] = 1, out.stride[0] = 0, out.ndims = 3;
+    return JORM_OK;
+}
+
 /// Whether `bytes` bytes from the first element on hold every element of an array.
 inline bool holds(const jorm_array &a, size_t bytes, size_t size) {
     uint64_t last = 0;
@@ -242,14 +250,8 @@ public:
     template <class Errors = throwing> returns<Errors, view> flip_horizontal() const { return flip<Errors>(0, 1); }
     /// One plane, as a picture of three axes.
     template <class Errors = throwing> returns<Errors, view> plane(int32_t k) const {
-        return Errors::template make<view>([&](view &v) -> int64_t {
-            if (k < 0 || k >= this->planes()) return JORM_EINVAL;
-            v = *this;
-            jorm_array &a = v.array_;
-            a.base = const_cast<char *>(static_cast<const char *>(a.base)) + int64_t(k) * a.stride[0];
-            a.extent[0] = a.parent_extent[0] = 1, a.stride[0] = 0, a.ndims = 3;
-            return JORM_OK;
-        });
+        return Errors::template make<view>(
+            [&](view &v) { return detail::plane_of(v.array_, this->array_, this->planes(), k); });
     }
 
 private:
@@ -263,6 +265,33 @@ private:
     template <class Errors> returns<Errors, view> flip(int32_t vertical, int32_t horizontal) const {
         return Errors::template make<view>(
             [&](view &v) { return jorm_array_flip(&v.array_, &this->array_, vertical, horizontal); });
+    }
+};
+
+/// A picture whose element type only the running program knows, as that of a file or of another language: a record of
+/// the C interface that every operation takes. Whether it may be written is for its maker to know.
+///
+///     jorm::any_view picture = jorm::any_view::of(record);
+///     if (picture.element_type() == JORM_U8) ...
+class any_view : public target {
+public:
+    any_view() noexcept = default;
+    static any_view of(const jorm_array &record) noexcept {
+        any_view v;
+        v.array_ = record;
+        return v;
+    }
+
+    /// JORM_U8 and the like.
+    uint32_t element_type() const noexcept { return array_.eltype; }
+
+    /// One channel, one plane, as those of `view`.
+    template <class Errors = throwing> returns<Errors, any_view> channel(int32_t k) const {
+        return Errors::template make<any_view>([&](any_view &v) { return jorm_array_channel(&v.array_, &array_, k); });
+    }
+    template <class Errors = throwing> returns<Errors, any_view> plane(int32_t k) const {
+        return Errors::template make<any_view>(
+            [&](any_view &v) { return detail::plane_of(v.array_, array_, planes(), k); });
     }
 };
 
