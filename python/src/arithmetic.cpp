@@ -96,14 +96,19 @@ py::object muladd(py::handle a, py::handle b, py::handle c, py::handle out, int3
         if (has_second) separate(second, dst, p);
         if (has_third) separate(third, dst, p);
     }
-    // A product of two pictures and a constant: a picture of a single pixel, which is everywhere.
-    float constant[4];
+    // Beside two pictures the constant is one, too, of a single pixel that is everywhere, in the type of the result (of
+    // bytes a wider one).
+    alignas(4) char constant[16];
     if (has_second && !has_third) {
         jorm_array everywhere = first.record();
-        everywhere.eltype = JORM_F32, everywhere.base = constant;
-        std::fill_n(everywhere.stride, 4, 0);
-        everywhere.stride[3] = 4;
-        for (size_t i = 0; i < 4; ++i) constant[i] = float(summand[i]);
+        everywhere.eltype = dst.type() == JORM_U8 ? uint32_t(JORM_S16) : dst.type();
+        const int32_t size = everywhere.eltype == JORM_S16 ? 2 : 4;
+        jorm_array pixel = {};
+        jorm_array_make(&pixel, everywhere.eltype, 1, 1, channels, 0, constant);
+        jorm::fill(jorm::any_view::of(pixel), summand);
+        everywhere.base = constant;
+        std::fill_n(everywhere.stride, 3, 0);
+        everywhere.stride[3] = size;
         third = first.over(everywhere);
     }
     jorm::scale_options o;
@@ -182,10 +187,11 @@ void define_arithmetic(py::module_ &m) {
            "round");
     m.def("muladd", &muladd,
           "muladd(a, b, c, out=None, *, shift=0, region=None)\n--\n\n"
-          "a * b + c, element by element, rounded and clamped once.\n\n"
+          "a * b + c, element by element, rounded once. Integers wrap.\n\n"
           "Parameters\n----------\n"
           "a : ndarray of uint8, int16, int32 or float32\n"
-          "b, c : like `a`, or a number, or one for each channel\n" JORM_DOC_OUT SHIFT JORM_DOC_REGION RETURNS
+          "b, c : like `a`, or a number, or one for each channel\n"
+          "    Beside two pictures of integers, `c` is rounded.\n" JORM_DOC_OUT SHIFT JORM_DOC_REGION RETURNS
           ">>> a = np.array([[100, 200]], np.uint8)\n"
           ">>> jorm.muladd(a, 0.5, 10)\n"
           "array([[ 60, 110]], dtype=uint8)\n",

@@ -100,7 +100,7 @@ py::object compare(py::handle a, py::handle b, py::handle op, py::handle out, py
 
     const uint32_t type = dtype.is_none() ? uint32_t(JORM_U8) : element_type(f, "dtype", dtype, filled_types);
     const Part p = part(f, first, region);
-    const Result dst = result(f, first, p, out, type, filled_types);
+    Result dst = result(f, first, p, out, type, filled_types);
     if (!out.is_none()) {
         separate(first, dst, p);
         if (pictures) separate(second, dst, p);
@@ -110,10 +110,14 @@ py::object compare(py::handle a, py::handle b, py::handle op, py::handle out, py
     case Test::equal:
         break;
     case Test::not_equal: {
-        const double all = dst.type() == JORM_F32                                                      ? 1
-                           : dst.type() == JORM_S8 || dst.type() == JORM_S16 || dst.type() == JORM_S32 ? -1
-                                                                                                       : 4294967295.0;
+        const uint32_t t = dst.type(); // all bits set
+        const double all = t == JORM_F32 ? 1 : t == JORM_U8 ? 255 : t == JORM_U16 ? 65535 : -1;
         const jorm::values mask_true = yes || no ? yes.value_or(jorm::values(0)) : jorm::values(all);
+        if (t == JORM_U32 && !yes && !no) { // which values of 32 bits with a sign say
+            jorm_array with_sign = dst.record();
+            with_sign.eltype = JORM_S32;
+            static_cast<Picture &>(dst) = dst.over(with_sign);
+        }
         yes = no.value_or(jorm::values(0)), no = mask_true;
         break;
     }
@@ -163,11 +167,13 @@ constexpr Name<Method> methods[] = {
 py::object threshold(py::handle a, py::handle level, py::handle out, py::handle upper, py::handle offset, uint32_t bins,
                      py::handle range_, py::handle dtype, py::handle region) {
     Function f = threshold_function;
-    Picture src = read(f, "a", a);
-    const int32_t channels = src.channels();
     const bool named = PyUnicode_Check(level.ptr());
     const Method method = named ? choice(f, "level", level, methods) : Method::adaptive;
-    if (named && method != Method::otsu && method != Method::adaptive) f.channels = bits(1, 3);
+    if (named && method == Method::adaptive) f.types = arithmetic_types;
+    if (named && (method == Method::usto || method == Method::blur))
+        f.types = bits(JORM_U8, JORM_F32), f.channels = bits(1, 3);
+    Picture src = read(f, "a", a);
+    const int32_t channels = src.channels();
     const bool between = !upper.is_none();
     if (between && named) value_error(f, "upper goes with a level that is a number");
     const jorm::values low = named ? jorm::values(0) : values(f, "level", level, channels);
@@ -468,7 +474,7 @@ void define_pixels(py::module_ &m) {
           "Parameters\n----------\n"
           "out : ndarray of any type of at most 32 bits\n"
           "value : number, or one for each channel\n"
-          "    Rounded to nearest even and clamped.\n"
+          "    Rounded to nearest even and clamped; for uint32, 2**31 and more give 0.\n"
           "mask : ndarray of uint8 or bool, optional\n"
           "    Pixels where it is 0 stay. It may have as many channels as `out`.\n"
           "otherwise : number, or one for each channel; optional\n"
