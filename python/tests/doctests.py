@@ -1,0 +1,25 @@
+"""The example in every docstring of the module."""
+
+import doctest
+import inspect
+import re
+
+import numpy as np
+import pytest
+
+import jorm
+
+FUNCTIONS = [n for n in dir(jorm) if inspect.isbuiltin(getattr(jorm, n))]
+
+
+@pytest.mark.parametrize("name", FUNCTIONS)
+def test_example(name):
+    function = getattr(jorm, name)
+    text = inspect.getdoc(function)
+    assert ">>>" in text
+    for parameter in inspect.signature(function).parameters:  # every one is told of
+        assert re.search(rf"^(\w+, )*{parameter}(, \w+)* : ", text, re.M), parameter
+    test = doctest.DocTestParser().get_doctest(text, {"np": np, "jorm": jorm}, name, None, None)
+    complaints = []
+    doctest.DocTestRunner().run(test, out=complaints.append)
+    assert not complaints, "".join(complaints)
