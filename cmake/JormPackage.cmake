@@ -6,9 +6,13 @@ set(full_version ${PROJECT_VERSION}-${release})
 set(package_of_runtime libjorm-1-0-0)
 set(package_of_dev libjorm-dev)
 set(package_of_tools jorm-tool)
+set(package_of_python python3-jorm)
 set(CPACK_COMPONENTS_ALL runtime dev)
 if(JORM_TOOLS)
     list(APPEND CPACK_COMPONENTS_ALL tools)
+endif()
+if(TARGET jorm_python)
+    list(APPEND CPACK_COMPONENTS_ALL python)
 endif()
 
 execute_process(COMMAND gzip -9nc ${packaging}/changelog OUTPUT_FILE ${PROJECT_BINARY_DIR}/changelog.Debian.gz
@@ -45,10 +49,17 @@ set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "${package_of_runtime} (= ${full_version})"
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${package_of_runtime} (>= ${PROJECT_VERSION})")
+# The extension is for one version of Python 3.
+math(EXPR next_minor "${Python3_VERSION_MINOR} + 1")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${package_of_runtime} (>= ${PROJECT_VERSION}), python3 (>= 3.${Python3_VERSION_MINOR}), python3 (<< 3.${next_minor}), python3-numpy")
 set(about "Arithmetic, statistics, filters and geometry on arrays with 1 to 4 channels\nand any byte strides, exact, on one thread.")
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "image processing on the caller's memory\n${about}")
 set(CPACK_DEBIAN_DEV_DESCRIPTION "image processing on the caller's memory (development)\n${about}
 \nThis package holds headers, the CMake package and documents.")
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION "image processing on picture files\n${about}
 \nThis package holds the command-line tool.")
+set(CPACK_DEBIAN_PYTHON_DESCRIPTION "image processing on numpy arrays\n${about}
+\nThis package holds the Python 3 module.")
 include(CPack)

@@ -1,11 +1,9 @@
 """Threads run calls at the same time, each with an environment of its own."""
 
-import os
 import threading
 import time
 
 import numpy as np
-import pytest
 
 import jorm
 
@@ -57,24 +55,3 @@ def test_the_lock_is_released():
     done.set()
     counter.join()
     assert during > 100
-
-
-@pytest.mark.skipif("JORM_TIMING" not in os.environ, reason="a measurement: set JORM_TIMING on two idle cores")
-def test_two_threads_take_little_longer_than_one():
-    pictures = [np.random.default_rng(i).integers(0, 256, (4096, 4096)).astype(np.uint8) for i in range(2)]
-    outs = [np.empty_like(p) for p in pictures]
-
-    def work(i):
-        jorm.gaussian(pictures[i], 15, outs[i])
-
-    def seconds(call):
-        start = time.perf_counter()
-        call()
-        return time.perf_counter() - start
-
-    both(work)
-    one_by_one = min(seconds(lambda: (work(0), work(1))) for _ in range(7))
-    together = min(seconds(lambda: both(work)) for _ in range(7))
-    print(f"one after the other {one_by_one * 1e3:.1f} ms, two threads {together * 1e3:.1f} ms: "
-          f"{together / one_by_one:.2f}")
-    assert together <= 0.6 * one_by_one
