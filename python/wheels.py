@@ -26,11 +26,26 @@ Description-Content-Type: text/markdown
 {(ROOT / "README.md").read_text()}"""
 
 
+TAG = f"cp{sys.version_info.major}{sys.version_info.minor}"
+TAG += f"-{TAG}-" + re.sub(r"[-.]", "_", sysconfig.get_platform())
+INFO = {
+    "METADATA": METADATA,
+    "WHEEL": f"Wheel-Version: 1.0\nGenerator: jorm\nRoot-Is-Purelib: false\nTag: {TAG}\n",
+}
+
+
+def prepare_metadata_for_build_wheel(metadata_directory, config_settings=None):
+    folder = pathlib.Path(metadata_directory, f"{STEM}.dist-info")
+    folder.mkdir()
+    for name, text in INFO.items():
+        (folder / name).write_text(text)
+    return folder.name
+
+
 def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
-    python = f"cp{sys.version_info.major}{sys.version_info.minor}"
-    tag = f"{python}-{python}-" + re.sub(r"[-.]", "_", sysconfig.get_platform())
-    with tempfile.TemporaryDirectory() as scratch:
-        build, tree = pathlib.Path(scratch, "build"), pathlib.Path(scratch, "tree")
+    build = ROOT / "build" / f"wheel-{TAG}"  # kept, for the next time
+    with tempfile.TemporaryDirectory() as tree:
+        tree = pathlib.Path(tree)
         options = ["TESTS=OFF", "TOOLS=OFF", "EXAMPLES=OFF", "PYTHON=ON", "PYTHON_BUNDLED=ON", "PYTHON_DIR=.",
                    f"PYTHON_EXECUTABLE={sys.executable}"]
         for command in (
@@ -40,7 +55,7 @@ def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
         ):
             subprocess.run(["cmake", *command], check=True)
 
-        name = f"{STEM}-{tag}.whl"
+        name = f"{STEM}-{TAG}.whl"
         record = []
         with zipfile.ZipFile(pathlib.Path(wheel_directory, name), "w", zipfile.ZIP_DEFLATED) as wheel:
 
@@ -52,8 +67,8 @@ def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
             for file in sorted(p for p in tree.rglob("*") if p.is_file()):
                 add(file.relative_to(tree).as_posix(), file.read_bytes())
             info = f"{STEM}.dist-info"
-            add(f"{info}/METADATA", METADATA.encode())
-            add(f"{info}/WHEEL", f"Wheel-Version: 1.0\nGenerator: jorm\nRoot-Is-Purelib: false\nTag: {tag}\n".encode())
+            for file, text in INFO.items():
+                add(f"{info}/{file}", text.encode())
             wheel.writestr(f"{info}/RECORD", "\n".join([*record, f"{info}/RECORD,,", ""]))
     return name
 
