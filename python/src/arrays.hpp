@@ -136,5 +136,6 @@ void define_stats(py::module_ &m);
 void define_filters(py::module_ &m);
 void define_geometry(py::module_ &m);
 void define_regions(py::module_ &m);
+void define_tiles(py::module_ &m);
 
 } // namespace jorm_python

@@ -10,5 +10,6 @@ PYBIND11_MODULE(_jorm, m) {
     jorm_python::define_filters(m);
     jorm_python::define_geometry(m);
     jorm_python::define_regions(m);
+    jorm_python::define_tiles(m);
     m.attr("__version__") = JORM_PYTHON_VERSION;
 }
