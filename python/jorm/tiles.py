@@ -32,6 +32,20 @@ def _is_picture(a):
     return isinstance(a, (da.Array, np.ndarray)) and a.ndim > 1
 
 
+def _aligned(a):
+    """Arrays that come from other processes may begin anywhere."""
+    return np.require(a, requirements="A") if isinstance(a, np.ndarray) else a
+
+
+def _run(name, *operands, **options):
+    """A function of the module by its name, which workers in other processes understand."""
+    return getattr(jorm, name)(*map(_aligned, operands), **options)
+
+
+def _fill(a, value, mask, otherwise):
+    return jorm.fill(a.copy(), value, mask=mask, otherwise=otherwise)
+
+
 # ---- Element by element ----
 
 
@@ -44,13 +58,14 @@ def _call(call, fixed, places, *blocks, **options):
 
 
 def _blocks(call, *operands, result=None, waiting={}, **options):
-    """`call` on the blocks of the operands; operands that are no pictures go to each call as they are, options that
+    """A function of the module on the blocks of the operands; operands that are no pictures go to each call as they are, options that
     wait for results when these are there."""
     places = [i for i, a in enumerate(operands) if _is_picture(a)]
     if not places:
         raise TypeError("one operand must be an array")
     pictures = [_picture(operands[i]) for i in places]
     fixed = [None if _is_picture(a) else a for a in operands]
+    call = call if callable(call) else functools.partial(_run, call)
     run = functools.partial(_call, functools.partial(call, **options), fixed, places)
     if result is None:
         result = run(*(np.ones((1,) * (a.ndim - 1) + (a.shape[-1] if a.ndim > 2 else 1,), a.dtype)
@@ -70,27 +85,27 @@ def add(a, b, *, saturate=True, shift=0):
     >>> tiles.add(a, 100).compute()
     array([[200, 255]], dtype=uint8)
     """
-    return _blocks(jorm.add, a, b, saturate=saturate, shift=shift)
+    return _blocks("add", a, b, saturate=saturate, shift=shift)
 
 
 def subtract(a, b, *, saturate=True, shift=0):
     """The difference of two pictures, or of a picture and numbers, see `jorm.subtract`."""
-    return _blocks(jorm.subtract, a, b, saturate=saturate, shift=shift)
+    return _blocks("subtract", a, b, saturate=saturate, shift=shift)
 
 
 def multiply(a, b, *, saturate=True, shift=0):
     """The product of two pictures, or of a picture and numbers, see `jorm.multiply`."""
-    return _blocks(jorm.multiply, a, b, saturate=saturate, shift=shift)
+    return _blocks("multiply", a, b, saturate=saturate, shift=shift)
 
 
 def divide(a, b, *, round=True, shift=0):
     """The quotient of two pictures, or of a picture and numbers, see `jorm.divide`."""
-    return _blocks(jorm.divide, a, b, round=round, shift=shift)
+    return _blocks("divide", a, b, round=round, shift=shift)
 
 
 def muladd(a, b, c, *, shift=0):
     """a * b + c, rounded once, see `jorm.muladd`."""
-    return _blocks(jorm.muladd, a, b, c, shift=shift)
+    return _blocks("muladd", a, b, c, shift=shift)
 
 
 def convert(a, dtype, *, gain=None, offset=None, to_range=None, from_range=None):
@@ -100,22 +115,18 @@ def convert(a, dtype, *, gain=None, offset=None, to_range=None, from_range=None)
     """
     dtype = np.dtype(dtype)
     measured = {"from_range": _measured(_picture(a))} if to_range is not None and from_range is None else {}
-    return _blocks(jorm.convert, a, dtype, result=dtype, waiting=measured, gain=gain, offset=offset,
+    return _blocks("convert", a, dtype, result=dtype, waiting=measured, gain=gain, offset=offset,
                    to_range=to_range, **({} if measured else {"from_range": from_range}))
 
 
 def compare(a, b, op, *, if_true=None, if_false=None, dtype=None):
     """Where pixels stand in a relation, see `jorm.compare`."""
-    return _blocks(jorm.compare, a, b, op=op, if_true=if_true, if_false=if_false, dtype=dtype)
-
-
-def _filled(a, value, mask, otherwise):
-    return jorm.fill(a.copy(), value, mask=mask, otherwise=otherwise)
+    return _blocks("compare", a, b, op=op, if_true=if_true, if_false=if_false, dtype=dtype)
 
 
 def fill(a, value, *, mask=None, otherwise=None):
     """A copy in which the pixels that a mask selects, or all, have a value, see `jorm.fill`."""
-    return _blocks(_filled, a, value, mask, otherwise)
+    return _blocks(_fill, a, value, mask, otherwise)
 
 
 _MODES = {"reflect101": "reflect", "reflect": "symmetric", "replicate": "edge", "wrap": "wrap", "constant": "constant"}
@@ -150,14 +161,14 @@ def _by_axis(given, a, planes):
     return values if a.ndim == 4 else values[1:]
 
 
-def _overlap(call, a, depths, *args, result=None, **options):
-    """`call` on tiles that see so many pixels of their neighbours, of which they are trimmed again."""
+def _overlap(name, a, depths, result=None, **options):
+    """A function on tiles that see so many pixels of their neighbours, of which they are trimmed again."""
     a = _picture(a)
     # A tile that reaches across the whole picture is that; the picture's own edges are the library's business.
     a = a.rechunk({axis: -1 for axis, d in enumerate(depths) if d >= a.shape[axis]})
     depth = {axis: int(d) if a.numblocks[axis] > 1 else 0 for axis, d in enumerate(depths)}
     dtype = result or a.dtype
-    return da.map_overlap(functools.partial(call, **options), a, *args, depth=depth, boundary="none", dtype=dtype,
+    return da.map_overlap(functools.partial(_run, name, **options), a, depth=depth, boundary="none", dtype=dtype,
                           meta=np.empty((0,) * a.ndim, dtype))
 
 
@@ -165,7 +176,7 @@ def _window_filter(name, passes, doc):
     def filter(a, size, *, anchor=None):
         element = isinstance(size, np.ndarray) and size.ndim > 1
         window = _by_axis(size.shape if element else size, da.asarray(a), 1)
-        return _overlap(getattr(jorm, name), a, [passes * (n - 1) for n in window], size=size, anchor=anchor)
+        return _overlap(name, a, [passes * (n - 1) for n in window], size=size, anchor=anchor)
 
     filter.__name__ = filter.__qualname__ = name
     filter.__doc__ = f"{doc}, see `jorm.{name}`."
@@ -195,14 +206,14 @@ def gaussian(a, size=None, *, sigma=None, anchor=None):
     if size is None and sigma is None:
         raise TypeError("gaussian: size or sigma is needed")
     a = _picture(a)
-    return _overlap(jorm.gaussian, a, _bell(a, size, sigma), size=size, sigma=sigma, anchor=anchor)
+    return _overlap("gaussian", a, _bell(a, size, sigma), size=size, sigma=sigma, anchor=anchor)
 
 
 def sepfilter(a, down, along, *, planes=None, anchor=None):
     """The sum of the window's pixels with the weights down[row] * along[column], see `jorm.sepfilter`."""
     a = _picture(a)
     lengths = _by_axis((len(down), len(along)), a, 1 if planes is None else len(planes))
-    return _overlap(jorm.sepfilter, a, [n - 1 for n in lengths], down=down, along=along, planes=planes, anchor=anchor)
+    return _overlap("sepfilter", a, [n - 1 for n in lengths], down=down, along=along, planes=planes, anchor=anchor)
 
 
 def firefly(a, size=None, *, sigma=None, bright, dark=None, both=False, anchor=None):
@@ -213,7 +224,7 @@ def firefly(a, size=None, *, sigma=None, bright, dark=None, both=False, anchor=N
     if both and dark is None:
         raise TypeError("firefly: dark is needed with both")
     a = _picture(a)
-    return _overlap(jorm.firefly, a, _bell(a, size, sigma), size=size, sigma=sigma, bright=bright, dark=dark,
+    return _overlap("firefly", a, _bell(a, size, sigma), size=size, sigma=sigma, bright=bright, dark=dark,
                     both=both, anchor=anchor)
 
 
@@ -228,9 +239,13 @@ def _fold(parts, combine):
     return parts[0]
 
 
+def _part(part, block, *args):
+    return part(_aligned(block), *args)
+
+
 def _reduce(part, combine, a, mask, *args):
     """Combines `part` of the tiles, of their masks and of the places where they begin."""
-    run = dask.delayed(part, pure=True)
+    run = dask.delayed(functools.partial(_part, part), pure=True)
     starts = [np.concatenate(([0], np.cumsum(c)[:-1])).astype(int) for c in a.chunks]
     masks = np.full(a.numblocks, None)
     if mask is not None:
@@ -364,7 +379,7 @@ def threshold(a, level, *, upper=None, offset=None, bins=0, range=None, dtype=np
     a = _picture(a)
     dtype = np.dtype(dtype)
     if isinstance(level, str) and level == "adaptive":
-        return _overlap(jorm.threshold, a, _by_axis(2, a, 0), level=level, offset=offset, result=dtype)
+        return _overlap("threshold", a, _by_axis(2, a, 0), level=level, offset=offset, result=dtype)
     if isinstance(level, str):
         if level not in ("otsu", "blur"):
             raise ValueError(f"threshold: level must be a number, 'otsu', 'blur' or 'adaptive', not {level!r}")
@@ -374,5 +389,123 @@ def threshold(a, level, *, upper=None, offset=None, bins=0, range=None, dtype=np
                                        for plane in (a[z:z + 1] for z in np.arange(len(a)))])
             a = gaussian(a, 5)
         level = dask.delayed(operator.methodcaller("tolist"))(otsu(a, bins=bins, range=range))
-        return _blocks(jorm.threshold, a, waiting={"level": level}, upper=upper, dtype=dtype, result=dtype)
-    return _blocks(jorm.threshold, a, level=level, upper=upper, dtype=dtype, result=dtype)
+        return _blocks("threshold", a, waiting={"level": level}, upper=upper, dtype=dtype, result=dtype)
+    return _blocks("threshold", a, level=level, upper=upper, dtype=dtype, result=dtype)
+
+
+# ---- Regions ----
+
+
+def _outlines(regions, pixels, nested):
+    """(first pixel, first row, last row, first column, last column) of each region; the first in the order of rows."""
+    if not len(regions):
+        return np.empty((0, 6), np.int64)
+    rows, columns = pixels.T.astype(np.int64)
+    key = rows << 32 | columns
+    found = np.stack([np.minimum.reduceat(key, regions.start), np.minimum.reduceat(rows, regions.start),
+                      -np.maximum.reduceat(rows, regions.start), np.minimum.reduceat(columns, regions.start),
+                      -np.maximum.reduceat(columns, regions.start)], axis=1)
+    if nested:  # what lies inside comes after what lies around
+        for i in np.arange(len(regions) - 1, 0, -1):
+            around = found[regions.parent[i]]
+            np.minimum(around, found[i], out=around)
+    found[:, [2, 4]] *= -1
+    return np.column_stack((found[:, 0] >> 32, found[:, 0] & 0xFFFFFFFF, found[:, 1:]))
+
+
+def _regions_part(block, name, own, shape, with_pixels, options):
+    """The regions of a tile that are its own and whole, in the coordinates of the picture.
+
+    `own` holds for each axis where the tile begins, where it ends, and where the block with its surroundings begins.
+    """
+    if name == "mser":  # areas count in the picture, not in the tile
+        scale = shape[0] * shape[1] / block.size
+        options = {**options, **{k: min(1.0, v * scale) for k, v in options.items() if k.endswith("fraction")}}
+    regions, pixels = getattr(jorm, name)(block, pixels=True, **options)
+    outlines = _outlines(regions, pixels, name == "component_tree")
+    keep = np.ones(len(regions), bool)
+    for axis, (begin, end, start) in enumerate(own):
+        seed, first, last = outlines[:, axis], outlines[:, 2 + 2 * axis], outlines[:, 3 + 2 * axis]
+        keep &= (begin <= seed + start) & (seed + start < end)
+        keep &= (first > axis) | (start == 0)  # floods never enter the first column
+        keep &= (last < block.shape[axis] - 1) | (start + block.shape[axis] == shape[axis])
+
+    at = np.array([start for _, _, start in own])
+    index = np.append(np.where(keep, np.cumsum(keep) - 1, -1), -1)
+    parents = regions.parent.copy()
+    while (lost := (parents >= 0) & ~keep[parents]).any():  # to the next one around that stays
+        parents[lost] = regions.parent[parents[lost]]
+    dtype = np.dtype([*((n, regions.dtype[n]) for n in regions.dtype.names), ("seed", "(2,)i4")])
+    kept = np.empty(int(keep.sum()), dtype)
+    for field in regions.dtype.names:
+        kept[field] = regions[field][keep]
+    kept["seed"] = outlines[keep, :2] + at
+    kept["parent"] = index[parents[keep]]
+    for field in {"box", "ellipse"} & set(dtype.names):
+        kept[field][:, :2] += at
+    if not with_pixels:
+        return kept, np.empty((0, 2), np.int32)
+    lists = [pixels[s:s + n] + at for s, n in zip(kept["start"].tolist(), kept["area"].tolist())]
+    kept["start"] = np.cumsum([0] + [len(one) for one in lists])[:-1]
+    return kept, np.concatenate(lists or [np.empty((0, 2))]).astype(np.int32)
+
+
+def _regions_combine(parts):
+    joined, pixels = (np.concatenate(lists) for lists in zip(*parts))
+    before = np.repeat(np.cumsum([0] + [len(regions) for regions, _ in parts[:-1]]), [len(r) for r, _ in parts])
+    listed = np.repeat(np.cumsum([0] + [len(p) for _, p in parts[:-1]]), [len(r) for r, _ in parts])
+    joined["parent"] += np.where(joined["parent"] >= 0, before, 0).astype(np.int32)
+    joined["start"] += listed.astype(np.int32)
+    return joined, pixels
+
+
+def _regions(name, a, overlap, pixels, options):
+    a = _picture(a)
+    if a.ndim != 2:
+        raise ValueError(f"{name}: a must have two axes")
+    a = a.rechunk({axis: -1 for axis in (0, 1) if overlap >= a.shape[axis]})
+    a = a.rechunk(tuple(da.overlap.ensure_minimum_chunksize(overlap, c) for c in a.chunks))
+    depth = {axis: overlap if a.numblocks[axis] > 1 else 0 for axis in (0, 1)}
+    ends = [np.cumsum(c).tolist() for c in a.chunks]
+    blocks = da.overlap.overlap(a, depth=depth, boundary="none").to_delayed()
+    run = dask.delayed(_regions_part, pure=True)
+    parts = []
+    for index, block in np.ndenumerate(blocks):
+        begin = [e[i] - c[i] for e, c, i in zip(ends, a.chunks, index)]
+        own = [(b, e[i], max(0, b - depth[axis])) for axis, (b, e, i) in enumerate(zip(begin, ends, index))]
+        parts.append(run(block, name, own, a.shape, pixels, options))
+    found = _fold(parts, _regions_combine)
+    return dask.delayed(_regions_result)(found, pixels)
+
+
+def _regions_result(found, pixels):
+    regions = found[0].view(np.recarray)
+    return (regions, found[1]) if pixels else regions
+
+
+_RULE = """
+
+    Each tile is flooded with `overlap` pixels of its neighbours around it. A region belongs to the tile that holds its
+    seed: of its uppermost pixels the leftmost one. No region comes twice.
+
+    What is lost: regions that reach beyond what the tile with their seed sees, so any that is higher or wider than the
+    overlap may be. Those that are found have the pixels, area and level that they have in the whole picture.
+
+    The records have one field more, `seed` (row, column); `parent` is the next region around that was found in the
+    same tile, as the trees of tiles are not joined. The options are those of `jorm`, without seed, mask and region.
+    """
+
+
+def mser(a, *, overlap=128, max_area_fraction=0.25, pixels=False, **options):
+    return _regions("mser", a, overlap, pixels, {"max_area_fraction": max_area_fraction, **options})
+
+
+def component_tree(a, *, overlap=128, pixels=False, **options):
+    return _regions("component_tree", a, overlap, pixels, options)
+
+
+mser.__doc__ = """The maximally stable extremal regions of all tiles, delayed; see `jorm.mser`.
+
+    Growth is measured on what the tile sees of the components around: a region inside one that reaches further may be
+    missed, or found though it is none.""" + _RULE
+component_tree.__doc__ = """The components of the watersheds of all tiles, delayed; see `jorm.component_tree`.""" + _RULE
