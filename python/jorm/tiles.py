@@ -475,12 +475,7 @@ def _regions(name, a, overlap, pixels, options):
         own = [(b, e[i], max(0, b - depth[axis])) for axis, (b, e, i) in enumerate(zip(begin, ends, index))]
         parts.append(run(block, name, own, a.shape, pixels, options))
     found = _fold(parts, _regions_combine)
-    return dask.delayed(_regions_result)(found, pixels)
-
-
-def _regions_result(found, pixels):
-    regions = found[0].view(np.recarray)
-    return (regions, found[1]) if pixels else regions
+    return found if pixels else found[0]
 
 
 _RULE = """
@@ -491,7 +486,7 @@ _RULE = """
     What is lost: regions that reach beyond what the tile with their seed sees, so any that is higher or wider than the
     overlap may be. Those that are found have the pixels, area and level that they have in the whole picture.
 
-    The records have one field more, `seed` (row, column); `parent` is the next region around that was found in the
+    The structured array has one field more, `seed` (row, column); `parent` is the next region around that was found in the
     same tile, as the trees of tiles are not joined. The options are those of `jorm`, without seed, mask and region.
     """
 
@@ -507,5 +502,13 @@ def component_tree(a, *, overlap=128, pixels=False, **options):
 mser.__doc__ = """The maximally stable extremal regions of all tiles, delayed; see `jorm.mser`.
 
     Growth is measured on what the tile sees of the components around: a region inside one that reaches further may be
-    missed, or found though it is none.""" + _RULE
+    missed, or found though it is none.""" + _RULE + """
+    Examples
+    --------
+    >>> a = np.full((40, 40), 200, np.uint8)
+    >>> a[10:20, 12:24] = 50
+    >>> found = tiles.mser(da.from_array(a, chunks=15), overlap=12, bright=False, max_area_fraction=0.5).compute()
+    >>> found["area"], found["seed"]
+    (array([120], dtype=int32), array([[10, 12]], dtype=int32))
+    """
 component_tree.__doc__ = """The components of the watersheds of all tiles, delayed; see `jorm.component_tree`.""" + _RULE

@@ -12,6 +12,13 @@ import jorm
 FUNCTIONS = [n for n in dir(jorm) if inspect.isbuiltin(getattr(jorm, n))]
 
 
+def run(text, name, **known):
+    test = doctest.DocTestParser().get_doctest(text, {"np": np, "jorm": jorm, **known}, name, None, None)
+    complaints = []
+    doctest.DocTestRunner().run(test, out=complaints.append)
+    assert not complaints, "".join(complaints)
+
+
 @pytest.mark.parametrize("name", FUNCTIONS)
 def test_example(name):
     function = getattr(jorm, name)
@@ -19,7 +26,11 @@ def test_example(name):
     assert ">>>" in text
     for parameter in inspect.signature(function).parameters:  # every one is told of
         assert re.search(rf"^(\w+, )*{parameter}(, \w+)* : ", text, re.M), parameter
-    test = doctest.DocTestParser().get_doctest(text, {"np": np, "jorm": jorm}, name, None, None)
-    complaints = []
-    doctest.DocTestRunner().run(test, out=complaints.append)
-    assert not complaints, "".join(complaints)
+    run(text, name)
+
+
+def test_tiles():
+    da = pytest.importorskip("dask.array")
+    tiles = pytest.importorskip("jorm.tiles")
+    for name in ("add", "mser"):
+        run(inspect.getdoc(getattr(tiles, name)), name, da=da, tiles=tiles)
