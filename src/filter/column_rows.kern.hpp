@@ -19,32 +19,35 @@ void columns_across_n(void *to, const void *const *rows, int64_t n) {
     }
 }
 
-template <class Op, class T, class Result, bool First>
+template <class Op, class T, class Result>
 void columns_across_few(void *to, const void *const *rows, int64_t count, int64_t n) {
     switch (count) {
     case 1:
-        return columns_across_n<Op, T, Result, 1, First>(to, rows, n);
+        return columns_across_n<Op, T, Result, 1, true>(to, rows, n);
     case 2:
-        return columns_across_n<Op, T, Result, 2, First>(to, rows, n);
+        return columns_across_n<Op, T, Result, 2, true>(to, rows, n);
     case 3:
-        return columns_across_n<Op, T, Result, 3, First>(to, rows, n);
+        return columns_across_n<Op, T, Result, 3, true>(to, rows, n);
     case 4:
-        return columns_across_n<Op, T, Result, 4, First>(to, rows, n);
+        return columns_across_n<Op, T, Result, 4, true>(to, rows, n);
     case 5:
-        return columns_across_n<Op, T, Result, 5, First>(to, rows, n);
+        return columns_across_n<Op, T, Result, 5, true>(to, rows, n);
     case 6:
-        return columns_across_n<Op, T, Result, 6, First>(to, rows, n);
+        return columns_across_n<Op, T, Result, 6, true>(to, rows, n);
     case 7:
-        return columns_across_n<Op, T, Result, 7, First>(to, rows, n);
+        return columns_across_n<Op, T, Result, 7, true>(to, rows, n);
     default:
-        return columns_across_n<Op, T, Result, 8, First>(to, rows, n);
+        return columns_across_n<Op, T, Result, 8, true>(to, rows, n);
     }
 }
 
+// More than eight rows begin with as many as leave a multiple of four.
 template <class Op, class T, class Result>
 void columns_across(void *to, const void *const *rows, int64_t count, int64_t n) {
-    columns_across_few<Op, T, Result, true>(to, rows, count, n);
-    for (int64_t k = 8; k < count; k += 8) columns_across_few<Op, T, Result, false>(to, rows + k, count - k, n);
+    int64_t k = count <= 8 ? count : (count - 1) % 4 + 5;
+    columns_across_few<Op, T, Result>(to, rows, k, n);
+    for (; k + 8 <= count; k += 8) columns_across_n<Op, T, Result, 8, false>(to, rows + k, n);
+    if (k < count) columns_across_n<Op, T, Result, 4, false>(to, rows + k, n);
 }
 
 template <class Op, class T, class Result> void columns_join(void *to, const void *row, const void *suffix, int64_t n) {
