@@ -57,7 +57,7 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${package_of_runtime} (>= ${PROJECT_VER
 set(about "Arithmetic, statistics, filters and geometry on arrays with 1 to 4 channels\nand any byte strides, exact, on one thread.")
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "image processing on the caller's memory\n${about}")
 set(CPACK_DEBIAN_DEV_DESCRIPTION "image processing on the caller's memory (development)\n${about}
-\nThis package holds headers, the CMake package and documents.")
+\nThis package holds headers, the static library, the CMake package and documents.")
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION "image processing on picture files\n${about}
 \nThis package holds the command-line tool.")
 set(CPACK_DEBIAN_PYTHON_DESCRIPTION "image processing on numpy arrays\n${about}

@@ -27,6 +27,7 @@ echo "find_package:"
 "$cmake" -S "$source" -B "$scratch/build" -DCMAKE_C_COMPILER="$cc" -DCMAKE_PREFIX_PATH="$tree" >/dev/null
 "$cmake" --build "$scratch/build" >/dev/null
 "$scratch/build/consumer"
+[ ! -f "$scratch/build/static_consumer" ] || "$scratch/build/static_consumer"
 
 echo "pkg-config:"
 pc=$(dirname "$(find "$tree" -name jorm.pc)")
@@ -34,4 +35,9 @@ export PKG_CONFIG_PATH="$pc"
 # shellcheck disable=SC2046
 "$cc" -std=c99 -Wall -Wextra -Werror "$source/consumer.c" $(pkg-config --cflags --libs jorm) -o "$scratch/by_pkg_config"
 LD_LIBRARY_PATH=$(pkg-config --variable=libdir jorm) "$scratch/by_pkg_config"
+if pkg-config --exists jorm-static; then
+    # shellcheck disable=SC2046
+    "$cc" -std=c99 "$source/consumer.c" $(pkg-config --cflags --libs jorm-static) -o "$scratch/by_static_pkg_config"
+    "$scratch/by_static_pkg_config"
+fi
 test "$(pkg-config --modversion jorm)" = 1.0.0
