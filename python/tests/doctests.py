@@ -2,6 +2,7 @@
 
 import doctest
 import inspect
+import pathlib
 import re
 
 import numpy as np
@@ -34,3 +35,11 @@ def test_tiles():
     tiles = pytest.importorskip("jorm.tiles")
     for name in ("add", "mser"):
         run(inspect.getdoc(getattr(tiles, name)), name, da=da, tiles=tiles)
+
+
+def test_readme():
+    readme = pathlib.Path(__file__).resolve().parents[2] / "README.md"
+    (lines,) = re.findall(r"^```python\n(.*?)^```", readme.read_text(), re.M | re.S)
+    names = {}
+    exec(lines, names)
+    assert (names["smooth"] == jorm.add(jorm.gaussian(names["a"], sigma=2), 20)).all()
