@@ -34,7 +34,11 @@ C_PROGRAM = """
 #include <time.h>
 static unsigned char pa[4096], pb[4096], pd[4096];
 static float pf[4096];
-static double now(void) { struct timespec t; clock_gettime(CLOCK_MONOTONIC, &t); return t.tv_sec * 1e6 + t.tv_nsec / 1e3; }
+static double now(void) {
+    struct timespec t;
+    clock_gettime(CLOCK_MONOTONIC, &t);
+    return t.tv_sec * 1e6 + t.tv_nsec / 1e3;
+}
 int main(void) {
     double ten[12] = {10, 10, 10, 10, 10, 10, 10, 10};
     jorm_array a, b, d, f;
@@ -80,7 +84,7 @@ def microseconds(call, number=5000):
 
 def calls(build):
     i = np.arange(4096)
-    a, b = ((i * 37 >> 3) & 255).astype(np.uint8).reshape(64, 64), ((i * 11 >> 2) & 255).astype(np.uint8).reshape(64, 64)
+    a, b = (((i * k >> s) & 255).astype(np.uint8).reshape(64, 64) for k, s in ((37, 3), (11, 2)))
     out, floats = np.empty_like(a), np.empty(a.shape, np.float32)
     ours = {
         "add": (lambda: jorm.add(a, b), lambda: jorm.add(a, b, out=out)),
@@ -116,7 +120,7 @@ def calls(build):
     except ImportError:
         pass
     in_c = c_times(build)
-    print("| call | C | new array | over C | `out=` | over C | cv2 | scipy.ndimage |\n|---|---|---|---|---|---|---|---|")
+    print("| call | C | new array | over C | `out=` | over C | cv2 | scipy.ndimage |\n" + 8 * "|---" + "|")
     for name, (new, into) in ours.items():
         c = in_c[name]
         row = [f"{c:.2f}"]

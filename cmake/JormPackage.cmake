@@ -53,7 +53,9 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${package_of_runtime} (>= ${PROJECT_VERS
 math(EXPR next_minor "${Python3_VERSION_MINOR} + 1")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${package_of_runtime} (>= ${PROJECT_VERSION}), python3 (>= 3.${Python3_VERSION_MINOR}), python3 (<< 3.${next_minor}), python3-numpy")
+set(python_versions "python3 (>= 3.${Python3_VERSION_MINOR}), python3 (<< 3.${next_minor})")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+    "${package_of_runtime} (>= ${PROJECT_VERSION}), ${python_versions}, python3-numpy")
 set(about "Arithmetic, statistics, filters and geometry on arrays with 1 to 4 channels\nand any byte strides, exact, on one thread.")
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "image processing on the caller's memory\n${about}")
 set(CPACK_DEBIAN_DEV_DESCRIPTION "image processing on the caller's memory (development)\n${about}

@@ -6,8 +6,8 @@ if(NOT JORM_PYTHON_EXECUTABLE)
     find_program(first_python python3 NO_CACHE)
     list(APPEND candidates ${first_python} /usr/bin/python3 /usr/local/bin/python3)
     foreach(candidate IN LISTS candidates)
-        execute_process(COMMAND ${candidate} -c "import numpy, sysconfig, os
-assert os.path.exists(os.path.join(sysconfig.get_path('include'), 'Python.h'))" RESULT_VARIABLE failed OUTPUT_QUIET ERROR_QUIET)
+        execute_process(COMMAND ${candidate} -c "import numpy, sysconfig; open(sysconfig.get_path('include') + '/Python.h')"
+            RESULT_VARIABLE failed OUTPUT_QUIET ERROR_QUIET)
         if(failed EQUAL 0)
             set(JORM_PYTHON_EXECUTABLE ${candidate} CACHE FILEPATH "The interpreter that the module is built for")
             break()
