@@ -145,6 +145,23 @@ struct Selection {
 
 uint64_t pixels_of(const jorm_pixgroup &group) { return group.pixels && group.count > 0 ? uint64_t(group.count) : 0; }
 
+// Regions from..end of the selection: their pixels one after the other, and a group for each.
+void write_groups(jorm_pixgroup *group, Pixel *const to, const Selection &kept, uint64_t from, uint64_t end) {
+    const auto write = [&](auto pixels_to) {
+        Pixel *next = to;
+        for (uint64_t i = from; i < end; ++i) {
+            const List &list = kept.list_of(i);
+            const int32_t n = list.known() ? pixels_to(next, kept[i], list) : 0;
+            group[i - from] = {n ? &next->row : nullptr, n};
+            next += n;
+        }
+    };
+    ListWriter writer(std::max(kept.lists[0].width, 1));
+    write([&](Pixel *next, Region *r, const List &list) { return writer.add_subtree(next, r, list.words); });
+    if (writer.finish()) return;
+    write([&](Pixel *next, Region *r, const List &list) { return write_subtree(next, r, list.words, list.width); });
+}
+
 // Groups and pixels move into one new block: groups that a vector holds already take their pixels along.
 bool append_groups(jorm_vector &out, const Selection &kept) {
     const auto *const old = static_cast<const jorm_pixgroup *>(out.data);
@@ -165,12 +182,7 @@ bool append_groups(jorm_vector &out, const Selection &kept) {
         group[i] = {n ? &to->row : nullptr, int64_t(n)};
         to += n;
     }
-    for (uint64_t i = 0; i < kept.count(); ++i) {
-        const List &list = kept.list_of(i);
-        const int32_t n = list.known() ? write_subtree(to, kept[i], list.words, list.width) : 0;
-        group[out.count + i] = {n ? &to->row : nullptr, n};
-        to += n;
-    }
+    write_groups(group + out.count, to, kept, 0, kept.count());
     _UlMfree(out.data);
     out = {groups, groups, fresh.data};
     return true;
@@ -178,23 +190,24 @@ bool append_groups(jorm_vector &out, const Selection &kept) {
 
 using Query = jorm_vector *(*)(jorm_vector *, const jorm_vector *);
 
-// Figures, entry_bytes each, of one region after the other, all in the same memory.
+// Figures, entry_bytes each, of some regions at a time, all in the same memory.
 jorm_vector *query(jorm_vector *out, const jorm_mser *mser, const jorm_mserfilt *filter, Query figures,
                    size_t entry_bytes) {
+    constexpr uint64_t most_groups = 64, most_pixels = 16384;
     if (!out || !mser) return out;
     const Selection kept(*mser, filter);
-    int32_t largest = 0;
-    for (uint64_t i = 0; i < kept.count(); ++i) largest = std::max(largest, kept[i]->area);
+    const auto room_of = [&](uint64_t i) { return uint64_t(std::max(kept[i]->area, 0)); };
+    uint64_t room = most_pixels;
+    for (uint64_t i = 0; i < kept.count(); ++i) room = std::max(room, room_of(i));
     LocalVector pixels;
-    if (!kept.complete || !reserve(pixels, uint64_t(largest), sizeof(Pixel)) ||
-        !reserve(*out, kept.count(), entry_bytes))
+    if (!kept.complete || !reserve(pixels, room, sizeof(Pixel)) || !reserve(*out, kept.count(), entry_bytes))
         return out;
-    auto *const at = static_cast<Pixel *>(pixels.data);
-    for (uint64_t i = 0; i < kept.count(); ++i) {
-        const List &list = kept.list_of(i);
-        jorm_pixgroup group = {nullptr, list.known() ? write_subtree(at, kept[i], list.words, list.width) : 0};
-        if (group.count) group.pixels = &at->row;
-        const jorm_vector groups = {1, 1, &group};
+    jorm_pixgroup group[most_groups];
+    for (uint64_t from = 0, end = 0; from < kept.count(); from = end) {
+        uint64_t n = 0;
+        while (end < kept.count() && end - from < most_groups && n + room_of(end) <= room) n += room_of(end++);
+        write_groups(group, static_cast<Pixel *>(pixels.data), kept, from, end);
+        const jorm_vector groups = {end - from, end - from, group};
         figures(out, &groups);
     }
     return out;

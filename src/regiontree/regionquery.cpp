@@ -12,59 +12,6 @@ namespace {
 
 bool is_stable(const jorm_fwtsr *region) { return region->mser != 0; }
 
-// Follows several lists at once, for each step of a list waits for the one before. Where the pixels of a list go is
-// known beforehand, from the areas.
-class ListWriter {
-public:
-    ListWriter(const uint32_t *words, int32_t width) : words_(words), pixel_of_(width) {}
-
-    // A list of at least n >= 1 pixels.
-    void add(Pixel *to, uint32_t head, int32_t n) {
-        lane_[used_++] = {to, head, n};
-        while (used_ == lanes) step();
-    }
-    // False when a list was shorter than had been said.
-    bool finish() {
-        while (used_ > 0) step();
-        return complete_;
-    }
-
-private:
-    static constexpr int lanes = 6;
-    struct Lane {
-        Pixel *to;
-        uint32_t pixel;
-        int32_t left;
-    };
-
-    // As many pixels of each list as the shortest still has.
-    void step() {
-        int32_t n = lane_[0].left;
-        for (int i = 1; i < used_; ++i) n = lane_[i].left < n ? lane_[i].left : n;
-        for (; n > 0 && complete_; --n)
-            for (int i = 0; i < used_; ++i) advance(lane_[i]);
-        int kept = 0;
-        for (int i = 0; i < used_; ++i)
-            if (complete_ && lane_[i].left > 0) lane_[kept++] = lane_[i];
-        used_ = kept;
-    }
-    void advance(Lane &lane) {
-        if (lane.pixel >= JORM_NO_PIXEL) {
-            complete_ = false;
-            return;
-        }
-        *lane.to++ = pixel_of_(int32_t(lane.pixel));
-        lane.pixel = words_[lane.pixel];
-        --lane.left;
-    }
-
-    const uint32_t *words_;
-    const PixelOf pixel_of_;
-    Lane lane_[lanes];
-    int used_ = 0;
-    bool complete_ = true;
-};
-
 // ---- Figures of one group ----
 
 struct Points {
@@ -114,20 +61,45 @@ template <class Figure> jorm_vector *append_figures(jorm_vector *out, const jorm
 
 } // namespace
 
-int32_t write_subtree(Pixel *to, const jorm_fwtsr *region, const uint32_t *words, int32_t width) {
+int32_t ListWriter::add_subtree(Pixel *to, const jorm_fwtsr *region, const uint32_t *words) {
     int32_t left = region->area;
     if (left <= 0) return 0;
-    ListWriter writer(words, width);
-    Pixel *next = to;
     walk_preorder(region, [&](const jorm_fwtsr *r, int32_t) {
         const int32_t proper = proper_count(r), n = proper < left ? proper : left;
         if (n < 1) return 1;
-        writer.add(next, uint32_t(r->head), n);
-        next += n;
+        add(to, words, uint32_t(r->head), n);
+        to += n;
         left -= n;
         return 1;
     });
-    if (writer.finish()) return int32_t(next - to);
+    return region->area - left;
+}
+
+void ListWriter::step() {
+    int32_t n = lane_[0].left;
+    for (int i = 1; i < used_; ++i) n = lane_[i].left < n ? lane_[i].left : n;
+    for (; n > 0 && complete_; --n)
+        for (int i = 0; i < used_; ++i) advance(lane_[i]);
+    int kept = 0;
+    for (int i = 0; i < used_; ++i)
+        if (complete_ && lane_[i].left > 0) lane_[kept++] = lane_[i];
+    used_ = kept;
+}
+
+void ListWriter::advance(Lane &lane) {
+    if (lane.pixel >= JORM_NO_PIXEL) {
+        complete_ = false;
+        return;
+    }
+    *lane.to++ = pixel_of_(int32_t(lane.pixel));
+    lane.pixel = lane.words[lane.pixel];
+    --lane.left;
+}
+
+int32_t write_subtree(Pixel *to, const jorm_fwtsr *region, const uint32_t *words, int32_t width) {
+    ListWriter writer(width);
+    const int32_t n = writer.add_subtree(to, region, words);
+    if (writer.finish()) return n;
     const PixelOf pixel_of(width);
     return for_subtree(region, words, [&](int32_t pixel) { *to++ = pixel_of(pixel); });
 }

@@ -80,6 +80,43 @@ private:
     uint64_t reciprocal_;
 };
 
+/// Follows several lists at once, for each step of one list waits for the step before. Where the pixels of a list go is
+/// known beforehand, from the areas.
+class ListWriter {
+public:
+    explicit ListWriter(int32_t width) : pixel_of_(width) {}
+
+    /// The first n >= 1 pixels of a list.
+    void add(Pixel *to, const uint32_t *words, uint32_t head, int32_t n) {
+        lane_[used_++] = {to, words, head, n};
+        while (used_ == lanes) step();
+    }
+    /// The pixels of a region and its descendants, at most its area, in the order of for_subtree; returns how many.
+    int32_t add_subtree(Pixel *to, const jorm_fwtsr *region, const uint32_t *words);
+
+    /// Writes what is left. False when a list was too short: then what has been written is of no use.
+    bool finish() {
+        while (used_ > 0) step();
+        return complete_;
+    }
+
+private:
+    static constexpr int lanes = 6;
+    struct Lane {
+        Pixel *to;
+        const uint32_t *words;
+        uint32_t pixel;
+        int32_t left;
+    };
+    void step(); // as many pixels of each list as the shortest still has
+    void advance(Lane &lane);
+
+    const PixelOf pixel_of_;
+    Lane lane_[lanes];
+    int used_ = 0;
+    bool complete_ = true;
+};
+
 /// Writes the pixels of a region and its descendants, at most its area, in the order of for_subtree; returns how many.
 int32_t write_subtree(Pixel *to, const jorm_fwtsr *region, const uint32_t *words, int32_t width);
 
