@@ -92,6 +92,75 @@ private:
     std::optional<Scratch> sums_;
 };
 
+// Those of 3 or 5 rows and columns about a centre: two rows of results at a time, from the source at once.
+class SmallBoxStage : public RowStage {
+public:
+    static bool serves(const WindowRows &in) {
+        const WindowCall &c = in.call();
+        const auto small = [&](int i) { return (c.extent[i] == 3 || c.extent[i] == 5) && c.before[i] == c.after(i); };
+        return c.extent[0] == 1 && small(1) && small(2) && c.size[2] >= ByteMeanRows::small_row &&
+               in.left <= c.before[2] && in.right <= c.before[2];
+    }
+    int64_t open(WindowRows &in, const ByteMean &mean) {
+        const WindowCall &c = in.call();
+        in_ = &in;
+        mean_ = mean;
+        rows_ = JORM_OF_LEVEL(byte_mean_rows, c.which);
+        reach_ = c.before[2];
+        const int64_t begin[2] = {0, c.size[2] - reach_};
+        for (int right = 0; right < 2; ++right)
+            for (int64_t i = 0; i < side(); ++i) column_[right][i] = begin[right] + i - reach_;
+        in.each_to_complete([&](int64_t column, int64_t from) {
+            const int right = column >= side();
+            column_[right][column - begin[right]] = from - reach_;
+        });
+        second_row_.emplace(c.xe, scratch_bytes(c.size[2], 1), line);
+        return *second_row_ ? JORM_OK : JORM_ENOMEM;
+    }
+    void begin_plane(int64_t z) override {
+        in_->begin_plane(z);
+        made_ = 0;
+    }
+    void produce(int64_t y, void *row) override {
+        const WindowCall &c = in_->call();
+        uint8_t *const second = second_row_->as<uint8_t>();
+        if (y < made_) {
+            std::memcpy(row, second, size_t(c.size[2]));
+            return;
+        }
+        const int64_t height = c.extent[1];
+        uint8_t *const to[2] = {static_cast<uint8_t *>(row), y + 1 < c.size[1] ? second : nullptr};
+        made_ = y + (to[1] ? 2 : 1);
+        const uint8_t *rows[6];
+        for (int64_t k = 0; k < height + (to[1] ? 1 : 0); ++k)
+            rows[k] = reinterpret_cast<const uint8_t *>(in_->row(y - c.before[1] + k)) + reach_ - in_->left;
+        rows_->small(to, rows, height, c.size[2], mean_);
+        for (int r = 0; r < 2 && to[r]; ++r)
+            for (const int right : {0, 1}) make_end(to[r] + (right ? c.size[2] - reach_ : 0), rows + r, column_[right]);
+    }
+
+private:
+    int64_t side() const { return 3 * reach_; } // columns that the windows at an end read
+    void make_end(uint8_t *to, const uint8_t *const *rows, const int64_t *column) const {
+        uint32_t sum[6] = {};
+        for (int64_t k = 0; k < in_->call().extent[1]; ++k)
+            for (int64_t i = 0; i < side(); ++i) sum[i] += rows[k][column[i]];
+        for (int64_t i = 0; i < reach_; ++i) {
+            uint32_t t = mean_.area / 2;
+            for (int64_t k = 0; k < mean_.width; ++k) t += sum[i + k];
+            to[i] = uint8_t((t * mean_.factor >> 16) * mean_.shift >> 16);
+        }
+    }
+
+    WindowRows *in_ = nullptr;
+    const ByteMeanRows *rows_ = nullptr;
+    ByteMean mean_ = {};
+    int64_t reach_ = 0, made_ = 0;
+    int64_t column_[2]
+                   [6]; // those columns, or the ones that stand for them, counted from the centre of the first window
+    std::optional<Scratch> second_row_;
+};
+
 // ---- All other windows ----
 
 BoxLine box_line(const WindowCall &c, int64_t area) {
@@ -165,6 +234,11 @@ int64_t box(WindowCall &c) {
     if (c.type == JORM_U8 && area < ByteMean::max_area && c.extent[0] * c.extent[1] <= ByteMean::max_height) {
         if (mean.width < 2 || mean.width > 2 * ByteMean::max_half + 1 || !find_factors(mean, int64_t(area)))
             mean = {mean.width, 0, uint16_t(area), 0, 0};
+        if (SmallBoxStage::serves(rows)) {
+            SmallBoxStage stage;
+            const int64_t status = stage.open(rows, mean);
+            return status == JORM_OK ? run_stage(c, stage) : status;
+        }
         ByteBoxStage stage;
         const int64_t status = stage.open(rows, mean);
         return status == JORM_OK ? run_stage(c, stage) : status;

@@ -15,14 +15,15 @@ using u16 = uint16_t;
     __builtin_memcpy(&w, row + 2 * i, sizeof w);
     return w;
 }
+// Of words, or of vectors of them.
 #if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
-[[gnu::always_inline]] inline u16 even_of(u16 w) { return u16(w >> 8); }
-[[gnu::always_inline]] inline u16 odd_of(u16 w) { return u16(w & 255); }
-[[gnu::always_inline]] inline u16 pair_of(u16 even, u16 odd) { return u16(even << 8 | odd); }
+template <class W> [[gnu::always_inline]] inline W even_of(W w) { return W(w >> 8); }
+template <class W> [[gnu::always_inline]] inline W odd_of(W w) { return W(w & 255); }
+template <class W> [[gnu::always_inline]] inline W pair_of(W even, W odd) { return W(even << 8 | odd); }
 #else
-[[gnu::always_inline]] inline u16 even_of(u16 w) { return u16(w & 255); }
-[[gnu::always_inline]] inline u16 odd_of(u16 w) { return u16(w >> 8); }
-[[gnu::always_inline]] inline u16 pair_of(u16 even, u16 odd) { return u16(even | odd << 8); }
+template <class W> [[gnu::always_inline]] inline W even_of(W w) { return W(w & 255); }
+template <class W> [[gnu::always_inline]] inline W odd_of(W w) { return W(w >> 8); }
+template <class W> [[gnu::always_inline]] inline W pair_of(W even, W odd) { return W(even | odd << 8); }
 #endif
 
 void enter_bytes(u16 *even, u16 *odd, const u8 *row, int64_t n) {
@@ -115,6 +116,89 @@ void mean_bytes(u8 *to, const u16 *even, const u16 *odd, int64_t n, const ByteMe
     default:
         return mean_bytes_half<8>(to, even, odd, n, m);
     }
+}
+
+// ---- Windows of 3 or 5 rows and columns: all in registers ----
+
+// Of one row of results, or of two, whose windows share all rows but one.
+template <int Width, int Height, int N> struct SmallMeans {
+    u8 *const *to;
+    const u8 *const *rows;
+    const ByteMean &m;
+
+    // Sums of even and of odd columns from column i on.
+    struct Columns {
+        Words even[N], odd[N], both[N];
+    };
+    [[gnu::always_inline]] Columns columns(int64_t i) const {
+        const auto row = [&](int k) __attribute__((always_inline)) { return read<Words>(rows[k] + i); };
+        Columns c;
+        Words even = even_of(row(N - 1)), odd = odd_of(row(N - 1));
+        for (int k = N; k < Height; ++k) {
+            even += even_of(row(k));
+            odd += odd_of(row(k));
+        }
+        for (int r = 0; r < N; ++r) {
+            c.even[r] = N == 1 ? even : even + even_of(row(r * Height));
+            c.odd[r] = N == 1 ? odd : odd + odd_of(row(r * Height));
+            c.both[r] = c.even[r] + c.odd[r];
+        }
+        return c;
+    }
+    [[gnu::always_inline]] Words mean(Words sum) const {
+#ifdef __SSSE3__
+        if constexpr (Width * Height == 9) // rounding the product does
+            return Words(JORM_OF_REGISTER(mulhrs_epi16)(Register(sum), Register(u16(3641) - Words{})));
+#endif
+        return high_words(high_words(sum + u16(m.area / 2), m.factor), m.shift);
+    }
+    [[gnu::always_inline]] void store(int64_t i, const Columns &before, const Columns &c, const Columns &after) const {
+        for (int r = 0; r < N; ++r) {
+            Words first = c.both[r], second = c.both[r];
+            if constexpr (Width == 3) {
+                first += AllWords::before(before.odd[r], c.odd[r]);
+                second += AllWords::after(c.even[r], after.even[r]);
+            } else {
+                first += AllWords::before(before.both[r], c.both[r]) + AllWords::after(c.even[r], after.even[r]);
+                second += AllWords::before(before.odd[r], c.odd[r]) + AllWords::after(c.both[r], after.both[r]);
+            }
+            const Words pairs = pair_of(mean(first), mean(second));
+            __builtin_memcpy(to[r] + i, &pairs, sizeof pairs);
+        }
+    }
+    // What lies beside the row counts as anything.
+    void all(int64_t n) const {
+        Columns before = columns(0), here = before;
+        int64_t i = 0;
+        for (; i + 2 * register_bytes <= n; i += register_bytes) {
+            const Columns after = columns(i + register_bytes);
+            store(i, before, here, after);
+            before = here;
+            here = after;
+        }
+        if (i + register_bytes < n) { // the rest, some of it once more
+            i = n - register_bytes;
+            before = columns(i - 2 * register_bytes);
+            here = columns(i - register_bytes);
+            const Columns last = columns(i);
+            store(i - register_bytes, before, here, last);
+            before = here;
+            here = last;
+        }
+        store(i, before, here, here);
+    }
+};
+
+template <int Width, int Height>
+void small_means_of(u8 *const *to, const u8 *const *rows, int64_t n, const ByteMean &m) {
+    if (to[1])
+        SmallMeans<Width, Height, 2>{to, rows, m}.all(n);
+    else
+        SmallMeans<Width, Height, 1>{to, rows, m}.all(n);
+}
+void small_means(u8 *const *to, const u8 *const *rows, int64_t height, int64_t n, const ByteMean &m) {
+    if (m.width == 3) return height == 3 ? small_means_of<3, 3>(to, rows, n, m) : small_means_of<3, 5>(to, rows, n, m);
+    return height == 3 ? small_means_of<5, 3>(to, rows, n, m) : small_means_of<5, 5>(to, rows, n, m);
 }
 
 // ---- Large windows of bytes: differences of sums from the beginning of the row ----
@@ -283,7 +367,7 @@ struct Add {
 } // namespace
 
 extern const ByteMeanRows byte_mean_rows[];
-const ByteMeanRows byte_mean_rows[] = {{enter_bytes, slide_bytes, mean_bytes, add_up, wide_mean}};
+const ByteMeanRows byte_mean_rows[] = {{small_means, enter_bytes, slide_bytes, mean_bytes, add_up, wide_mean}};
 
 #define LINE(T, Sum, mean_row)                                                                                         \
     { sizeof(Sum), enter<T, Sum>, slide<T, Sum>, along<Sum>, mean_row }

@@ -51,6 +51,33 @@ template <int N, class V> [[gnu::always_inline]] inline V bytes_from(V a, V b) {
     using Bytes = VectorOf<u8, 16>;
     using List = ByteList<0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15>;
     return V(bytes_from<N>(Bytes(a), Bytes(b), List()));
+
+// A register of words, and the words of two side by side that begin at the last one of `before`, or at the second one.
+using Words = VectorOf<uint16_t, register_bytes / 2>;
+template <int... I> struct WordList {
+    [[gnu::always_inline]] static Words before(Words before, Words w) {
+        return __builtin_shufflevector(before, w, (sizeof...(I) - 1 + I)...);
+    }
+    [[gnu::always_inline]] static Words after(Words w, Words after) {
+        return __builtin_shufflevector(w, after, (1 + I)...);
+    }
+};
+#if defined(JORM_LEVEL_avx512)
+using AllWords = WordList<0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25,
+                          26, 27, 28, 29, 30, 31>;
+#elif defined(JORM_LEVEL_avx2)
+using AllWords = WordList<0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15>;
+#else
+using AllWords = WordList<0, 1, 2, 3, 4, 5, 6, 7>;
+#endif
+
+// The high halves of products.
+[[gnu::always_inline]] inline Words high_words(Words a, uint16_t b) {
+#ifdef __x86_64__
+    return Words(JORM_OF_REGISTER(mulhi_epu16)(Register(a), Register(b - Words{})));
+#else
+    using Wide = VectorOf<uint32_t, register_bytes / 2>;
+    return __builtin_convertvector(__builtin_convertvector(a, Wide) * b >> 16, Words);
 #endif
 }
 
