@@ -102,6 +102,34 @@ TEST_F(Filter, MeansOfEveryWindow) {
     run(JORM_FILTER_BOX, 12, 300, true);
 }
 
+// Rows of bytes longer than the registers that small windows go through, whole pictures and views in them.
+TEST_F(Filter, SmallMeansOfLongRows) {
+    for (int i = 0; i < 120; ++i) {
+        use_level(i % jorm::level_count);
+        const Index size = {1, r.in(1, 7), i % 2 ? 192 + r.in(0, 1) * 64 : r.in(190, 460), 1};
+        Picture src(r, JORM_U8, size, true), dst(r, JORM_U8, size, true);
+        const bool white = r.one_in(4); // the largest sums
+        src.fill([&] { return white ? 255 : r.in(0, 255); });
+        jorm_seshape window;
+        __jorm_seshape__$g2(&window, r.one_in(2) ? 3 : 5, r.one_in(2) ? 3 : 5);
+        const int margin = r.in(0, 3);
+        const jorm_site roi = site_of({0, 0, margin, 0}, {1, size[1], size[2] - 2 * margin, 1});
+        ASSERT_EQ(JormFilter(xe, 0, &dst.a, &src.a, &roi, &roi, JORM_FILTER_BOX, &window), JORM_OK);
+        int wrong = 0;
+        each({1, size[1], roi.size[2], 1}, [&](Index p) {
+            p[2] += margin;
+            int sum = 0;
+            each({1, window.extent[1], window.extent[2], 1}, [&](const Index &q) {
+                sum += int(src.get({0, mirrored(p[1] + q[1] - window.anchor[1], size[1]),
+                                    mirrored(p[2] + q[2] - window.anchor[2], size[2]), 0}));
+            });
+            wrong += dst.get(p) != std::nearbyint(double(sum) / (window.extent[1] * window.extent[2]));
+        });
+        ASSERT_EQ(wrong, 0) << size[1] << " by " << size[2] << ", margin " << margin << ", window of "
+                            << window.extent[1] << " by " << window.extent[2];
+    }
+}
+
 TEST_F(Filter, OpeningsAndClosings) {
     for (const uint32_t kind : {JORM_FILTER_CLOSE, JORM_FILTER_OPEN, JORM_FILTER_BOTHAT, JORM_FILTER_TOPHAT})
         run(kind, 250, 11, false);

@@ -98,8 +98,9 @@ public:
     static bool serves(const WindowRows &in) {
         const WindowCall &c = in.call();
         const auto small = [&](int i) { return (c.extent[i] == 3 || c.extent[i] == 5) && c.before[i] == c.after(i); };
-        return c.extent[0] == 1 && small(1) && small(2) && c.size[2] >= ByteMeanRows::small_row &&
-               in.left <= c.before[2] && in.right <= c.before[2];
+        return c.extent[0] == 1 && small(1) && small(2) &&
+               c.size[2] >= JORM_OF_LEVEL(byte_mean_rows, c.which)->small_row && in.left <= c.before[2] &&
+               in.right <= c.before[2];
     }
     int64_t open(WindowRows &in, const ByteMean &mean) {
         const WindowCall &c = in.call();

@@ -120,81 +120,88 @@ void mean_bytes(u8 *to, const u16 *even, const u16 *odd, int64_t n, const ByteMe
 
 // ---- Windows of 3 or 5 rows and columns: all in registers ----
 
-// Of one row of results, or of two, whose windows share all rows but one.
-template <int Width, int Height, int N> struct SmallMeans {
-    u8 *const *to;
-    const u8 *const *rows;
-    const ByteMean &m;
+// Sums of even and of odd columns.
+struct ColumnPairs {
+    Words even, odd;
+};
 
-    // Sums of even and of odd columns from column i on.
-    struct Columns {
-        Words even[N], odd[N], both[N];
-    };
-    [[gnu::always_inline]] Columns columns(int64_t i) const {
-        const auto row = [&](int k) __attribute__((always_inline)) { return read<Words>(rows[k] + i); };
-        Columns c;
-        Words even = even_of(row(N - 1)), odd = odd_of(row(N - 1));
-        for (int k = N; k < Height; ++k) {
+// One row of results, or two, whose windows share all rows but one.
+template <int Width, int Height, bool Two>
+void small_means_of(u8 *const *to, const u8 *const *rows, int64_t n, const ByteMean &m) {
+    u8 *const t = to[0], *const u = to[1];
+    const u8 *r[Height + Two];
+    for (int k = 0; k < Height + Two; ++k) r[k] = rows[k];
+    const u16 half = m.area / 2, factor = m.factor, shift = m.shift;
+
+    // From column i on, for both rows.
+    const auto columns = [&](int64_t i, ColumnPairs & a, ColumnPairs & b) __attribute__((always_inline)) {
+        const auto row = [&](int k) __attribute__((always_inline)) { return read<Words>(r[k] + i); };
+        Words even = even_of(row(1)), odd = odd_of(row(1));
+        for (int k = 2; k < Height; ++k) {
             even += even_of(row(k));
             odd += odd_of(row(k));
         }
-        for (int r = 0; r < N; ++r) {
-            c.even[r] = N == 1 ? even : even + even_of(row(r * Height));
-            c.odd[r] = N == 1 ? odd : odd + odd_of(row(r * Height));
-            c.both[r] = c.even[r] + c.odd[r];
-        }
-        return c;
-    }
-    [[gnu::always_inline]] Words mean(Words sum) const {
+        a = {even + even_of(row(0)), odd + odd_of(row(0))};
+        if constexpr (Two) b = {even + even_of(row(Height)), odd + odd_of(row(Height))};
+    };
+    const auto mean = [&](Words sum) __attribute__((always_inline)) {
 #ifdef __SSSE3__
         if constexpr (Width * Height == 9) // rounding the product does
             return Words(JORM_OF_REGISTER(mulhrs_epi16)(Register(sum), Register(u16(3641) - Words{})));
 #endif
-        return high_words(high_words(sum + u16(m.area / 2), m.factor), m.shift);
-    }
-    [[gnu::always_inline]] void store(int64_t i, const Columns &before, const Columns &c, const Columns &after) const {
-        for (int r = 0; r < N; ++r) {
-            Words first = c.both[r], second = c.both[r];
-            if constexpr (Width == 3) {
-                first += AllWords::before(before.odd[r], c.odd[r]);
-                second += AllWords::after(c.even[r], after.even[r]);
-            } else {
-                first += AllWords::before(before.both[r], c.both[r]) + AllWords::after(c.even[r], after.even[r]);
-                second += AllWords::before(before.odd[r], c.odd[r]) + AllWords::after(c.both[r], after.both[r]);
-            }
-            const Words pairs = pair_of(mean(first), mean(second));
-            __builtin_memcpy(to[r] + i, &pairs, sizeof pairs);
+        return high_words(high_words(sum + half, factor), shift);
+    };
+    const auto store = [&](u8 * at, ColumnPairs before, ColumnPairs here, ColumnPairs after)
+        __attribute__((always_inline)) {
+        const Words both = here.even + here.odd;
+        Words first = both, second = both;
+        if constexpr (Width == 3) {
+            first += AllWords::before(before.odd, here.odd);
+            second += AllWords::after(here.even, after.even);
+        } else {
+            first += AllWords::before(before.even + before.odd, both) + AllWords::after(here.even, after.even);
+            second += AllWords::before(before.odd, here.odd) + AllWords::after(both, after.even + after.odd);
         }
+        const Words pairs = pair_of(mean(first), mean(second));
+        __builtin_memcpy(at, &pairs, sizeof pairs);
+    };
+    const auto store_both = [&](int64_t i, ColumnPairs a, ColumnPairs b, ColumnPairs c, ColumnPairs d, ColumnPairs e,
+                                ColumnPairs f) __attribute__((always_inline)) {
+        store(t + i, a, c, e);
+        if constexpr (Two) store(u + i, b, d, f);
+    };
+
+    ColumnPairs a, b = {}, c, d = {}, e, f = {};
+    columns(0, c, d);
+    a = c;
+    b = d;
+    int64_t i = 0;
+    for (; i + 2 * register_bytes <= n; i += register_bytes) {
+        columns(i + register_bytes, e, f);
+        store_both(i, a, b, c, d, e, f);
+        a = c;
+        b = d;
+        c = e;
+        d = f;
     }
-    // What lies beside the row counts as anything.
-    void all(int64_t n) const {
-        Columns before = columns(0), here = before;
-        int64_t i = 0;
-        for (; i + 2 * register_bytes <= n; i += register_bytes) {
-            const Columns after = columns(i + register_bytes);
-            store(i, before, here, after);
-            before = here;
-            here = after;
-        }
-        if (i + register_bytes < n) { // the rest, some of it once more
-            i = n - register_bytes;
-            before = columns(i - 2 * register_bytes);
-            here = columns(i - register_bytes);
-            const Columns last = columns(i);
-            store(i - register_bytes, before, here, last);
-            before = here;
-            here = last;
-        }
-        store(i, before, here, here);
+    if (i + register_bytes < n) { // the rest, some of it once more
+        i = n - register_bytes;
+        columns(i - 2 * register_bytes, a, b);
+        columns(i - register_bytes, c, d);
+        columns(i, e, f);
+        store_both(i - register_bytes, a, b, c, d, e, f);
+        a = c;
+        b = d;
+        c = e;
+        d = f;
     }
-};
+    store_both(i, a, b, c, d, c, d); // what lies beside the row counts as anything
+}
 
 template <int Width, int Height>
 void small_means_of(u8 *const *to, const u8 *const *rows, int64_t n, const ByteMean &m) {
-    if (to[1])
-        SmallMeans<Width, Height, 2>{to, rows, m}.all(n);
-    else
-        SmallMeans<Width, Height, 1>{to, rows, m}.all(n);
+    return to[1] ? small_means_of<Width, Height, true>(to, rows, n, m)
+                 : small_means_of<Width, Height, false>(to, rows, n, m);
 }
 void small_means(u8 *const *to, const u8 *const *rows, int64_t height, int64_t n, const ByteMean &m) {
     if (m.width == 3) return height == 3 ? small_means_of<3, 3>(to, rows, n, m) : small_means_of<3, 5>(to, rows, n, m);
@@ -367,7 +374,8 @@ struct Add {
 } // namespace
 
 extern const ByteMeanRows byte_mean_rows[];
-const ByteMeanRows byte_mean_rows[] = {{small_means, enter_bytes, slide_bytes, mean_bytes, add_up, wide_mean}};
+const ByteMeanRows byte_mean_rows[] = {
+    {small_means, 3 * register_bytes, enter_bytes, slide_bytes, mean_bytes, add_up, wide_mean}};
 
 #define LINE(T, Sum, mean_row)                                                                                         \
     { sizeof(Sum), enter<T, Sum>, slide<T, Sum>, along<Sum>, mean_row }

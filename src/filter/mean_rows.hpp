@@ -19,7 +19,7 @@ struct ByteMeanRows {
     // Windows of 3 or 5 columns about their centres, which lie in n columns, and of 3 or 5 rows; a second row of
     // results goes into to[1] unless that is null, of the rows from rows[1] on. Columns beside the n count as anything.
     void (*small)(uint8_t *const *to, const uint8_t *const *rows, int64_t height, int64_t n, const ByteMean &m);
-    static constexpr int64_t small_row = 192; // n is not less
+    int64_t small_row; // n is not less
     // Column sums, those of even and of odd columns apart, of n columns: a row comes in, another one goes.
     void (*enter)(uint16_t *even, uint16_t *odd, const uint8_t *row, int64_t n);
     void (*slide)(uint16_t *even, uint16_t *odd, const uint8_t *in, const uint8_t *out, int64_t n);
