@@ -26,8 +26,9 @@ int64_t HatStage::open(WindowRows &source, RowStage &changed, Composite which) {
     source_ = &source;
     changed_ = &changed;
     closing_ = is_closing(which);
-    row_.emplace(source.call().xe, scratch_bytes(source.call().row_elements(), source.call().element()), 64);
-    return *row_ ? JORM_OK : JORM_ENOMEM;
+    pitch_ = ring_pitch(source.call().row_elements() * source.call().element());
+    rows_.emplace(source.call().xe, scratch_bytes(2, pitch_), 64);
+    return *rows_ ? JORM_OK : JORM_ENOMEM;
 }
 
 void HatStage::begin_plane(int64_t z) {
@@ -35,12 +36,23 @@ void HatStage::begin_plane(int64_t z) {
     changed_->begin_plane(z);
 }
 
-void HatStage::produce(int64_t y, void *row) {
+void HatStage::subtract(int64_t y, void *row, const void *changed) {
     const WindowCall &c = source_->call();
-    changed_->produce(y, row_->get());
-    const void *const before = source_->centre(y), *const after = row_->get();
+    const void *const before = source_->centre(y);
     extremum_rows_of(c, Extreme::least)
-        .subtract(row, closing_ ? after : before, closing_ ? before : after, c.row_elements());
+        .subtract(row, closing_ ? changed : before, closing_ ? before : changed, c.row_elements());
+}
+
+void HatStage::produce(int64_t y, void *row) {
+    changed_->produce(y, rows_->get());
+    subtract(y, row, rows_->get());
+}
+
+void HatStage::produce_two(int64_t y, void *row, void *next) {
+    char *const changed = rows_->as<char>();
+    changed_->produce_two(y, changed, changed + pitch_);
+    subtract(y, row, changed);
+    subtract(y + 1, next, changed + pitch_);
 }
 
 int64_t BetweenPasses::open(const WindowCall &c, Extreme against) {

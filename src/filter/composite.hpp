@@ -22,12 +22,16 @@ public:
     int64_t open(WindowRows &source, RowStage &changed, Composite which);
     void begin_plane(int64_t z) override;
     void produce(int64_t y, void *row) override;
+    void produce_two(int64_t y, void *row, void *next) override;
 
 private:
+    void subtract(int64_t y, void *row, const void *changed);
+
     WindowRows *source_ = nullptr;
     RowStage *changed_ = nullptr;
+    int64_t pitch_ = 0;
     bool closing_ = false;
-    std::optional<Scratch> row_;
+    std::optional<Scratch> rows_; // two
 };
 
 // The picture between two passes of a window with several planes.
@@ -47,7 +51,8 @@ template <class Stage, class OpenPass> int64_t run_composite(WindowCall &c, Comp
     const Extreme other = is_closing(which) ? Extreme::least : Extreme::largest;
     const NeutralPixel neutral(c, other);
     const bool deep = c.extent[0] > 1;
-    // In the order in which they take scratch memory.
+    // In the order in which they take scratch memory. One row more than windows have stays readable between the passes:
+    // a stage may make two rows at a time.
     PreparedCall prepared;
     BetweenPasses between;
     PreparedCall prepared_between;
@@ -70,7 +75,7 @@ template <class Stage, class OpenPass> int64_t run_composite(WindowCall &c, Comp
     }
     if (status == JORM_OK) status = source.open(c, is_hat(which) ? c.extent[1] : 0);
     if (status == JORM_OK && !deep) status = open_pass(first, source, one);
-    if (status == JORM_OK) status = deep ? rows.open(between.second) : rows.open(c, first, neutral.bytes);
+    if (status == JORM_OK) status = deep ? rows.open(between.second, 1) : rows.open(c, first, neutral.bytes, 1);
     if (status == JORM_OK) status = open_pass(second, rows, other);
     if (status != JORM_OK || !is_hat(which)) return status == JORM_OK ? run_stage(c, second) : status;
     status = hat.open(source, second, which);

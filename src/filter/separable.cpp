@@ -8,6 +8,7 @@ namespace jorm {
 namespace {
 
 constexpr int64_t line = 64;
+constexpr int64_t end = 32; // columns that the windows at an end of a row are made of, and more
 
 int64_t aligned(int64_t bytes) { return (bytes + line - 1) / line * line; }
 
@@ -153,28 +154,67 @@ int64_t SeparableStage::open(WindowRows &in, const SeparableWeights &w, bool pre
     down_ = make_taps(height, down, factor, rows_->weight_bytes, memory);
     along_ = make_taps(c.extent[2], w.axis[2] ? w.axis[2] : &one, 1 / factor, rows_->sum_bytes, memory);
     for (char *&sums : sums_) sums = memory, memory += pitch;
+    small_ = small_serves();
     return JORM_OK;
+}
+
+bool SeparableStage::small_serves() const {
+    const WindowCall &c = in_->call();
+    const int64_t reach = c.before[2];
+    return rows_->small && c.channels == 1 && c.size[2] >= std::max(rows_->small_row, end) && reach == c.after(2) &&
+           reach > 0 && reach < 4 && in_->left <= reach && in_->right <= reach;
+}
+
+const void **SeparableStage::find_rows(int64_t r, int64_t y) {
+    const WindowCall &c = in_->call();
+    const int64_t height = c.extent[0] * c.extent[1], top = y - c.before[1];
+    const bool flat = c.extent[0] == 1;
+    const void **const row = down_.row + r * height;
+    for (int64_t i = 0; i < height; ++i) {
+        const int64_t k = down_.place[i];
+        row[i] = flat ? in_->row(top + k) : in_->row(k / c.extent[1], top + k % c.extent[1]);
+    }
+    return row;
+}
+
+// Windows at the ends of the row go down and along by themselves.
+void SeparableStage::produce_small(int64_t y, void *to) {
+    const WindowCall &c = in_->call();
+    const int64_t height = c.extent[0] * c.extent[1], reach = c.before[2], n = c.size[2], e = c.element();
+    const void **const row = find_rows(0, y), **const other = row + height;
+    const auto move = [&](int64_t columns) {
+        for (int64_t i = 0; i < height; ++i) other[i] = static_cast<const char *>(row[i]) + columns * e;
+    };
+    WeightedRows rows = down_.rows;
+    rows.row = other;
+    move(reach - in_->left);
+    rows_->small(to, rows, along_.rows, n);
+    for (const bool right : {false, true}) {
+        const int64_t from = right ? in_->bare - end : 0;
+        void *const sums = sums_[0] + (in_->left + from) * rows_->sum_bytes;
+        move(from);
+        rows_->down(&sums, &rows, 1, end);
+    }
+    in_->complete(sums_[0], rows_->sum_bytes);
+    for (const bool right : {false, true}) {
+        const int64_t from = right ? n - reach : 0;
+        for (int64_t i = 0; i < c.extent[2]; ++i)
+            along_.row[i] = sums_[0] + (from + along_.place[i]) * rows_->sum_bytes;
+        rows_->along(static_cast<char *>(to) + from * e, along_.rows, reach);
+    }
 }
 
 // The sums of the columns, and where the taps along the row find them.
 void SeparableStage::gather(int64_t y) {
     const WindowCall &c = in_->call();
     if (y >= last_) {
-        const int64_t height = c.extent[0] * c.extent[1];
-        const bool flat = c.extent[0] == 1;
         WeightedRows windows[together];
         void *bare[together];
         first_ = y;
         last_ = std::min(y + together, c.size[1]);
         for (int64_t r = 0; r < last_ - y; ++r) {
-            const void **const row = down_.row + r * height;
-            const int64_t top = y + r - c.before[1];
-            for (int64_t i = 0; i < height; ++i) {
-                const int64_t k = down_.place[i];
-                row[i] = flat ? in_->row(top + k) : in_->row(k / c.extent[1], top + k % c.extent[1]);
-            }
             windows[r] = down_.rows;
-            windows[r].row = row;
+            windows[r].row = find_rows(r, y + r);
             bare[r] = sums_[r] + in_->left * rows_->sum_bytes;
         }
         rows_->down(bare, windows, last_ - y, in_->bare);
@@ -185,6 +225,7 @@ void SeparableStage::gather(int64_t y) {
 }
 
 void SeparableStage::produce(int64_t y, void *row) {
+    if (small_) return produce_small(y, row);
     gather(y);
     rows_->along(row, along_.rows, in_->call().row_elements());
 }

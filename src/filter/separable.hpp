@@ -38,12 +38,17 @@ private:
         const void **row;
         const int64_t *place; // of every row in the list
     };
+    bool small_serves() const;
+    // The rows around row y as those of window r of the ones that go together.
+    const void **find_rows(int64_t r, int64_t y);
+    void produce_small(int64_t y, void *row);
     void gather(int64_t y);
     static Taps make_taps(int64_t places, const double *weights, double scale, int32_t weight_bytes, char *&memory);
 
     WindowRows *in_ = nullptr;
     const SeparableRows *rows_ = nullptr;
     Taps down_ = {}, along_ = {};
+    bool small_ = false;           // columns stay in registers but for those at the ends of rows
     int64_t first_ = 0, last_ = 0; // the rows whose sums are there
     char *sums_[together] = {};
     std::optional<Scratch> memory_;

@@ -21,6 +21,10 @@ struct SeparableRows {
     void (*along)(void *to, const WeightedRows &rows, int64_t n);
     // The same as they are.
     void (*along_sums)(void *to, const WeightedRows &rows, int64_t n);
+    // Both at once, for windows of 3, 5 or 7 columns about their centres, which lie in n columns, `small_row` of them
+    // at least; the rows of `along` are not read. Columns beside the n count as anything. Null where sums are double.
+    void (*small)(void *to, const WeightedRows &down, const WeightedRows &along, int64_t n);
+    int64_t small_row;
 };
 // Scaled: whole weights of 16 bits down the columns, an odd number of them followed by a 0.
 enum SeparableLine : int { scaled_u8, single_u8, single_s16, single_f32, double_u8, double_s16, double_s32 };

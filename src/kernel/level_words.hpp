@@ -51,6 +51,20 @@ template <int N, class V> [[gnu::always_inline]] inline V bytes_from(V a, V b) {
     using Bytes = VectorOf<u8, 16>;
     using List = ByteList<0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15>;
     return V(bytes_from<N>(Bytes(a), Bytes(b), List()));
+#endif
+}
+
+// A register of numbers, and those from number N on of two side by side.
+using Numbers = VectorOf<f32, register_bytes / 4>;
+template <int N> [[gnu::always_inline]] inline Numbers numbers_from(Numbers a, Numbers b) {
+#if defined(JORM_LEVEL_avx512)
+    return Numbers(_mm512_maskz_alignr_epi32(0xffff, __m512i(b), __m512i(a), N));
+#elif defined(JORM_LEVEL_avx2)
+    return __builtin_shufflevector(a, b, N, N + 1, N + 2, N + 3, N + 4, N + 5, N + 6, N + 7);
+#else
+    return __builtin_shufflevector(a, b, N, N + 1, N + 2, N + 3);
+#endif
+}
 
 // A register of words, and the words of two side by side that begin at the last one of `before`, or at the second one.
 using Words = VectorOf<uint16_t, register_bytes / 2>;
@@ -93,8 +107,8 @@ using AllWords = WordList<0, 1, 2, 3, 4, 5, 6, 7>;
 #endif
 }
 
-// Two words of each column by two weights, summed up: a register of columns as two of sums, which stand in an order of
-// their own until they are stored.
+// Two words of each column by two weights, summed up: a register of columns as two of sums, the halves of each 128 bits
+// of columns apart.
 struct WeightedWords {
     Register low = {}, high = {};
 
@@ -102,42 +116,48 @@ struct WeightedWords {
         low = sum(low, product(JORM_OF_REGISTER(unpacklo_epi16)(a, b), weights));
         high = sum(high, product(JORM_OF_REGISTER(unpackhi_epi16)(a, b), weights));
     }
-    [[gnu::always_inline]] void store(f32 *to) const {
+    // The sums in that order, and in the order of columns.
+    [[gnu::always_inline]] void get(Numbers &first, Numbers &second) const {
+        first = numbers(low);
+        second = numbers(high);
+    }
+    [[gnu::always_inline]] void get_in_order(Numbers &first, Numbers &second) const {
 #if defined(JORM_LEVEL_avx512)
-        const __m512i first = _mm512_setr_epi32(0, 1, 2, 3, 16, 17, 18, 19, 4, 5, 6, 7, 20, 21, 22, 23),
-                      second = _mm512_add_epi32(first, _mm512_set1_epi32(8));
-        _mm512_storeu_ps(to, floats(_mm512_permutex2var_epi32(low, first, high)));
-        _mm512_storeu_ps(to + 16, floats(_mm512_permutex2var_epi32(low, second, high)));
+        const __m512i from = _mm512_setr_epi32(0, 1, 2, 3, 16, 17, 18, 19, 4, 5, 6, 7, 20, 21, 22, 23);
+        first = numbers(_mm512_permutex2var_epi32(low, from, high));
+        second = numbers(_mm512_permutex2var_epi32(low, _mm512_add_epi32(from, _mm512_set1_epi32(8)), high));
 #elif defined(JORM_LEVEL_avx2)
-        _mm256_storeu_ps(to, _mm256_cvtepi32_ps(_mm256_permute2x128_si256(low, high, 0x20)));
-        _mm256_storeu_ps(to + 8, _mm256_cvtepi32_ps(_mm256_permute2x128_si256(low, high, 0x31)));
+        first = numbers(_mm256_permute2x128_si256(low, high, 0x20));
+        second = numbers(_mm256_permute2x128_si256(low, high, 0x31));
 #else
-        _mm_storeu_ps(to, _mm_cvtepi32_ps(low));
-        _mm_storeu_ps(to + 4, _mm_cvtepi32_ps(high));
+        get(first, second);
 #endif
     }
 
 private:
     static Register sum(Register a, Register b) { return JORM_OF_REGISTER(add_epi32)(a, b); }
     static Register product(Register a, Register b) { return JORM_OF_REGISTER(madd_epi16)(a, b); }
+    static Numbers numbers(Register a) {
 #ifdef JORM_LEVEL_avx512
-    static __m512 floats(__m512i a) { return _mm512_maskz_cvtepi32_ps(0xffff, a); }
+        return Numbers(_mm512_maskz_cvtepi32_ps(0xffff, a));
+#else
+        return Numbers(JORM_OF_REGISTER(cvtepi32_ps)(a));
 #endif
+    }
 };
 
 // A register of words from two of numbers: to nearest even, clamped, the halves of each 128 bits from either.
-[[gnu::always_inline]] inline Register rounded_words(const f32 *from) {
+[[gnu::always_inline]] inline Register rounded_words(Numbers a, Numbers b) {
 #if defined(JORM_LEVEL_avx512)
-    return _mm512_packs_epi32(_mm512_maskz_cvtps_epi32(0xffff, _mm512_loadu_ps(from)),
-                              _mm512_maskz_cvtps_epi32(0xffff, _mm512_loadu_ps(from + 16)));
+    return _mm512_packs_epi32(_mm512_maskz_cvtps_epi32(0xffff, a), _mm512_maskz_cvtps_epi32(0xffff, b));
 #elif defined(JORM_LEVEL_avx2)
-    return _mm256_packs_epi32(_mm256_cvtps_epi32(_mm256_loadu_ps(from)), _mm256_cvtps_epi32(_mm256_loadu_ps(from + 8)));
+    return _mm256_packs_epi32(_mm256_cvtps_epi32(a), _mm256_cvtps_epi32(b));
 #else
-    return _mm_packs_epi32(_mm_cvtps_epi32(_mm_loadu_ps(from)), _mm_cvtps_epi32(_mm_loadu_ps(from + 4)));
+    return _mm_packs_epi32(_mm_cvtps_epi32(a), _mm_cvtps_epi32(b));
 #endif
 }
-[[gnu::always_inline]] inline void store_register(s16 *to, const f32 *from) {
-    Register words = rounded_words(from);
+[[gnu::always_inline]] inline void store_register(s16 *to, const Numbers *from) {
+    Register words = rounded_words(from[0], from[1]);
 #if defined(JORM_LEVEL_avx512)
     words = _mm512_maskz_permutexvar_epi64(0xff, _mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), words);
 #elif defined(JORM_LEVEL_avx2)
@@ -145,8 +165,8 @@ private:
 #endif
     __builtin_memcpy(to, &words, sizeof words);
 }
-[[gnu::always_inline]] inline void store_register(u8 *to, const f32 *from) {
-    Register bytes = JORM_OF_REGISTER(packus_epi16)(rounded_words(from), rounded_words(from + register_bytes / 2));
+[[gnu::always_inline]] inline void store_register(u8 *to, const Numbers *from) {
+    Register bytes = JORM_OF_REGISTER(packus_epi16)(rounded_words(from[0], from[1]), rounded_words(from[2], from[3]));
 #if defined(JORM_LEVEL_avx512)
     bytes = _mm512_maskz_permutexvar_epi32(
         0xffff, _mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15), bytes);
