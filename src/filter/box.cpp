@@ -102,7 +102,7 @@ public:
                c.size[2] >= JORM_OF_LEVEL(byte_mean_rows, c.which)->small_row && in.left <= c.before[2] &&
                in.right <= c.before[2];
     }
-    int64_t open(WindowRows &in, const ByteMean &mean) {
+    void open(WindowRows &in, const ByteMean &mean) {
         const WindowCall &c = in.call();
         in_ = &in;
         mean_ = mean;
@@ -115,32 +115,24 @@ public:
             const int right = column >= side();
             column_[right][column - begin[right]] = from - reach_;
         });
-        second_row_.emplace(c.xe, scratch_bytes(c.size[2], 1), line);
-        return *second_row_ ? JORM_OK : JORM_ENOMEM;
     }
-    void begin_plane(int64_t z) override {
-        in_->begin_plane(z);
-        made_ = 0;
-    }
-    void produce(int64_t y, void *row) override {
+    void begin_plane(int64_t z) override { in_->begin_plane(z); }
+    void produce(int64_t y, void *row) override { make(y, row, nullptr); }
+    void produce_two(int64_t y, void *row, void *next) override { make(y, row, next); }
+
+private:
+    void make(int64_t y, void *row, void *next) const {
         const WindowCall &c = in_->call();
-        uint8_t *const second = second_row_->as<uint8_t>();
-        if (y < made_) {
-            std::memcpy(row, second, size_t(c.size[2]));
-            return;
-        }
         const int64_t height = c.extent[1];
-        uint8_t *const to[2] = {static_cast<uint8_t *>(row), y + 1 < c.size[1] ? second : nullptr};
-        made_ = y + (to[1] ? 2 : 1);
+        uint8_t *const to[2] = {static_cast<uint8_t *>(row), static_cast<uint8_t *>(next)};
         const uint8_t *rows[6];
-        for (int64_t k = 0; k < height + (to[1] ? 1 : 0); ++k)
+        for (int64_t k = 0; k < height + (next ? 1 : 0); ++k)
             rows[k] = reinterpret_cast<const uint8_t *>(in_->row(y - c.before[1] + k)) + reach_ - in_->left;
         rows_->small(to, rows, height, c.size[2], mean_);
         for (int r = 0; r < 2 && to[r]; ++r)
             for (const int right : {0, 1}) make_end(to[r] + (right ? c.size[2] - reach_ : 0), rows + r, column_[right]);
     }
 
-private:
     int64_t side() const { return 3 * reach_; } // columns that the windows at an end read
     void make_end(uint8_t *to, const uint8_t *const *rows, const int64_t *column) const {
         uint32_t sum[6] = {};
@@ -156,10 +148,9 @@ private:
     WindowRows *in_ = nullptr;
     const ByteMeanRows *rows_ = nullptr;
     ByteMean mean_ = {};
-    int64_t reach_ = 0, made_ = 0;
-    int64_t column_[2]
-                   [6]; // those columns, or the ones that stand for them, counted from the centre of the first window
-    std::optional<Scratch> second_row_;
+    int64_t reach_ = 0;
+    // Those columns, or the ones that stand for them, counted from the centre of the first window.
+    int64_t column_[2][6];
 };
 
 // ---- All other windows ----
@@ -237,8 +228,8 @@ int64_t box(WindowCall &c) {
             mean = {mean.width, 0, uint16_t(area), 0, 0};
         if (SmallBoxStage::serves(rows)) {
             SmallBoxStage stage;
-            const int64_t status = stage.open(rows, mean);
-            return status == JORM_OK ? run_stage(c, stage) : status;
+            stage.open(rows, mean);
+            return run_stage(c, stage);
         }
         ByteBoxStage stage;
         const int64_t status = stage.open(rows, mean);
