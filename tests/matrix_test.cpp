@@ -124,6 +124,25 @@ TEST(Matrix, ManyVectors) {
     }
 }
 
+// Sums over channels that go into the last channel of the next row; a matrix right before the picture.
+TEST(Matrix, ArraysOfUnlikeChannels) {
+    Env xe;
+    float memory[16 + 3 * 32], wanted[16];
+    for (int i = 0; i < 16 + 3 * 32; ++i) memory[i] = i < 16 ? 1 : float(i * i % 37);
+    for (int i = 0; i < 16; ++i)
+        wanted[i] = memory[16 + 4 * i] + memory[17 + 4 * i] + memory[18 + 4 * i] + memory[19 + 4 * i];
+    const auto array = [](int rows, int pixels, int channels, int row_stride, int channel_stride, float *base) {
+        const int32_t extent[] = {rows, pixels, channels}, stride[] = {row_stride, row_stride / pixels, channel_stride};
+        jorm_array a;
+        return *_jorm_array__$xtrn(&a, JORM_F32, 3, extent, stride, base);
+    };
+    const jorm_array source = array(2, 8, 4, 128, 4, memory + 16), sums = array(2, 8, 1, 128, 4, memory + 16 + 35);
+    const jorm_array row = array(1, 4, 1, 16, 4, memory), square = array(4, 4, 1, 16, 400, memory);
+    EXPECT_EQ(JormMulMV_n(xe, 0, &sums, &row, &source), JORM_OK);
+    for (int i = 0; i < 16; ++i) EXPECT_EQ(memory[16 + 35 + 4 * i], wanted[i]) << i;
+    EXPECT_EQ(JormMulMV_n(xe, 0, &source, &square, &source), JORM_OK);
+}
+
 TEST(Matrix, Refusals) {
     Random r(53);
     Picture a(r, JORM_F32, {1, 4, 4, 1}, true), b(r, JORM_F32, {1, 4, 4, 1}, true),

@@ -164,7 +164,7 @@ bool overlap(const jorm_array &a, const jorm_array &b) {
     int32_t size_a[4], stride_a[4], size_b[4], stride_b[4];
     const Operand in_a = whole(a, size_a, stride_a);
     Operand in_b = whole(b, size_b, stride_b);
-    return may_meet(4, size_a[3], size_a, in_a, size_b, in_b);
+    return may_meet(4, size_a[3], size_a, in_a, size_b, in_b, size_b[3]);
 }
 
 // What the first two have in common once their sizes are known to agree.

@@ -283,9 +283,10 @@ int64_t copy_elements(jorm_xe *xe, uint64_t options, uint32_t word, const int32_
 }
 
 bool may_meet(int axes, int32_t channels, const int32_t *size_a, const Operand &a, const int32_t *size_b,
-              const Operand &b) {
+              const Operand &b, int32_t channels_b) {
+    if (channels_b == 0) channels_b = channels;
     const int64_t distance = b.start - a.start;
-    const Span s = span_of(axes, 0, size_a, channels, a), t = span_of(axes, 0, size_b, channels, b);
+    const Span s = span_of(axes, 0, size_a, channels, a), t = span_of(axes, 0, size_b, channels_b, b);
     if (s.high <= distance + t.low || distance + t.high <= s.low) return false;
     // Interleaved operands, like the two halves of a picture or two channels of it, part modulo a stride that divides
     // all outer ones.
@@ -297,7 +298,7 @@ bool may_meet(int axes, int32_t channels, const int32_t *size_a, const Operand &
         bool outer = period != 0;
         for (int i = 0; i <= k && outer; ++i) outer = divides(size_a, a, i) && divides(size_b, b, i);
         if (!outer) continue;
-        const Span in_a = span_of(axes, k + 1, size_a, channels, a), in_b = span_of(axes, k + 1, size_b, channels, b);
+        const Span in_a = span_of(axes, k + 1, size_a, channels, a), in_b = span_of(axes, k + 1, size_b, channels_b, b);
         const int64_t rest = (distance + in_b.low - in_a.low) % period, offset = rest < 0 ? rest + period : rest;
         if (offset >= in_a.high - in_a.low && offset + (in_b.high - in_b.low) <= period) return false;
     }

@@ -34,9 +34,9 @@ CopyBlock block_of(int axes, const int32_t *size, int32_t channels, const Operan
 int64_t copy_elements(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, const Operand &dst,
                       const Operand &src);
 
-// False only when no byte belongs to both operands, each of a size of its own.
+// False only when no byte belongs to both operands, each of a size of its own and, when told, channels of its own.
 bool may_meet(int axes, int32_t channels, const int32_t *size_a, const Operand &a, const int32_t *size_b,
-              const Operand &b);
+              const Operand &b, int32_t channels_b = 0);
 
 // Do both operands name the same elements in the same order?
 bool coincide(int axes, const int32_t *size, int32_t channels, const Operand &a, const Operand &b);
