@@ -34,7 +34,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     fuzz::ByteReader r(data, size);
     static const int sizes[] = {1, 2, 3, 4, 8, 12, 16, 40, 255, 256, 257, 300};
     const auto element = size_t(r.of(sizes));
-    const auto count = size_t(r.in(0, 300));
+    const auto count = std::min(size_t(r.in(0, 300)), memory.bytes / element);
     uint8_t *const base = memory.end() - count * element;
     fuzz::Noise noise(r.word());
     const uint32_t keep = r.one_in(2) ? 3 : 0xFF;
