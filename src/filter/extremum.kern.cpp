@@ -119,15 +119,46 @@ void small_windows(void *const *to, const void *const *rows, int64_t n, int64_t 
 
 // ---- Any windows ----
 
+// Calls f(Count<C>, i) for C registers from element i on until all elements have had their turn, some of them twice,
+// for what is left of a row costs a compiler's loop as much as a thousand elements. C is Many or 1.
+template <class T, int Many, class F> [[gnu::always_inline]] inline void each_register(int64_t n, F f) {
+    int64_t i = 0;
+    for (; i + Many * lanes<T> <= n; i += Many * lanes<T>) f(Count<Many>(), i);
+    for (; i < n; i += lanes<T>) f(Count<1>(), i + lanes<T> <= n ? i : n - lanes<T>);
+}
+
 // Windows of N elements.
 template <class Kind, class T, int N> void along_n(void *to, const void *row, int64_t n, int64_t step) {
     T *__restrict t = elements<T>(to);
     const T *__restrict r = elements<T>(row);
+    if (n >= lanes<T>)
+        return each_register<T, 2>(
+            n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
+                for (int j = 0; j < C; ++j, i += lanes<T>) {
+                    auto best = read<Lanes<T>>(r + i);
+                    for (int k = 1; k < N; ++k) best = Kind::of(best, read<Lanes<T>>(r + i + k * step));
+                    store_lanes(t + i, best);
+                }
+            });
     for (int64_t i = 0; i < n; ++i) {
         T best = r[i];
         for (int k = 1; k < N; ++k) best = Kind::of(best, r[i + k * step]);
         t[i] = best;
     }
+}
+
+// Gathers in registers, several of them for each look at the list.
+template <class Kind, class T> void gather(void *to, const void *const *rows, int64_t count, int64_t n) {
+    if (n < lanes<T>) return columns_across<Kind, T, T>(to, rows, count, n);
+    each_register<T, 8>(
+        n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
+            Lanes<T> best[C];
+            const auto at = [&](int64_t k, int j) { return read<Lanes<T>>(elements<T>(rows[k]) + i + j * lanes<T>); };
+            for (int j = 0; j < C; ++j) best[j] = at(0, j);
+            for (int64_t k = 1; k < count; ++k)
+                for (int j = 0; j < C; ++j) best[j] = Kind::of(best[j], at(k, j));
+            for (int j = 0; j < C; ++j) store_lanes(elements<T>(to) + i + j * lanes<T>, best[j]);
+        });
 }
 
 // Windows of twice and four times as many elements until two or four of them, overlapping, make the one wanted.
@@ -165,7 +196,17 @@ template <class Kind, class T> void along(void *to, void *row, void *spare, int6
     const int64_t last = (k - size) * step;
     const int64_t second = size * step < last ? size * step : last,
                   third = 2 * size * step < last ? 2 * size * step : last;
-    for (int64_t i = 0; i < n; ++i) t[i] = Kind::of(Kind::of(r[i], r[i + second]), Kind::of(r[i + third], r[i + last]));
+    const auto best = [&](auto at) __attribute__((always_inline)) {
+        return Kind::of(Kind::of(at(0), at(second)), Kind::of(at(third), at(last)));
+    };
+    if (n < lanes<T>) {
+        for (int64_t i = 0; i < n; ++i) t[i] = best([&](int64_t k) { return r[i + k]; });
+        return;
+    }
+    each_register<T, 1>(
+        n, [&](Count<1>, int64_t i) __attribute__((always_inline)) {
+            store_lanes(t + i, best([&](int64_t k) { return read<Lanes<T>>(r + i + k); }));
+        });
 }
 
 template <class Kind, class T> void pair(void *to, const void *row, int64_t n, int64_t apart) {
@@ -196,7 +237,7 @@ template <class T> void subtract(void *to, const void *a, const void *b, int64_t
 } // namespace
 
 #define LINE(Kind, T, small, unordered)                                                                                \
-    { lanes<T>, small, column_rows<Kind, T, T>, unordered, subtract<T>, pair<Kind, T>, along<Kind, T> }
+    { lanes<T>, small, column_rows<Kind, T, T>, gather<Kind, T>, unordered, subtract<T>, pair<Kind, T>, along<Kind, T> }
 #define ORDERED(Kind, T, unordered) LINE(Kind<true>, T, (small_windows<Kind<true>, T>), unordered)
 #define LINES(Kind)                                                                                                    \
     ORDERED(Kind, u8, nullptr), ORDERED(Kind, s16, nullptr), ORDERED(Kind, s32, nullptr),                              \

@@ -26,6 +26,8 @@ struct ExtremumRows {
     // goes into to[1] unless that is null: of the rows from rows[1] on. Null where rows may hold NaN.
     void (*small_windows)(void *const *to, const void *const *rows, int64_t n, int64_t size, const RowEnds &ends);
     ColumnRows columns;
+    // Of the same element of many rows, one after the other.
+    void (*gather)(void *to, const void *const *rows, int64_t count, int64_t n);
     // Does a row ask for the exact rules of NaN? Null where all rows may come.
     bool (*unordered)(const void *row, int64_t n);
     // to = a - b, saturated.

@@ -7,7 +7,7 @@
 
 namespace jorm {
 
-// Calls f(row, start, length) for every run.
+// Calls f(plane, row, start, length) for every run.
 template <class F> static void each_run(const jorm_strel &s, const WindowCall &c, F f) {
     const char *const start = static_cast<const char *>(s.mask.base) + s.mask.loff;
     for (int64_t row = 0; row < c.extent[0] * c.extent[1]; ++row) {
@@ -16,27 +16,37 @@ template <class F> static void each_run(const jorm_strel &s, const WindowCall &c
         for (int64_t x = 0, length; x < c.extent[2]; x += length + 1) {
             for (length = 0; x + length < c.extent[2] && uint8_t(elements[(x + length) * s.mask.stride[2]]) == 255;)
                 ++length;
-            if (length > 0) f(int32_t(row), int32_t(x), int32_t(length));
+            if (length > 0) f(int32_t(row / c.extent[1]), int32_t(row % c.extent[1]), int32_t(x), int32_t(length));
         }
     }
 }
 
 int64_t MaskRuns::open(jorm_xe *xe, const jorm_strel &strel, const WindowCall &c) {
-    each_run(strel, c, [&](int32_t, int32_t, int32_t) { ++count; });
-    memory_.emplace(xe, scratch_bytes(count + 1, sizeof(MaskRun) + sizeof(int32_t)), alignof(MaskRun));
+    each_run(strel, c, [&](int32_t, int32_t, int32_t, int32_t) { ++count; });
+    memory_.emplace(xe, scratch_bytes(count + 1, sizeof(MaskRun) + 3 * sizeof(int32_t)), alignof(MaskRun));
     if (!*memory_) return JORM_ENOMEM;
     auto *const runs = memory_->as<MaskRun>();
-    auto *const all = reinterpret_cast<int32_t *>(runs + count);
+    auto *const all = reinterpret_cast<int32_t *>(runs + count), *const starts = all + count,
+                *const ends = starts + count;
     int64_t n = 0;
-    each_run(strel, c, [&](int32_t row, int32_t start, int32_t size) {
-        runs[n] = {row, start, size};
+    each_run(strel, c, [&](int32_t plane, int32_t row, int32_t start, int32_t size) {
+        runs[n] = {plane, row, start, size};
         all[n++] = size;
     });
     std::sort(all, all + n);
     lengths = std::unique(all, all + n) - all;
-    for (int64_t i = 0; i < n; ++i) runs[i].line = int32_t(std::lower_bound(all, all + lengths, runs[i].line) - all);
+    std::fill(starts, starts + lengths, INT32_MAX);
+    std::fill(ends, ends + lengths, 0);
+    for (int64_t i = 0; i < n; ++i) {
+        MaskRun &r = runs[i];
+        r.line = int32_t(std::lower_bound(all, all + lengths, r.line) - all);
+        starts[r.line] = std::min(starts[r.line], r.start);
+        ends[r.line] = std::max(ends[r.line], r.start);
+    }
     run = runs;
     length = all;
+    first = starts;
+    last = ends;
     return JORM_OK;
 }
 
@@ -67,12 +77,12 @@ void MaskStage::begin_plane(int64_t z) {
     taken_ = -in_->call().before[1];
 }
 
-char *MaskStage::line(int64_t d, int64_t v, int64_t line) const {
-    const int64_t height = in_->call().extent[1], slot = (v + in_->call().before[1]) % height;
-    return ring_ + ((d * height + slot) * runs_->lengths + line) * pitch_;
+char *MaskStage::line(int64_t d, int64_t slot, int64_t line) const {
+    return ring_ + ((d * in_->call().extent[1] + slot) * runs_->lengths + line) * pitch_;
 }
 
-// The extrema of runs of all lengths in row v of plane d of the window.
+// The extrema of runs of all lengths in row v of plane d of the window, from where the first of each length begins:
+// runs of a length mostly begin at one place, so their lines are read as aligned as they are written.
 void MaskStage::take(int64_t d, int64_t v) {
     const WindowCall &c = in_->call();
     const int64_t e = c.element();
@@ -80,6 +90,7 @@ void MaskStage::take(int64_t d, int64_t v) {
     std::memcpy(row + in_->left * e, in_->row(d, v), size_t(in_->bare * e));
     rows_.meet(row + in_->left * e, in_->bare);
     in_->complete(row, int32_t(e));
+    const int64_t slot = (v + c.before[1]) % c.extent[1];
     int64_t made = 1; // length of the runs that `row` holds
     for (int64_t k = 0; k < runs_->lengths; ++k) {
         const int64_t wanted = runs_->length[k];
@@ -87,7 +98,8 @@ void MaskStage::take(int64_t d, int64_t v) {
             rows_->pair(spare, row, in_->whole() - (2 * made - 1) * c.channels, made * c.channels);
             std::swap(row, spare);
         }
-        rows_->pair(line(d, v, k), row, in_->whole() - (wanted - 1) * c.channels, (wanted - made) * c.channels);
+        rows_->pair(line(d, slot, k), row + runs_->first[k] * c.pixel(),
+                    c.row_elements() + (runs_->last[k] - runs_->first[k]) * c.channels, (wanted - made) * c.channels);
     }
 }
 
@@ -100,11 +112,13 @@ void MaskStage::produce(int64_t y, void *row) {
     const int64_t top = y - c.before[1];
     for (; taken_ < top + c.extent[1]; ++taken_)
         for (int64_t d = 0; d < c.extent[0]; ++d) take(d, taken_);
+    const int64_t first = y % c.extent[1]; // slot of the window's first row
     for (int64_t i = 0; i < runs_->count; ++i) {
         const MaskRun &r = runs_->run[i];
-        list_[i] = line(r.row / c.extent[1], top + r.row % c.extent[1], r.line) + r.start * c.pixel();
+        const int64_t slot = first + r.row < c.extent[1] ? first + r.row : first + r.row - c.extent[1];
+        list_[i] = line(r.plane, slot, r.line) + (r.start - runs_->first[r.line]) * c.pixel();
     }
-    rows_->columns.across(row, list_, runs_->count, c.row_elements());
+    rows_->gather(row, list_, runs_->count, c.row_elements());
 }
 
 } // namespace jorm

@@ -6,9 +6,9 @@ namespace jorm {
 
 // A run of mask elements that belong to the window, in a row of it.
 struct MaskRun {
-    int32_t row;   // planes and rows of the window counted through
-    int32_t start; // its first column
-    int32_t line;  // its length, as an index into the lengths that occur
+    int32_t plane, row; // of the window
+    int32_t start;      // its first column
+    int32_t line;       // its length, as an index into the lengths that occur
 };
 
 // The runs of a mask.
@@ -19,6 +19,8 @@ public:
     int64_t count = 0, lengths = 0;
     const MaskRun *run = nullptr;
     const int32_t *length = nullptr; // ascending
+    // Where runs of each length begin: the first of them, the last.
+    const int32_t *first = nullptr, *last = nullptr;
 
 private:
     std::optional<Scratch> memory_;
@@ -34,7 +36,7 @@ public:
 
 private:
     void take(int64_t d, int64_t v);
-    char *line(int64_t d, int64_t v, int64_t line) const;
+    char *line(int64_t d, int64_t slot, int64_t line) const;
 
     WindowRows *in_ = nullptr;
     ExtremumChoice rows_;
