@@ -81,7 +81,7 @@ py::object neighbourhood(py::handle a, py::handle size, py::handle out, py::hand
     Function f = function;
     const Picture src = read(f, "a", a);
     const Part p = part(f, src, region);
-    const bool by_element = morph && is_array(size) && is_picture(size);
+    const bool by_element = bool(morph) && is_array(size) && is_picture(size);
     jorm::window w;
     py::object element_array;
     Picture element;
