@@ -125,7 +125,9 @@ TEST(Watershed, LayersRegionsAndPlanes) {
         EXPECT_EQ(store.root, nullptr);
     };
     const jorm_site site = {{1, 3, 4, 0}, {2, 15, 16, 1}};
-    const int32_t flat[] = {15, 16, 1}, stride[] = {W, 1, 1}, from[] = {2 * H + 3, 4, 0};
+    const int32_t flat[] = {15, 16, 1};
+    const int32_t steps[] = {0, W, 1, 1}, *const stride = steps + 1,
+                  places[] = {0, 2 * H + 3, 4, 0}, *const from = places + 1;
     const uint8_t *const base = samples.data(), *const data = &base[(2 * H + 3) * W + 4], *const on = mask.data();
     const uint32_t w = JORM_WORD(3), u8 = JORM_U8;
     for (const bool fast : {false, true}) {
