@@ -13,6 +13,7 @@ import pathlib
 import resource
 import time
 
+import dask
 import dask.array as da
 import numpy as np
 from dask.diagnostics import ProgressBar
@@ -37,6 +38,18 @@ def paint(shape, n, block_info=None):
     frame = jorm.gaussian(frame, sigma=3)
     frame = (40 + frame) * light(n)[: shape[0], : shape[1]] + r.normal(0, 3, shape).astype(np.float32)
     return jorm.convert(frame.astype(np.float32), np.uint8)
+
+
+def total_of_frames(raw, n):
+    """The sum of all whole frames, a row of them at a time, and their number. Their mean is the light, but for spots,
+    which are spread."""
+    total, count = np.zeros((n, n), np.int32), 0
+    for row in range(raw.numblocks[0]):
+        blocks = [raw.blocks[row, column] for column in range(raw.numblocks[1])]
+        for frame in dask.compute(*(b for b in blocks if b.shape == total.shape)):
+            jorm.add(total, frame, out=total)
+            count += 1
+    return total, count
 
 
 def spots(smooth):
@@ -83,17 +96,11 @@ def main():
         stage("paint", lambda: mosaic.to_zarr(raw_path, overwrite=True))
         raw = da.from_zarr(raw_path)
 
-        # The mean of all whole frames is the light, but for spots, which the Gaussian spreads.
-        whole = [raw.blocks[i, j] for i, j in np.ndindex(raw.numblocks) if raw.blocks[i, j].shape == (o.tile,) * 2]
-        total = [tiles.convert(frame, np.int32) for frame in whole]
-        while len(total) > 1:
-            total = [tiles.add(*total[i:i + 2]) if i + 1 < len(total) else total[i] for i in range(0, len(total), 2)]
-        flat = stage("flat field", lambda: total[0].compute())
-        flat = jorm.gaussian(jorm.convert(flat, np.float32, gain=1 / len(whole)), sigma=o.tile / 40)
+        flat, frames = stage("flat field", lambda: total_of_frames(raw, o.tile))
+        flat = jorm.gaussian(jorm.convert(flat, np.float32, gain=1 / frames), sigma=o.tile / 40)
         gain = jorm.divide(float(flat.max()), flat)
 
-        gains = da.map_blocks(lambda z: gain[: z.shape[0], : z.shape[1]], da.zeros_like(raw), dtype=np.float32,
-                              meta=np.empty((0, 0), np.float32))
+        gains = da.tile(da.from_array(gain, chunks=-1), raw.numblocks)[: o.size, : o.size]
         even = tiles.convert(tiles.multiply(tiles.convert(raw, np.float32), gains), np.uint8)
         stage("smooth", lambda: tiles.gaussian(even, sigma=2).to_zarr(smooth_path, overwrite=True))
         smooth = da.from_zarr(smooth_path)
