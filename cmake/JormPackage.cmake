@@ -52,6 +52,7 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${package_of_runtime} (>= ${PROJECT_VERS
 # The extension is for one version of Python 3.
 math(EXPR next_minor "${Python3_VERSION_MINOR} + 1")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-dask, python3-distributed")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
 set(python_versions "python3 (>= 3.${Python3_VERSION_MINOR}), python3 (<< 3.${next_minor})")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
