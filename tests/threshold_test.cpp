@@ -258,7 +258,10 @@ TEST(Threshold, UstoFlattensTheGround) {
             const int ground = 60 + k++ * 150 / (full[0] * full[1] * full[2] * full[3]);
             return (r.one_in(6) ? ground - r.in(30, 55) : ground + r.in(-4, 4)) / (real ? 256. : 1.);
         });
-        const jorm_thhmethod method = {JORM_THRESHOLD_USTO, 0, {}, {}};
+        const bool own = r.one_in(2);
+        jorm_thhmethod method = {JORM_THRESHOLD_USTO, 0, {}, {}};
+        if (own) method.word |= JORM_THRESHOLD_OWN_RANGES; // few bins that stay where they are tell where mid range is
+        for (int c = 0; c < 4; ++c) method.ranges[c] = {real ? 0.48 : 124, real ? 0.58 : 148}, method.bins[c] = 5;
         ASSERT_EQ(JormThreshold(xe, 0, &dst.a, &src.a, nullptr, nullptr, &method, nullptr, 0), JORM_OK);
         for (int z = 0; z < full[0]; ++z) {
             const auto difference = [&](const Index &i) {
@@ -272,7 +275,10 @@ TEST(Threshold, UstoFlattensTheGround) {
             each(plane, [&](const Index &i) {
                 store(type, flat.at(i), converted(type, difference(i) + (real ? 0.5 : 128) + shift[i[3]]));
             });
-            ASSERT_EQ(JormComputeThresholdByOtsu(xe, 0, &flat.a, nullptr, t, nullptr, nullptr), JORM_OK);
+            jorm_thhmethod given = method;
+            ASSERT_EQ(JormComputeThresholdByOtsu(xe, 0, &flat.a, nullptr, t, own ? given.ranges : nullptr,
+                                                 own ? given.bins : nullptr),
+                      JORM_OK);
             each(plane, [&](const Index &i) {
                 const double largest = highest(dst.a.eltype);
                 ASSERT_EQ(dst.get({z, i[1], i[2], i[3]}), flat.get(i) > t[i[3]] ? 0 : largest);
