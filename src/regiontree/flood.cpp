@@ -28,7 +28,7 @@ constexpr int ahead = 8;         // pixels further down in a pile
 constexpr int pushed_ahead = 24; // places of a pile, upwards
 constexpr int popped_ahead = 48; // and downwards
 constexpr int rows_ahead = 6;
-constexpr uint32_t delay = 64; // pixels that are done before a pixel's link goes to its word
+constexpr uint32_t linked_ahead = 64; // pixels of the log
 
 // When a == b: x = y. What a neighbour is cannot be foretold, and compilers turn a conditional expression back into a
 // branch where they see fit, so x86-64 gets its conditional move by name.
@@ -99,36 +99,19 @@ template <int smallest, bool lists> class Flood {
 public:
     Flood(jorm_fwtsres *store, const FloodSource &source, int64_t stride, const Coding &coding, uint32_t *words)
         : source_(source), stride_(stride), coding_(coding), words_(words),
-          components_(store, uint32_t(lists ? source.columns : stride), uint32_t(source.columns)) {
-        std::fill_n(links_, lists ? delay : 0, Link{uint32_t(source.pixels()), 0}); // a guard word at first
-    }
+          components_(store, uint32_t(stride), uint32_t(source.columns), words) {}
 
     void build(uint8_t *memory);
     void lay_out(uint32_t *memory, const uint32_t *histogram);
     int64_t run();
+    void link(uint32_t *memory);
     void complete_words();
 
 private:
-    // The number of a pixel in the words and in components: that of the picture when there are lists.
-    uint32_t number(uint32_t pixel) const {
-        return lists ? pixel - uint32_t((unsigned __int128)(pixel)*row_reciprocal_ >> 64) * padding_ : pixel;
-    }
-    // A pixel is done: it goes on top of its region's list.
-    void add(Component *top, uint32_t pixel, uint32_t done) {
-        pixel = number(pixel);
-        if (lists) {
-            __builtin_prefetch(words_ + pixel, 1);
-            Link &link = links_[done % delay];
-            words_[link.pixel] = link.next;
-            link = {pixel, top->head};
-        }
-        top->head = pixel;
-    }
-    bool rise_to(Component *&top, uint32_t level, uint32_t pixel, uint32_t done) {
-        const auto splice = [this](uint32_t first, int merges, uint32_t rest) {
-            if (lists) links_[first % delay].next = merges ? rest : no_pixel;
-        };
-        return rise<smallest>(components_, top, int32_t(level), number(pixel), done, splice);
+    // A pixel is done.
+    void add(uint32_t pixel, uint32_t &done) {
+        if (lists) words_[done] = pixel;
+        ++done;
     }
 
     enum class Way { down, up, failed };
@@ -153,15 +136,7 @@ private:
     const int64_t stride_;
     const Coding coding_;
     uint8_t *plane_ = nullptr;
-    // Links on their way to the words, which are being fetched. A component that is spliced has all of its links here.
-    struct Link {
-        uint32_t pixel, next;
-    };
-    static_assert(smallest <= int(delay));
-    Link links_[lists ? delay : 1];
-    uint32_t *const words_; // of row 0, column 0
-    const uint32_t padding_ = uint32_t(stride_ - source_.columns);
-    const uint64_t row_reciprocal_ = ~uint64_t{0} / uint64_t(stride_) + 1; // rounded up: exact for pixel numbers
+    uint32_t *const words_;                       // of row 0, column 0; the log while the flood runs
     uint32_t *top_of_[levels], *base_of_[levels]; // what waits at each code; [seen] takes pixels that have been seen
     uint32_t seen_[4];
     Pile pair_[2]; // what waits at the two levels of the pair; what was pushed meanwhile waits under the code
@@ -227,8 +202,9 @@ template <int smallest, bool lists> typename Flood<smallest, lists>::Way Flood<s
     uint32_t which = 0; // the upper one of the two levels?
     const auto go_to = [&](uint32_t to) {
         which = to;
+        const uint32_t last = p;
         p = pair_[which].pop();
-        return rise_to(top_, code + which, p, done_);
+        return rise<smallest>(components_, top_, int32_t(code + which), p, last, done_);
     };
     if (!fell) {
         for (const uint32_t *q = base_of_[code]; q != top_of_[code]; ++q) pair_[upper(*q)].push(*q);
@@ -263,16 +239,17 @@ template <int smallest, bool lists> typename Flood<smallest, lists>::Way Flood<s
             }
         }
         if (lower) continue;
-        if (fell) components_.open(top_, code + which, number(p), done_);
+        if (fell) components_.open(top_, code + which, p, done_);
         fell = false;
-        add(top_, p, done_);
-        ++done_;
+        add(p, done_);
         if (!pair_[which].empty())
             p = pair_[which].pop();
         else if (which == 0 && !pair_[1].empty()) {
             if (!go_to(1)) return Way::failed;
-        } else
+        } else {
+            pixel_ = p;
             return Way::up;
+        }
     }
 }
 
@@ -300,14 +277,17 @@ template <int smallest, bool lists> int64_t Flood<smallest, lists>::run() {
             top = top_;
             done = done_;
             fell = way == Way::down;
-            if (fell) p = pixel_, code = code_;
+            p = pixel_;
+            if (fell) code = code_;
             continue;
         }
         uint32_t next = no_pixel; // what waits on top at the present code, the end mark when nothing does
         if (!fell) {
+            const uint32_t last = p;
             p = top_of_[code][-1];
             next = pop(code);
-            if (!rise_to(top, coding_.level(code), p, done)) return JORM_ENOMEM;
+            const auto level = int32_t(coding_.level(code));
+            if (!rise<smallest>(components_, top, level, p, last, done)) return JORM_ENOMEM;
         }
         for (;;) {
             uint8_t *at = plane + p;
@@ -343,7 +323,7 @@ template <int smallest, bool lists> int64_t Flood<smallest, lists>::run() {
                 fell = true;
                 break;
             }
-            if (fell) components_.open(top, coding_.level(code), number(p), done);
+            if (fell) components_.open(top, coding_.level(code), p, done);
             fell = false;
             if ((at[1] & at[-1] & at[-stride] & at[stride]) != seen) {
                 fetch_rows();
@@ -355,20 +335,51 @@ template <int smallest, bool lists> int64_t Flood<smallest, lists>::run() {
                 }
                 top_of_[seen] = seen_;
             }
-            add(top, p, done);
-            ++done;
+            add(p, done);
             if (next == no_pixel) break;
             p = next;
             next = pop(code);
         }
     }
-    return components_.finish(top, done) ? JORM_OK : JORM_ENOMEM;
+    done_ = done;
+    return components_.finish(top, p, done) ? JORM_OK : JORM_ENOMEM;
+}
+
+// Makes pixel lists of the log: while the flood runs, their words would be spread over too much memory. The log moves
+// to what the piles have left.
+template <int smallest, bool lists> void Flood<smallest, lists>::link(uint32_t *log) {
+    const uint32_t padding = uint32_t(stride_ - source_.columns);
+    const uint64_t row_reciprocal = ~uint64_t{0} / uint64_t(stride_) + 1; // rounded up: exact for pixel numbers
+    const auto row = [=](uint32_t entry) {
+        return uint32_t((unsigned __int128)(entry & log_pixel) * row_reciprocal >> 64);
+    };
+    for (uint32_t i = 0; i < done_; ++i) log[i] = padding ? words_[i] - row(words_[i]) * padding : words_[i];
+    std::fill_n(log + done_, linked_ahead, 0u);
+
+    uint32_t interrupted[levels + 1] = {}, *top = interrupted + 1; // lists
+    uint32_t next = no_pixel;
+    for (uint32_t i = 0; i < done_; ++i) {
+        __builtin_prefetch(words_ + (log[i + linked_ahead] & log_pixel), 1);
+        const uint32_t entry = log[i], pixel = entry & log_pixel;
+        if (smallest > 1 && entry == pixel) { // otherwise marks are frequent and cannot be foretold
+            words_[pixel] = next;
+            next = pixel;
+            continue;
+        }
+        *top = next;
+        select_equal(next, entry & log_begins, log_begins, no_pixel);
+        top += (entry & log_begins) != 0;
+        words_[pixel] = next;
+        next = pixel;
+        select_equal(next, entry & log_resumes, log_resumes, top[-1]);
+        select_equal(next, entry & log_renews, log_renews, no_pixel);
+        top -= (entry & log_resumes) != 0;
+    }
 }
 
 // Words of what is in no list: guards, border, rows left out, and pixels that the flood did not reach.
 template <int smallest, bool lists> void Flood<smallest, lists>::complete_words() {
     const FloodSource &s = source_;
-    for (const Link &link : links_) words_[link.pixel] = link.next;
     const size_t guard = size_t(s.columns) + 2;
     std::memset(words_ - guard, 0, guard * sizeof *words_);
     std::memset(words_ + s.pixels(), 0, guard * sizeof *words_);
@@ -411,6 +422,7 @@ template <int smallest, bool lists> int64_t flood_with(jorm_xe *xe, jorm_fwtsres
         flood.build(reinterpret_cast<uint8_t *>(waiting + entries));
         status = flood.run();
         if (status == JORM_OK && lists) {
+            flood.link(waiting);
             flood.complete_words();
             store->words = words;
         }

@@ -30,59 +30,64 @@ struct FloodSource {
 // A component that can still grow. Its record is made when it first takes over a child, or when it closes.
 struct Component {
     int32_t level;
-    uint32_t seed, head;
+    uint32_t seed;
     uint32_t opened; // how many pixels were done before; whatever follows belongs to it or to a descendant
     jorm_fwtsr *record;
+};
+
+// Pixels in the order in which they are done. In a list each follows the one done before it, but for what the marks
+// say.
+enum LogMark : uint32_t {
+    log_pixel = 0x0FFFFFFF,
+    log_begins = 0x10000000,  // the first pixel of a region, or of its first child: nothing follows it
+    log_renews = 0x20000000,  // the last one of a region whose parent has no pixels yet
+    log_resumes = 0x40000000, // the last one of a region: the list of the parent goes on
 };
 
 // The stack of open components, from high levels to low ones. A component of less than `smallest` pixels leaves no
 // record; its pixels go to the component that swallows it.
 class Components {
 public:
-    // Pixel numbers count rows of `stride`; those in records rows of `columns`.
-    Components(jorm_fwtsres *store, uint32_t stride, uint32_t columns)
-        : pool_(store), stride_(stride), columns_(columns) {
-        entry_[0] = {JORM_NO_PIXEL, no_pixel, no_pixel, 0, nullptr};
+    // Pixel numbers count rows of `stride`; those in records rows of `columns`. The log is null when nobody keeps one.
+    Components(jorm_fwtsres *store, uint32_t stride, uint32_t columns, uint32_t *log)
+        : pool_(store), stride_(stride), columns_(columns), log_(log) {
+        entry_[0] = {JORM_NO_PIXEL, no_pixel, 0, nullptr};
     }
 
     void open(Component *&top, uint32_t level, uint32_t pixel, uint32_t done) {
-        *++top = {int32_t(level), pixel, no_pixel, done, nullptr};
+        *++top = {int32_t(level), pixel, done, nullptr};
     }
     Component *bottom() { return entry_; }
 
-    // The top closes as a region of its own: the one below takes it over when it has the level, else a new component
-    // that begins with the pixel. False without memory.
-    [[gnu::cold, gnu::noinline]] bool close(Component *&top, int32_t level, uint32_t pixel, uint32_t done);
+    // The top closes as a region of its own, whose last pixel was the last one done: the component below takes it over
+    // when it has the level, else a new one that begins with the pixel. False without memory.
+    [[gnu::cold, gnu::noinline]] bool close(Component *&top, int32_t level, uint32_t pixel, uint32_t last,
+                                            uint32_t done);
 
     // The only component left becomes the tree of the store. False without memory.
-    [[gnu::cold, gnu::noinline]] bool finish(Component *top, uint32_t done);
+    [[gnu::cold, gnu::noinline]] bool finish(Component *top, uint32_t last, uint32_t done);
 
 private:
-    jorm_fwtsr *record(Component &c, uint32_t done);
+    jorm_fwtsr *record(Component &c, uint32_t last, uint32_t done);
     int32_t place(uint32_t pixel) const {
-        if (stride_ == columns_ || pixel == no_pixel) return int32_t(pixel);
+        if (stride_ == columns_) return int32_t(pixel);
         return int32_t(pixel / stride_ * columns_ + pixel % stride_);
     }
 
     RegionPool pool_;
     uint32_t stride_, columns_;
+    uint32_t *const log_;
     Component entry_[levels + 1]; // open levels fall strictly, above a bottom that is higher than all
 };
 
 // Rises to `level`, where `pixel` waits. The pixel that a descent left behind waits at the level of the component
-// below, so that one is never passed: either it has the level and swallows the top, or the top is lifted. `join` links
-// the last pixel of the top's list, which was the first one done since the component was opened, to the pixel given.
-template <int smallest, class Join>
+// below, so that one is never passed: either it has the level and swallows the top, or the top is lifted.
+template <int smallest>
 [[gnu::always_inline]] inline bool rise(Components &components, Component *&top, int32_t level, uint32_t pixel,
-                                        uint32_t done, Join join) {
-    const Component now = *top;
-    if (__builtin_expect(done - now.opened >= uint32_t(smallest), smallest == 1))
-        return components.close(top, level, pixel, done);
-    const Component *const below = top - 1;
-    const int merges = below->level == level;
-    join(now.opened, merges, below->head);
-    top -= merges;
-    top->head = now.head;
+                                        uint32_t last, uint32_t done) {
+    if (__builtin_expect(done - top->opened >= uint32_t(smallest), smallest == 1))
+        return components.close(top, level, pixel, last, done);
+    top -= top[-1].level == level;
     top->level = level;
     return true;
 }
