@@ -417,6 +417,14 @@ TEST(Moments, OfAreasAndPoints) {
     expect_near(jorm_2d_poly_moment2_$c(&m, whole, 4)->m00, side * side / 12, 1e4L);
     expect_near(jorm_2d_ptv_moment2_$c(&m, whole, 4)->m11, side * side / 4, 1e4L);
     EXPECT_EQ(jorm_2d_poly_centroid(&c, whole, 4)->x, -0.5);
+    for (const int bits : {10, 27, 28}) { // sums of the largest products that a block may hold, and of larger ones
+        std::vector<jorm_2d_pt> v(700);
+        for (size_t i = 0; i < v.size(); ++i) v[i] = {(1 << bits) - 1 - int32_t(i % 3), (1 << bits) - 1};
+        const Figure about_origin = of_points(v, 0, 0);
+        expect_moments(*jorm_2d_ptv_moment2(&m, v.data(), 700), about_origin);
+        expect_moments(*jorm_2d_ptv_moment2_$c(&m, v.data(), 700),
+                       of_points(v, about_origin.x / 700, about_origin.y / 700));
+    }
 }
 
 template <class P, class R, class Q, class E> struct FloatQuads {

@@ -16,18 +16,45 @@ template <class F> struct PointSums {
     Second xx = 0, xy = 0, yy = 0;
 
     PointSums(const typename F::Pt *points, int32_t n, jorm_r2d_pt origin = {}) {
-        for (int32_t i = 0; i < n; ++i) {
-            First px = points[i].x, py = points[i].y;
-            if constexpr (!integer) {
-                px -= origin.x;
-                py -= origin.y;
-            }
-            x += px;
-            y += py;
-            xx += Second(px) * px;
-            xy += Second(px) * py;
-            yy += Second(py) * py;
+        if constexpr (integer) {
+            constexpr int32_t block = 256;
+            for (int64_t i = 0; i < n; i += block) add_block(points + i, int32_t(n - i < block ? n - i : block));
+        } else {
+            for (int32_t i = 0; i < n; ++i) add(points[i].x - origin.x, points[i].y - origin.y);
         }
+    }
+
+private:
+    void add(First px, First py) {
+        x += px;
+        y += py;
+        xx += Second(px) * px;
+        xy += Second(px) * py;
+        yy += Second(py) * py;
+    }
+
+    // Places in pictures are not negative and small: sums of their products over a block fit 64 bits.
+    void add_block(const typename F::Pt *points, int32_t n) {
+        uint32_t all = 0;
+        for (int32_t i = 0; i < n; ++i) all |= uint32_t(points[i].x) | uint32_t(points[i].y);
+        if (all >= uint32_t{1} << 27) {
+            for (int32_t i = 0; i < n; ++i) add(points[i].x, points[i].y);
+            return;
+        }
+        uint64_t sx = 0, sy = 0, sxx = 0, sxy = 0, syy = 0;
+        for (int32_t i = 0; i < n; ++i) {
+            const uint64_t px = uint32_t(points[i].x), py = uint32_t(points[i].y);
+            sx += px;
+            sy += py;
+            sxx += px * px;
+            sxy += px * py;
+            syy += py * py;
+        }
+        x += First(sx);
+        y += First(sy);
+        xx += Second(sxx);
+        xy += Second(sxy);
+        yy += Second(syy);
     }
 };
 

@@ -68,6 +68,36 @@ template <class F> struct Calipers {
     }
 };
 
+// Copies the points among which the corners of the hull are, as many as there may be; returns their number.
+template <class F> int32_t copy_outer(Pt<F> *to, const Pt<F> *points, int32_t n) {
+    if constexpr (std::is_integral_v<typename F::Coord>) {
+        // Of the points with the same x the two outer ones. First to[x - least] is their range of y.
+        int32_t least = points[0].x, most = least;
+        for (int32_t i = 1; i < n; ++i) {
+            least = std::min(least, points[i].x);
+            most = std::max(most, points[i].x);
+        }
+        const int64_t lines = int64_t(most) - least + 1;
+        if (2 * lines <= n) {
+            std::fill_n(to, lines, Pt<F>{INT32_MAX, INT32_MIN});
+            for (int32_t i = 0; i < n; ++i) {
+                Pt<F> &range = to[points[i].x - least];
+                range = {std::min(range.x, points[i].y), std::max(range.y, points[i].y)};
+            }
+            Pt<F> *const end = to + 2 * lines, *kept = end;
+            for (int64_t line = lines; line-- > 0;) {
+                const Pt<F> range = to[line];
+                if (range.x < range.y) *--kept = {int32_t(least + line), range.y};
+                if (range.x <= range.y) *--kept = {int32_t(least + line), range.x};
+            }
+            std::copy(kept, end, to);
+            return int32_t(end - kept);
+        }
+    }
+    memcpy(to, points, size_t(n) * sizeof *to);
+    return n;
+}
+
 // Replaces the axis-parallel quadrilateral in out if another one is smaller.
 template <class F, class Quad> void shrink(Quad &out, const Pt<F> *points, int32_t n) {
     using P = Pt<F>;
@@ -75,8 +105,7 @@ template <class F, class Quad> void shrink(Quad &out, const Pt<F> *points, int32
     const std::unique_ptr<P, decltype(&free)> copy(static_cast<P *>(malloc(size_t(n) * sizeof(P))), free);
     if (!copy) return;
     P *hull = copy.get();
-    memcpy(hull, points, size_t(n) * sizeof(P));
-    const int32_t m = plain_hull<F>(hull, n);
+    const int32_t m = plain_hull<F>(hull, copy_outer<F>(hull, points, n));
     const auto [left, right] = std::minmax_element(hull, hull + m, [](const P &a, const P &b) { return a.x < b.x; });
     const auto [low, high] = std::minmax_element(hull, hull + m, [](const P &a, const P &b) { return a.y < b.y; });
     double least = (double(right->x) - double(left->x)) * (double(high->y) - double(low->y));
