@@ -264,9 +264,10 @@ JORM_API void *jorm_arr_pt2pcs(const jorm_array *a, int32_t *dst, const int32_t 
  *     jorm_array_channel(&green, &part, 1);                   of them the second channel
  */
 JORM_API int64_t jorm_array_make(jorm_array *out, uint32_t eltype, int32_t rows, int32_t pixels, int32_t channels,
-                                 int64_t row_stride, const void *base);
+                                 int64_t row_stride, const void *base) JORM_KEEPS(7);
 JORM_API int64_t jorm_array_make4(jorm_array *out, uint32_t eltype, int32_t planes, int32_t rows, int32_t pixels,
-                                  int32_t channels, int64_t plane_stride, int64_t row_stride, const void *base);
+                                  int32_t channels, int64_t plane_stride, int64_t row_stride, const void *base)
+    JORM_KEEPS(9);
 
 /* Views of an array; `out` may be `a`. They know their parent as long as 32 bits of loff can tell where in it they lie;
  * otherwise `base` is their first element and they count as whole arrays.

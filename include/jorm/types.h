@@ -36,6 +36,14 @@
 #define JORM_END_DECLS
 #endif
 
+/* After a declaration: pointer parameter n is kept, and nothing read through it. Compilers that look for memory that is
+ * read before it is written need to know. */
+#if defined(__GNUC__) && !defined(__clang__) && __GNUC__ >= 11
+#define JORM_KEEPS(n) __attribute__((access(none, n)))
+#else
+#define JORM_KEEPS(n)
+#endif
+
 /* Around declarations of names with a dollar sign, an extension that clang speaks about under -pedantic. */
 #if defined(__clang__)
 #define JORM_BEGIN_DOLLARS                                                                                             \
