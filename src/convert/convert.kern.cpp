@@ -37,13 +37,58 @@ template <class D, class S> [[gnu::always_inline]] inline D exact_element(S x, f
     return convert_element<D>(f64(x) * scale + offset);
 }
 
+// Rows go by blocks through numbers between the source's type and the destination's: what makes the numbers does not
+// know the destination, what takes them does not know the source. No pair of types has loops of its own.
+constexpr int block = 2 * pattern_length;
+
+// Rounded to 32 bits or not.
+template <bool Uniform, class To, class S>
+[[gnu::noinline]] void map_block(To *__restrict to, const S *from, int n, const RowParams &p) {
+    const f64 *__restrict scale = p.constants[0]->real, *__restrict offset = p.constants[1]->real;
+    if constexpr (Uniform) {
+        const f64 k = *scale, c = *offset;
+        for (int i = 0; i < n; ++i) to[i] = exact_element<To>(from[i], k, c);
+    } else
+        for (int i = 0; i < n; i += pattern_length) {
+            const int m = n - i < pattern_length ? n - i : pattern_length;
+            for (int j = 0; j < m; ++j) to[i + j] = exact_element<To>(from[i + j], scale[j], offset[j]);
+        }
+}
+template <class D> [[gnu::noinline]] void take_whole(D *to, const s32 *__restrict from, int n) {
+    for (int i = 0; i < n; ++i) to[i] = convert_element<D>(from[i]);
+}
+template <class D> [[gnu::noinline]] void take_nearest(D *to, const f64 *__restrict from, int n) {
+    for (int i = 0; i < n; ++i) to[i] = nearest<D>(from[i]);
+}
+// May one of these be what stands for results beyond 32 bits?
+[[gnu::noinline]] bool any_beyond(const s32 *x, int n) {
+    s32 least = 0;
+    for (int i = 0; i < n; ++i) least = x[i] < least ? x[i] : least;
+    return least == lowest<s32>;
+}
+
 // In double precision.
 template <bool Uniform, class D, class S, Beyond B>
 void exact_range(void *dst, const void *const *src, int64_t n, const RowParams &p) {
-    if constexpr (B == Beyond::nearest)
-        nearest_row<Uniform, 2, D, S>(dst, src, n, p, [](S x, f64 k, f64 c) { return f64(x) * k + c; });
-    else
+    D *d = elements<D>(dst);
+    const S *s = elements<S>(src[0]);
+    if constexpr (is_real<D> || (same<D, s32> && B == Beyond::lowest)) // the numbers themselves
         constant_row<Uniform, 2, f64, D, S, void *>(dst, src, n, p, exact_element<D, S>);
+    else
+        for (int m; n > 0; n -= m, d += m, s += m) {
+            union {
+                s32 whole[block];
+                f64 real[block];
+            } x;
+            m = n < block ? int(n) : block;
+            map_block<Uniform>(x.whole, s, m, p);
+            if (B == Beyond::lowest || !any_beyond(x.whole, m)) {
+                take_whole(d, x.whole, m);
+                continue;
+            }
+            map_block<Uniform>(x.real, s, m, p);
+            take_nearest(d, x.real, m);
+        }
 }
 
 // Where it makes no difference whether the product is rounded.
@@ -74,40 +119,35 @@ constexpr int upper = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? 1 : 0;
 
 [[gnu::always_inline]] inline int next_chunk(int j) { return j + chunk < pattern_length ? j + chunk : 0; }
 
-// To bytes, in fixed point with 16 bits of fraction; the lanes of `least` gather the least fractions.
-template <bool Uniform, class D, class S>
-[[gnu::always_inline]] inline void round_chunk(D *d, const S *s, int n, const RangeParams &p, Pieces first, int j,
-                                               uint16_t *least) {
-    Words y;
-    for (int l = 0; l < n; ++l) {
-        const Pieces k = Uniform ? first : pieces_at(p, j + l);
-        y.whole[l] = round_s32(multiply_add(f32(s[l]), k.scale, k.offset));
-    }
-    for (int l = 0; l < n; ++l) {
-        const uint16_t fraction = y.half[2 * l + 1 - upper];
-        least[l] = fraction < least[l] ? fraction : least[l];
-        d[l] = clamped<D>(s16(y.half[2 * l + upper]));
-    }
+// To bytes, in fixed point with 16 bits of fraction.
+template <bool Uniform, class S>
+[[gnu::noinline]] void map_fixed(s32 *__restrict to, const S *from, int n, const RangeParams &p) {
+    const f32 *__restrict scale = p.fast[0], *__restrict offset = p.fast[1];
+    if constexpr (Uniform) {
+        const f32 k = *scale, c = *offset;
+        for (int i = 0; i < n; ++i) to[i] = round_s32(multiply_add(f32(from[i]), k, c));
+    } else
+        for (int i = 0; i < n; i += pattern_length) {
+            const int m = n - i < pattern_length ? n - i : pattern_length;
+            for (int j = 0; j < m; ++j) to[i + j] = round_s32(multiply_add(f32(from[i + j]), scale[j], offset[j]));
+        }
 }
-
-// A block of them. Is no result in doubt?
-template <bool Uniform, class D, class S>
-[[gnu::always_inline]] inline bool round_block(D *d, const S *s, int n, const RangeParams &p) {
-    uint16_t least[chunk], least_of_all = 0xffff;
-    for (int l = 0; l < chunk; ++l) least[l] = 0xffff;
-    const Pieces k = pieces_at(p, 0);
-    int i = 0, j = 0;
-    for (; i + chunk <= n; i += chunk, j = next_chunk(j)) round_chunk<Uniform>(d + i, s + i, chunk, p, k, j, least);
-    if (i < n) round_chunk<Uniform>(d + i, s + i, n - i, p, k, j, least);
-    for (int l = 0; l < chunk; ++l) least_of_all = least[l] < least_of_all ? least[l] : least_of_all;
-    return least_of_all >= p.doubt;
+// The least fraction; n is at most a block.
+template <class D> [[gnu::noinline]] uint16_t take_fixed(D *__restrict to, const s32 *__restrict from, int n) {
+    uint16_t least = 0xffff;
+    for (int i = 0; i < n; ++i) {
+        const uint16_t fraction = uint16_t(from[i]);
+        least = fraction < least ? fraction : least;
+        to[i] = clamped<D>(s16(from[i] >> 16));
+    }
+    return least;
 }
 
 // Blocks with a result in doubt are computed again in double precision. After some of them in succession the next ones
 // go there at once.
 template <bool Uniform, class D, class S, Beyond B>
 void to_bytes(void *dst, const void *const *src, int64_t n, const RowParams &params) {
-    constexpr int block = 2 * pattern_length, patience = 4, respite = 60;
+    constexpr int patience = 4, respite = 60;
     const RangeParams &p = static_cast<const RangeParams &>(params);
     D aside[block]; // in place, the source has to survive the attempt
     D *d = elements<D>(dst);
@@ -118,7 +158,9 @@ void to_bytes(void *dst, const void *const *src, int64_t n, const RowParams &par
             const uintptr_t from = reinterpret_cast<uintptr_t>(s), to = reinterpret_cast<uintptr_t>(d);
             const bool apart = to + block <= from || from + sizeof(S) * block <= to;
             D *target = apart ? d : aside;
-            if (m == block ? round_block<Uniform>(target, s, block, p) : round_block<Uniform>(target, s, m, p)) {
+            s32 x[block];
+            map_fixed<Uniform>(x, s, m, p);
+            if (take_fixed(target, x, m) >= p.doubt) {
                 for (int l = 0; !apart && l < m; ++l) d[l] = aside[l];
                 p.doubtful = 0;
                 continue;

@@ -368,7 +368,8 @@ void mean_real(void *to, const void *sums, int64_t n, int64_t area) {
 }
 
 struct Add {
-    template <class R> [[gnu::always_inline]] static f64 of(f64 a, R b) { return a + f64(b); }
+    template <class V> [[gnu::always_inline]] static V of(V a, V b) { return a + b; }
+    [[gnu::always_inline]] static f64 of(f64 a, f32 b) { return a + f64(b); }
 };
 
 } // namespace

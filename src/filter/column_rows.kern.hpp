@@ -1,53 +1,35 @@
 // The rows of Columns for an operation: for level sources.
 #pragma once
 #include "filter/column_rows.hpp"
-#include "kernel/level_ops.hpp"
+#include "kernel/level_words.hpp"
 
 namespace jorm::JORM_LEVEL {
 namespace {
 
-// Of up to eight rows, and of what stands in `to` already.
-template <class Op, class T, class Result, int N, bool First>
-void columns_across_n(void *to, const void *const *rows, int64_t n) {
-    Result *__restrict t = elements<Result>(to);
-    const T *r[N];
-    for (int k = 0; k < N; ++k) r[k] = elements<T>(rows[k]);
-    for (int64_t i = 0; i < n; ++i) {
-        Result all = First ? Result(r[0][i]) : Op::of(t[i], r[0][i]);
-        for (int k = 1; k < N; ++k) all = Op::of(all, r[k][i]);
-        t[i] = all;
-    }
+// Gathers `Many` registers of results for each look at the list of rows; what is left of a row goes by single
+// registers, some elements of it twice. Loops that the compiler makes for every number of rows would take ten times the
+// code.
+template <class Op, class T, class Result, int N, int Many>
+[[gnu::always_inline]] inline void columns_across_at(Result *to, const void *const *rows, int64_t count, int64_t i) {
+    using V = VectorOf<Result, N>;
+    V all[Many];
+    const auto at = [&](int64_t k, int j) __attribute__((always_inline)) {
+        return converted<Result, N, T>(read<VectorOf<T, N>>(elements<T>(rows[k]) + i + j * N));
+    };
+    for (int j = 0; j < Many; ++j) all[j] = at(0, j);
+    for (int64_t k = 1; k < count; ++k)
+        for (int j = 0; j < Many; ++j) all[j] = Op::of(all[j], at(k, j));
+    __builtin_memcpy(to + i, all, sizeof all);
 }
-
-template <class Op, class T, class Result>
-void columns_across_few(void *to, const void *const *rows, int64_t count, int64_t n) {
-    switch (count) {
-    case 1:
-        return columns_across_n<Op, T, Result, 1, true>(to, rows, n);
-    case 2:
-        return columns_across_n<Op, T, Result, 2, true>(to, rows, n);
-    case 3:
-        return columns_across_n<Op, T, Result, 3, true>(to, rows, n);
-    case 4:
-        return columns_across_n<Op, T, Result, 4, true>(to, rows, n);
-    case 5:
-        return columns_across_n<Op, T, Result, 5, true>(to, rows, n);
-    case 6:
-        return columns_across_n<Op, T, Result, 6, true>(to, rows, n);
-    case 7:
-        return columns_across_n<Op, T, Result, 7, true>(to, rows, n);
-    default:
-        return columns_across_n<Op, T, Result, 8, true>(to, rows, n);
-    }
-}
-
-// More than eight rows begin with as many as leave a multiple of four.
 template <class Op, class T, class Result>
 void columns_across(void *to, const void *const *rows, int64_t count, int64_t n) {
-    int64_t k = count <= 8 ? count : (count - 1) % 4 + 5;
-    columns_across_few<Op, T, Result>(to, rows, k, n);
-    for (; k + 8 <= count; k += 8) columns_across_n<Op, T, Result, 8, false>(to, rows + k, n);
-    if (k < count) columns_across_n<Op, T, Result, 4, false>(to, rows + k, n);
+    constexpr int size = register_bytes / int(sizeof(Result)), many = 8;
+    Result *const t = elements<Result>(to);
+    int64_t i = 0;
+    for (; i + many * size <= n; i += many * size) columns_across_at<Op, T, Result, size, many>(t, rows, count, i);
+    if (n < size)
+        for (; i < n; ++i) columns_across_at<Op, T, Result, 1, 1>(t, rows, count, i);
+    for (; i < n; i += size) columns_across_at<Op, T, Result, size, 1>(t, rows, count, i + size <= n ? i : n - size);
 }
 
 template <class Op, class T, class Result> void columns_join(void *to, const void *row, const void *suffix, int64_t n) {
