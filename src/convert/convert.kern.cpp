@@ -119,28 +119,31 @@ constexpr int upper = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? 1 : 0;
 
 [[gnu::always_inline]] inline int next_chunk(int j) { return j + chunk < pattern_length ? j + chunk : 0; }
 
-// To bytes, in fixed point with 16 bits of fraction.
-template <bool Uniform, class S>
-[[gnu::noinline]] void map_fixed(s32 *__restrict to, const S *from, int n, const RangeParams &p) {
-    const f32 *__restrict scale = p.fast[0], *__restrict offset = p.fast[1];
-    if constexpr (Uniform) {
-        const f32 k = *scale, c = *offset;
-        for (int i = 0; i < n; ++i) to[i] = round_s32(multiply_add(f32(from[i]), k, c));
-    } else
-        for (int i = 0; i < n; i += pattern_length) {
-            const int m = n - i < pattern_length ? n - i : pattern_length;
-            for (int j = 0; j < m; ++j) to[i + j] = round_s32(multiply_add(f32(from[i + j]), scale[j], offset[j]));
+// A block in single precision to bytes, in fixed point with 16 bits of fraction; the lanes of `least` gather the least
+// fractions. Is no result in doubt?
+template <bool Uniform, class D> [[gnu::noinline]] bool round_block(D *d, const f32 *s, const RangeParams &p) {
+    uint16_t least[chunk], least_of_all = 0xffff;
+    for (int l = 0; l < chunk; ++l) least[l] = 0xffff;
+    const Pieces first = pieces_at(p, 0);
+    for (int i = 0, j = 0; i < block; i += chunk, j = next_chunk(j)) {
+        Words y;
+        for (int l = 0; l < chunk; ++l) {
+            const Pieces k = Uniform ? first : pieces_at(p, j + l);
+            y.whole[l] = round_s32(multiply_add(s[i + l], k.scale, k.offset));
         }
-}
-// The least fraction; n is at most a block.
-template <class D> [[gnu::noinline]] uint16_t take_fixed(D *__restrict to, const s32 *__restrict from, int n) {
-    uint16_t least = 0xffff;
-    for (int i = 0; i < n; ++i) {
-        const uint16_t fraction = uint16_t(from[i]);
-        least = fraction < least ? fraction : least;
-        to[i] = clamped<D>(s16(from[i] >> 16));
+        for (int l = 0; l < chunk; ++l) {
+            const uint16_t fraction = y.half[2 * l + 1 - upper];
+            least[l] = fraction < least[l] ? fraction : least[l];
+            d[i + l] = clamped<D>(s16(y.half[2 * l + upper]));
+        }
     }
-    return least;
+    for (int l = 0; l < chunk; ++l) least_of_all = least[l] < least_of_all ? least[l] : least_of_all;
+    return least_of_all >= p.doubt;
+}
+// As much of a block as there is; the rest repeats its first element.
+template <class S> [[gnu::noinline]] void to_single(f32 *__restrict to, const S *from, int n) {
+    for (int i = 0; i < n; ++i) to[i] = f32(from[i]);
+    for (int i = n; i < block; ++i) to[i] = to[0];
 }
 
 // Blocks with a result in doubt are computed again in double precision. After some of them in succession the next ones
@@ -149,6 +152,7 @@ template <bool Uniform, class D, class S, Beyond B>
 void to_bytes(void *dst, const void *const *src, int64_t n, const RowParams &params) {
     constexpr int patience = 4, respite = 60;
     const RangeParams &p = static_cast<const RangeParams &>(params);
+    f32 single[block];
     D aside[block]; // in place, the source has to survive the attempt
     D *d = elements<D>(dst);
     const S *s = elements<S>(src[0]);
@@ -156,11 +160,12 @@ void to_bytes(void *dst, const void *const *src, int64_t n, const RowParams &par
         m = n < block ? int(n) : block;
         if (p.doubtful >= 0) {
             const uintptr_t from = reinterpret_cast<uintptr_t>(s), to = reinterpret_cast<uintptr_t>(d);
-            const bool apart = to + block <= from || from + sizeof(S) * block <= to;
-            D *target = apart ? d : aside;
-            s32 x[block];
-            map_fixed<Uniform>(x, s, m, p);
-            if (take_fixed(target, x, m) >= p.doubt) {
+            const bool apart = m == block && (to + block <= from || from + sizeof(S) * block <= to);
+            const f32 *x = single;
+            if constexpr (same<S, f32>)
+                if (m == block) x = s;
+            if (x == single) to_single(single, s, m);
+            if (round_block<Uniform>(apart ? d : aside, x, p)) {
                 for (int l = 0; !apart && l < m; ++l) d[l] = aside[l];
                 p.doubtful = 0;
                 continue;
@@ -198,13 +203,12 @@ void from_bytes(void *dst, const void *const *src, int64_t n, const RowParams &p
     int64_t i = 0;
     int j = 0;
     for (; i + chunk <= n; i += chunk, j = next_chunk(j)) {
-        Words x;
+        s32 x[chunk];
         if constexpr (same<S, u8>)
-            widen<chunk>(x.whole, s + i);
+            widen<chunk>(x, s + i);
         else
-            for (int l = 0; l < chunk; ++l) x.whole[l] = s[i + l];
-        for (int l = 0; l < chunk; ++l)
-            d[i + l] = of_byte<Brief, D>(f32(x.whole[l]), Uniform ? k : pieces_at(p, j + l));
+            for (int l = 0; l < chunk; ++l) x[l] = s[i + l];
+        for (int l = 0; l < chunk; ++l) d[i + l] = of_byte<Brief, D>(f32(x[l]), Uniform ? k : pieces_at(p, j + l));
     }
     for (; i < n; ++i, ++j) d[i] = of_byte<Brief, D>(s[i], Uniform ? k : pieces_at(p, j));
 }

@@ -25,6 +25,10 @@ template <class V> [[gnu::always_inline]] inline V read(const void *from) {
     return v;
 }
 template <class To, int N, class From> [[gnu::always_inline]] inline VectorOf<To, N> converted(VectorOf<From, N> v) {
+#ifdef JORM_LEVEL_avx512 // the compiler would go by halves
+    if constexpr (same<To, f64> && same<From, f32> && N == 8)
+        return VectorOf<To, N>(_mm512_maskz_cvtps_pd(0xff, __m256(v)));
+#endif
     if constexpr (N == 1)
         return To(v);
     else
