@@ -30,6 +30,14 @@ template <class D, class A> void excess(void *dst, const void *const *src, int64
     row2<D, A, A>(dst, src, n, [=](A a, A mean) { return W(a) > W(mean) + limit ? yes : no; });
 }
 
+template <class D, class A> void subtract(void *dst, const void *const *src, int64_t n, const RowParams &) {
+    row2<D, A, A>(dst, src, n, [](A a, A b) { return D(D(a) - D(b)); });
+}
+template <class D, class A> void move(void *dst, const void *const *src, int64_t n, const RowParams &params) {
+    const f64 by = static_cast<const MoveParams &>(params).by;
+    row1<D, A>(dst, src, n, [=](A a) { return store<D, true>(f64(a) + by); });
+}
+
 } // namespace
 
 #define SOURCES(row, D) row<D, u8>, row<D, s8>, row<D, s16>, row<D, s32>, row<D, f32>
@@ -37,5 +45,7 @@ template <class D, class A> void excess(void *dst, const void *const *src, int64
 extern const Row between_rows[], excess_rows[];
 const Row between_rows[] = {ROWS(between)};
 const Row excess_rows[] = {ROWS(excess)};
+extern const GroundRows ground_rows[];
+const GroundRows ground_rows[] = {{subtract<s16, u8>, move<u8, s16>}, {subtract<f32, f32>, move<f32, f32>}};
 
 } // namespace jorm::JORM_LEVEL

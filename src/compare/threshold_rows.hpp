@@ -14,4 +14,13 @@ struct ExcessParams : CompareParams {
     double limit;
 };
 
+// What levels an uneven ground, for samples of u8 and of f32: differences of means and samples, in s16 and f32, and
+// those moved and rounded to the samples' type.
+struct MoveParams : RowParams {
+    double by;
+};
+struct GroundRows {
+    Row subtract, move;
+};
+
 } // namespace jorm

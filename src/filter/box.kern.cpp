@@ -46,76 +46,75 @@ void slide_bytes(u16 *even, u16 *odd, const u8 *in, const u8 *out, int64_t n) {
     if (n & 1) e[n / 2] = u16(e[n / 2] + in[n - 1] - out[n - 1]);
 }
 
-[[gnu::always_inline]] inline u16 high(u16 a, u16 b) { return u16(uint32_t(a) * b >> 16); }
+// Of words, or of vectors of them.
+[[gnu::always_inline]] inline u16 high_words(u16 a, u16 b) { return u16(uint32_t(a) * b >> 16); }
+[[gnu::always_inline]] inline u16 where_equal(u16 a, u16 b) { return a == b ? 0xffff : 0; }
+[[gnu::always_inline]] inline Words where_equal(Words a, Words b) { return Words(a == b); }
 
-template <bool Even> [[gnu::always_inline]] inline u16 mean_of(u16 sum, u16 half, u16 area, u16 factor, u16 shift) {
-    const u16 t = u16(sum + half), q = high(high(t, factor), shift);
+template <bool Even, class W>
+[[gnu::always_inline]] inline W mean_of(W sum, u16 half, u16 area, u16 factor, u16 shift) {
+    const W t = W(sum + half), q = high_words(high_words(t, factor), shift);
     if constexpr (Even)
-        return u16(q - (u16(q * area) == t ? q & 1 : 0)); // a tie
+        return W(q - (where_equal(W(q * area), t) & q & 1)); // a tie
     else
         return q;
 }
 
-// Windows of 2M + 1 columns, or of 2M.
-template <int M, bool OddWidth, bool EvenArea>
-void mean_bytes_of(u8 *to, const u16 *even, const u16 *odd, int64_t n, const ByteMean &m) {
-    const u16 *__restrict e = even, *__restrict o = odd;
-    u8 *__restrict t = to;
+// Of Many registers, or of a word, of the windows that begin at columns 2i and 2i + 1: pairs of results. The number of
+// columns is looked at as the registers gather, or every width would have loops of its own.
+template <bool OddWidth, bool EvenArea, class W, int Many>
+[[gnu::always_inline]] inline void mean_pairs(u8 *to, const u16 *even, const u16 *odd, int64_t i, const ByteMean &m) {
+    constexpr int size = int(sizeof(W) / sizeof(u16));
     const u16 half = m.area / 2, area = m.area, factor = m.factor, shift = m.shift;
-    // Of the windows that begin at columns 2i and 2i + 1.
-    const auto both = [&](int64_t i, u16 & first, u16 & second) __attribute__((always_inline)) {
-        u16 shared = o[i];
-        for (int k = 1; k < M; ++k) shared = u16(shared + e[i + k] + o[i + k]);
-        if (OddWidth) shared = u16(shared + e[i + M]);
-        first = mean_of<EvenArea>(u16(shared + e[i]), half, area, factor, shift);
-        second = mean_of<EvenArea>(u16(shared + (OddWidth ? o[i + M] : e[i + M])), half, area, factor, shift);
-    };
-    u16 a, b;
-    if (m.phase == 1 && n > 0) {
-        both(0, a, b);
-        *t++ = u8(b);
-        --n;
-        ++e;
-        ++o;
-    }
-    for (int64_t i = 0; i < n / 2; ++i) {
-        both(i, a, b);
-        const u16 w = pair_of(a, b);
-        __builtin_memcpy(t + 2 * i, &w, sizeof w);
-    }
-    if (n & 1) {
-        both(n / 2, a, b); // the row of sums has room for the second one
-        t[n - 1] = u8(a);
+    const int64_t last = m.width / 2;
+    const u16 *const e = even + i, *const o = odd + i;
+    W shared[Many];
+    for (int j = 0; j < Many; ++j) shared[j] = read<W>(o + j * size);
+    for (int64_t k = 1; k < last; ++k)
+        for (int j = 0; j < Many; ++j) shared[j] = W(shared[j] + read<W>(e + k + j * size) + read<W>(o + k + j * size));
+    for (int j = 0; j < Many; ++j) {
+        const W first = read<W>(e + j * size), beyond = read<W>(e + last + j * size);
+        W both = shared[j], next = beyond;
+        if constexpr (OddWidth) {
+            both = W(both + beyond);
+            next = read<W>(o + last + j * size);
+        }
+        const W pairs = pair_of(mean_of<EvenArea>(W(both + first), half, area, factor, shift),
+                                mean_of<EvenArea>(W(both + next), half, area, factor, shift));
+        __builtin_memcpy(to + 2 * (i + j * size), &pairs, sizeof pairs);
     }
 }
 
-template <int M> void mean_bytes_half(u8 *to, const u16 *even, const u16 *odd, int64_t n, const ByteMean &m) {
-    if (m.width & 1)
-        return m.area & 1 ? mean_bytes_of<M, true, false>(to, even, odd, n, m)
-                          : mean_bytes_of<M, true, true>(to, even, odd, n, m);
-    return m.area & 1 ? mean_bytes_of<M, false, false>(to, even, odd, n, m)
-                      : mean_bytes_of<M, false, true>(to, even, odd, n, m);
+template <bool OddWidth, bool EvenArea>
+void mean_bytes_of(u8 *to, const u16 *even, const u16 *odd, int64_t n, const ByteMean &m) {
+    constexpr int64_t size = register_bytes / 2, many = 4;
+    const auto single = [&](int64_t i) { // the row of sums has room for the second one
+        u8 pair[2];
+        mean_pairs<OddWidth, EvenArea, u16, 1>(pair, even + i, odd + i, 0, m);
+        return u16(pair[1] << 8 | pair[0]);
+    };
+    if (m.phase == 1 && n > 0) {
+        *to++ = u8(single(0) >> 8);
+        --n;
+        ++even;
+        ++odd;
+    }
+    const int64_t words = n / 2;
+    int64_t i = 0;
+    for (; i + many * size <= words; i += many * size) mean_pairs<OddWidth, EvenArea, Words, many>(to, even, odd, i, m);
+    if (words < size)
+        for (; i < words; ++i) mean_pairs<OddWidth, EvenArea, u16, 1>(to, even, odd, i, m);
+    for (; i < words; i += size) // some of them twice
+        mean_pairs<OddWidth, EvenArea, Words, 1>(to, even, odd, i + size <= words ? i : words - size, m);
+    if (n & 1) to[n - 1] = u8(single(words));
 }
 
 void mean_bytes(u8 *to, const u16 *even, const u16 *odd, int64_t n, const ByteMean &m) {
-    switch (m.width / 2) {
-    case 1:
-        return mean_bytes_half<1>(to, even, odd, n, m);
-    case 2:
-        return mean_bytes_half<2>(to, even, odd, n, m);
-    case 3:
-        return mean_bytes_half<3>(to, even, odd, n, m);
-    case 4:
-        return mean_bytes_half<4>(to, even, odd, n, m);
-    case 5:
-        return mean_bytes_half<5>(to, even, odd, n, m);
-    case 6:
-        return mean_bytes_half<6>(to, even, odd, n, m);
-    case 7:
-        return mean_bytes_half<7>(to, even, odd, n, m);
-    default:
-        return mean_bytes_half<8>(to, even, odd, n, m);
-    }
+    if (m.width & 1)
+        return m.area & 1 ? mean_bytes_of<true, false>(to, even, odd, n, m)
+                          : mean_bytes_of<true, true>(to, even, odd, n, m);
+    return m.area & 1 ? mean_bytes_of<false, false>(to, even, odd, n, m)
+                      : mean_bytes_of<false, true>(to, even, odd, n, m);
 }
 
 // ---- Windows of 3 or 5 rows and columns: all in registers ----

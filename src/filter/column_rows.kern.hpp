@@ -19,7 +19,10 @@ template <class Op, class T, class Result, int N, int Many>
     for (int j = 0; j < Many; ++j) all[j] = at(0, j);
     for (int64_t k = 1; k < count; ++k)
         for (int j = 0; j < Many; ++j) all[j] = Op::of(all[j], at(k, j));
-    for (int j = 0; j < Many; ++j) __builtin_memcpy(to + i + j * N, &all[j], sizeof(V));
+    for (int j = 0; j < Many; ++j) {
+        const V v = all[j];
+        __builtin_memcpy(to + i + j * N, &v, sizeof v);
+    }
 }
 template <class Op, class T, class Result>
 void columns_across(void *to, const void *const *rows, int64_t count, int64_t n) {

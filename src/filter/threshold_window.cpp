@@ -1,9 +1,11 @@
-// Thresholds that look at the surroundings of a sample.
+// Thresholds that look at the surroundings of a sample. They name the one filter that they take, so that no other comes
+// into a static program.
 #include "compare/compare.hpp"
 #include "compare/threshold.hpp"
 #include "compare/threshold_rows.hpp"
+#include "filter/box.hpp"
+#include "filter/chain.hpp"
 #include "jorm/arith.h"
-#include "jorm/filter.h"
 #include "jorm/sepfilter.h"
 #include "kernel/level_table.hpp"
 #include "xe/scratch.hpp"
@@ -14,6 +16,7 @@
 namespace jorm {
 
 JORM_LEVEL_TABLE(const Row, excess_rows);
+JORM_LEVEL_TABLE(const GroundRows, ground_rows);
 
 namespace {
 
@@ -70,8 +73,8 @@ template <class F> int64_t each_channel(const ThresholdCall &call, const Shape &
 int64_t mean_of_window(const ThresholdCall &call, const Shape &s, const Operand &from, const Operand &to, int32_t n) {
     const jorm_seshape window = square(n);
     const int32_t size[3] = {s.rows, s.pixels, 1};
-    return jorma__efilter(call.xe, inner(call.options), three_axes, size, to.type, to.start, to.stride, from.start,
-                          from.stride, &window, JORM_FILTER_BOX, nullptr, nullptr);
+    return run_bordered(call.xe, inner(call.options), three_axes, size, to.type, to.start, to.stride, from.start,
+                        from.stride, &window, nullptr, nullptr, box);
 }
 
 bool empty(const Shape &s) { return s.rows < 1 || s.pixels < 1; }
@@ -140,24 +143,23 @@ int64_t usto_threshold(const ThresholdCall &call, const jorm_thhmethod *method) 
     const uint64_t options = inner(call.options);
     const Plane difference(call.xe, type, s, s.channels);
     if (!difference) return JORM_ENOMEM;
+    const Level which = level(options);
+    const GroundRows &rows = JORM_OF_LEVEL(ground_rows, which)[real];
+    const Shape one = {3, s.rows, s.pixels, 1, 0};
     const int64_t status = each_channel(call, s, difference, [&](const Operand &from, const Operand &to) -> int64_t {
         const Plane ground(call.xe, type, s, 1), exact(call.xe, real ? JORM_F32 : JORM_S16, s, 1);
         if (!ground || !exact) return JORM_ENOMEM;
-        const Operand g = ground.all(), e = exact.all();
-        const int32_t *const size = exact.size();
-        double mean, shift;
+        const Operand g = ground.all(), e = exact.all(), below[] = {e, g, from}, shifted[] = {to, e};
+        double mean;
         if (int64_t done = mean_of_window(call, s, from, g, 15); done != JORM_OK) return done;
-        if (int64_t done = jorma__sub(call.xe, options, three_axes, size, e.type, e.start, e.stride, g.type, g.start,
-                                      g.stride, from.type, from.start, from.stride, 0, 0);
+        walk_channels(one, below, 3, rows.subtract, RowParams{}, which);
+        if (int64_t done = jorma__mean(call.xe, options, three_axes, exact.size(), e.type, e.start, e.stride, &mean);
             done != JORM_OK)
             return done;
-        if (int64_t done = jorma__mean(call.xe, options, three_axes, size, e.type, e.start, e.stride, &mean);
-            done != JORM_OK)
-            return done;
-        shift = (real ? 0.5 : 128) - mean;
-        const auto add = real ? jorma__addC : jorma__addqC;
-        return add(call.xe, options, three_axes, size, to.type, to.start, to.stride, e.type, e.start, e.stride, &shift,
-                   0, 0);
+        MoveParams p;
+        p.by = (real ? 0.5 : 128) - mean;
+        walk_channels(one, shifted, 2, rows.move, p, which);
+        return JORM_OK;
     });
     return status == JORM_OK ? classify(call, s, difference, method, true) : status;
 }
@@ -171,8 +173,8 @@ int64_t blur_threshold(const ThresholdCall &call, const jorm_thhmethod *method) 
     const int64_t status = each_channel(call, s, blurred, [&](const Operand &from, const Operand &to) {
         const jorm_seshape window = square(5);
         const int32_t size[3] = {s.rows, s.pixels, 1};
-        return jorma__efilter_gaussian(call.xe, inner(call.options), three_axes, size, to.type, to.start,
-                                       to.stride, from.start, from.stride, &window, nullptr, nullptr, nullptr);
+        return jorma__efilter_gaussian(call.xe, inner(call.options), three_axes, size, to.type, to.start, to.stride,
+                                       from.start, from.stride, &window, nullptr, nullptr, nullptr);
     });
     return status == JORM_OK ? classify(call, s, blurred, method, false) : status;
 }
