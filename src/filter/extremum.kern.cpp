@@ -119,12 +119,19 @@ void small_windows(void *const *to, const void *const *rows, int64_t n, int64_t 
 
 // ---- Any windows ----
 
-// Calls f(Count<C>, i) for C registers from element i on until all elements have had their turn, some of them twice,
-// for what is left of a row costs a compiler's loop as much as a thousand elements. C is Many or 1.
-template <class T, int Many, class F> [[gnu::always_inline]] inline void each_register(int64_t n, F f) {
-    int64_t i = 0;
-    for (; i + Many * lanes<T> <= n; i += Many * lanes<T>) f(Count<Many>(), i);
-    for (; i < n; i += lanes<T>) f(Count<1>(), i + lanes<T> <= n ? i : n - lanes<T>);
+// Calls f(Count<C>, i) for C registers from element i on until all of at least a register's elements have had their
+// turn, some of them twice: what is left of a row costs a compiler's loop as much as a thousand elements. C is Many,
+// and for what is left the smallest of Many, Many / 2 ... 1 that covers it.
+template <class T, int Many, class F> [[gnu::always_inline]] inline void each_register(int64_t n, F f, int64_t i = 0) {
+    constexpr int64_t step = Many * lanes<T>;
+    for (; i + step <= n; i += step) f(Count<Many>(), i);
+    if (i >= n) return;
+    if constexpr (Many == 1)
+        f(Count<1>(), n - step);
+    else if (2 * (n - i) > step && n >= step)
+        f(Count<Many>(), n - step);
+    else
+        each_register<T, Many / 2>(n, f, i);
 }
 
 // Windows of N elements.
@@ -159,6 +166,29 @@ template <class Kind, class T> void gather(void *to, const void *const *rows, in
                 for (int j = 0; j < C; ++j) best[j] = Kind::of(best[j], at(k, j));
             for (int j = 0; j < C; ++j) store_lanes(elements<T>(to) + i + j * lanes<T>, best[j]);
         });
+}
+
+template <class Kind, class T>
+void gather_nested(void *const *to, const void *const *rows, const int32_t *end, int64_t groups, int64_t n) {
+    const auto each_group = [&]<class V, int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
+        constexpr int64_t size = sizeof(V) / sizeof(T);
+        V best[C];
+        const auto at = [&](int64_t k, int j) { return read<V>(elements<T>(rows[k]) + i + j * size); };
+        for (int j = 0; j < C; ++j) best[j] = at(0, j);
+        for (int64_t k = 1, group = 0; group < groups; ++group) {
+            for (; k < end[group]; ++k)
+                for (int j = 0; j < C; ++j) best[j] = Kind::of(best[j], at(k, j));
+            T *const line = elements<T>(to[group]);
+            for (int j = 0; j < C; ++j) __builtin_memcpy(line + i + j * size, &best[j], sizeof(V));
+        }
+    };
+    if (n < lanes<T>) {
+        for (int64_t i = 0; i < n; ++i) each_group.template operator()<T>(Count<1>(), i);
+        return;
+    }
+    each_register<T, 8>(
+        n, [&]<int C>(Count<C> many, int64_t i)
+               __attribute__((always_inline)) { each_group.template operator()<Lanes<T>>(many, i); });
 }
 
 // Windows of twice and four times as many elements until two or four of them, overlapping, make the one wanted.
@@ -237,7 +267,10 @@ template <class T> void subtract(void *to, const void *a, const void *b, int64_t
 } // namespace
 
 #define LINE(Kind, T, small, unordered)                                                                                \
-    { lanes<T>, small, column_rows<Kind, T, T>, gather<Kind, T>, unordered, subtract<T>, pair<Kind, T>, along<Kind, T> }
+    {                                                                                                                  \
+        lanes<T>, small, column_rows<Kind, T, T>, gather<Kind, T>, gather_nested<Kind, T>, unordered, subtract<T>,     \
+            pair<Kind, T>, along<Kind, T>                                                                              \
+    }
 #define ORDERED(Kind, T, unordered) LINE(Kind<true>, T, (small_windows<Kind<true>, T>), unordered)
 #define LINES(Kind)                                                                                                    \
     ORDERED(Kind, u8, nullptr), ORDERED(Kind, s16, nullptr), ORDERED(Kind, s32, nullptr),                              \

@@ -9,13 +9,9 @@ namespace jorm {
 
 // Calls f(plane, row, start, length) for every run.
 template <class F> static void each_run(const jorm_strel &s, const WindowCall &c, F f) {
-    const char *const start = static_cast<const char *>(s.mask.base) + s.mask.loff;
     for (int64_t row = 0; row < c.extent[0] * c.extent[1]; ++row) {
-        const char *const elements =
-            start + row / c.extent[1] * s.mask.stride[0] + row % c.extent[1] * s.mask.stride[1];
         for (int64_t x = 0, length; x < c.extent[2]; x += length + 1) {
-            for (length = 0; x + length < c.extent[2] && uint8_t(elements[(x + length) * s.mask.stride[2]]) == 255;)
-                ++length;
+            for (length = 0; x + length < c.extent[2] && in_mask(s, c, row, x + length);) ++length;
             if (length > 0) f(int32_t(row / c.extent[1]), int32_t(row % c.extent[1]), int32_t(x), int32_t(length));
         }
     }

@@ -4,6 +4,13 @@
 
 namespace jorm {
 
+// Does an element of a mask belong to the window? Its rows are counted through all planes.
+inline bool in_mask(const jorm_strel &s, const WindowCall &c, int64_t row, int64_t x) {
+    const char *const start = static_cast<const char *>(s.mask.base) + s.mask.loff;
+    return uint8_t(start[row / c.extent[1] * s.mask.stride[0] + row % c.extent[1] * s.mask.stride[1] +
+                         x * s.mask.stride[2]]) == 255;
+}
+
 // A run of mask elements that belong to the window, in a row of it.
 struct MaskRun {
     int32_t plane, row; // of the window
@@ -14,6 +21,8 @@ struct MaskRun {
 // The runs of a mask.
 class MaskRuns {
 public:
+    using Stage = class MaskStage;
+
     int64_t open(jorm_xe *xe, const jorm_strel &strel, const WindowCall &call);
 
     int64_t count = 0, lengths = 0;

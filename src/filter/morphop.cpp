@@ -1,6 +1,7 @@
 // Morphology with structuring elements of any shape.
 #include "filter/composite.hpp"
 #include "filter/mask.hpp"
+#include "filter/nested.hpp"
 
 #include "jorm/copy.h"
 #include "jorm/morphology.h"
@@ -33,17 +34,27 @@ bool valid_mask(const jorm_strel *s) {
 
 int64_t serves(const WindowCall &c) { return window_line(c.type) < 0 || channel_group(c.code) < 0 ? JORM_EINVAL : 0; }
 
+// Calls f with the mask in the form that serves it best.
+template <class F> int64_t with_mask(const WindowCall &c, const jorm_strel &strel, F f) {
+    NestedColumns columns;
+    if (const int64_t status = columns.open(c.xe, strel, c); status != JORM_OK) return status;
+    if (columns.serve()) return f(columns);
+    MaskRuns runs;
+    const int64_t status = runs.open(c.xe, strel, c);
+    return status == JORM_OK ? f(runs) : status;
+}
+
 int64_t run_extremum(WindowCall &c, const jorm_strel &strel, Extreme which) {
     if (const int64_t status = serves(c); status != JORM_OK || check_only(c)) return status;
-    PreparedCall prepared;
-    if (const int64_t status = prepared.prepare(c); status != JORM_OK) return status;
-    WindowRows rows;
-    if (const int64_t status = rows.open(c); status != JORM_OK) return status;
-    MaskRuns runs;
-    if (const int64_t status = runs.open(c.xe, strel, c); status != JORM_OK) return status;
-    MaskStage stage;
-    const int64_t status = stage.open(rows, which, runs);
-    return status == JORM_OK ? run_stage(c, stage) : status;
+    return with_mask(c, strel, [&]<class Mask>(const Mask &mask) {
+        PreparedCall prepared;
+        if (const int64_t status = prepared.prepare(c); status != JORM_OK) return status;
+        WindowRows rows;
+        if (const int64_t status = rows.open(c); status != JORM_OK) return status;
+        typename Mask::Stage stage;
+        const int64_t status = stage.open(rows, which, mask);
+        return status == JORM_OK ? run_stage(c, stage) : status;
+    });
 }
 
 int64_t run_composite_of(WindowCall &c, const jorm_strel &strel, Composite which) {
@@ -52,10 +63,11 @@ int64_t run_composite_of(WindowCall &c, const jorm_strel &strel, Composite which
         return status != JORM_OK || check_only(c) ? status : rectangular_composite(c, which);
     }
     if (const int64_t status = serves(c); status != JORM_OK || check_only(c)) return status;
-    MaskRuns runs;
-    if (const int64_t status = runs.open(c.xe, strel, c); status != JORM_OK) return status;
-    return run_composite<MaskStage>(
-        c, which, [&](MaskStage &stage, WindowRows &rows, Extreme extreme) { return stage.open(rows, extreme, runs); });
+    return with_mask(c, strel, [&]<class Mask>(const Mask &mask) {
+        using Stage = typename Mask::Stage;
+        return run_composite<Stage>(
+            c, which, [&](Stage &stage, WindowRows &rows, Extreme extreme) { return stage.open(rows, extreme, mask); });
+    });
 }
 
 int64_t run_morphop(WindowCall &c, uint32_t op, const jorm_strel &strel) {

@@ -1,0 +1,144 @@
+#include "filter/nested.hpp"
+
+#include "filter/mask.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace jorm {
+
+// A column with n rows in it has all rows of those with fewer when every row is in all columns with more than some
+// number of rows and in no others.
+int64_t NestedColumns::open(jorm_xe *xe, const jorm_strel &strel, const WindowCall &c) {
+    const int64_t all_rows = c.extent[0] * c.extent[1], columns = c.extent[2];
+    if (all_rows > INT32_MAX) return JORM_OK;
+    memory_.emplace(xe,
+                    scratch_bytes(2 * columns + 2 * all_rows, sizeof(int32_t)) +
+                        scratch_bytes(columns, sizeof(Doubled) + sizeof(Place)),
+                    alignof(Doubled));
+    if (!*memory_) return JORM_ENOMEM;
+    auto *const count = memory_->as<int32_t>(), *const ends = count + columns, *const least = ends + columns,
+                *const order = least + all_rows;
+    auto *const to_double = reinterpret_cast<Doubled *>(order + all_rows);
+    auto *const to_place = reinterpret_cast<Place *>(to_double + columns);
+
+    std::fill(count, count + columns, 0);
+    for (int64_t r = 0; r < all_rows; ++r)
+        for (int64_t x = 0; x < columns; ++x) count[x] += in_mask(strel, c, r, x);
+    for (int64_t r = 0; r < all_rows; ++r) {
+        int32_t without = 0;
+        least[r] = INT32_MAX;
+        for (int64_t x = 0; x < columns; ++x)
+            if (in_mask(strel, c, r, x))
+                least[r] = std::min(least[r], count[x]);
+            else
+                without = std::max(without, count[x]);
+        if (without >= least[r]) return JORM_OK;
+        if (least[r] < INT32_MAX) order[rows++] = int32_t(r);
+    }
+    std::sort(order, order + rows,
+              [&](int32_t a, int32_t b) { return least[a] != least[b] ? least[a] < least[b] : a < b; });
+
+    // As many rows as a column of a group has.
+    std::copy(count, count + columns, ends);
+    std::sort(ends, ends + columns);
+    int32_t *const first = std::upper_bound(ends, ends + columns, 0);
+    groups = int32_t(std::unique(first, ends + columns) - first);
+    end = first;
+    row = order;
+    doubled = to_double;
+    place = to_place;
+    list_places(count, int32_t(columns), to_double, to_place);
+    return JORM_OK;
+}
+
+// Every run of equal columns as places in a line that has been doubled so often that making it and looking at it take
+// the fewest steps.
+void NestedColumns::list_places(const int32_t *count, int32_t columns, Doubled *to_double, Place *to_place) {
+    for (int32_t group = 0; group < groups; ++group) {
+        const auto each_run = [&](auto f) {
+            for (int32_t x = 0, n; x < columns; x += n + 1) {
+                for (n = 0; x + n < columns && count[x + n] == end[group];) ++n;
+                if (n > 0) f(x, n);
+            }
+        };
+        const auto steps = [](int32_t n, int times) { // of a run, and which line they are in
+            const int which = std::min(times, 31 - __builtin_clz(unsigned(n)));
+            return std::pair((n + (1 << which) - 1) >> which, which);
+        };
+        int32_t least = INT32_MAX, longest = 1;
+        int times = 0;
+        each_run([&](int32_t, int32_t n) { longest = std::max(longest, n); });
+        for (int k = 0; longest >> k > 0; ++k) {
+            int32_t cost = 3 * k; // two loads and a store
+            each_run([&](int32_t, int32_t n) { cost += steps(n, k).first; });
+            if (cost < least) least = cost, times = k;
+        }
+        const int32_t first_doubled = groups + doubled_lines - 1;
+        each_run([&](int32_t x, int32_t n) {
+            const auto [many, which] = steps(n, times);
+            for (int32_t k = 0; k < many; ++k)
+                to_place[places++] = {which == 0 ? group : first_doubled + which,
+                                      x + std::min(k << which, n - (1 << which))};
+        });
+        for (int k = 0; k < times; ++k) to_double[doubled_lines++] = {k == 0 ? group : first_doubled + k, 1 << k};
+    }
+}
+
+int64_t NestedStage::open(WindowRows &in, Extreme which, const NestedColumns &mask) {
+    in_ = &in;
+    mask_ = &mask;
+    const WindowCall &c = in.call();
+    rows_.open(c, which);
+    pitch_ = ring_pitch(in.whole() * c.element());
+    const int32_t lines = mask.groups + mask.doubled_lines;
+    const size_t ring = scratch_bytes(c.extent[0], c.extent[1], pitch_), made = scratch_bytes(lines, pitch_),
+                 lists = scratch_bytes(lines + mask.rows + mask.places, sizeof(void *));
+    if (ring > SIZE_MAX / 4 || made > SIZE_MAX / 4) return JORM_ENOMEM;
+    memory_.emplace(c.xe, ring + made + lists, 64);
+    if (!*memory_) return JORM_ENOMEM;
+    ring_ = memory_->as<char>();
+    lines_ = ring_ + ring;
+    line_list_ = reinterpret_cast<void **>(lines_ + made);
+    place_list_ = const_cast<const void **>(line_list_ + lines);
+    row_list_ = place_list_ + mask.places;
+    for (int32_t i = 0; i < lines; ++i) line_list_[i] = lines_ + i * pitch_;
+    for (int32_t i = 0; i < mask.places; ++i)
+        place_list_[i] = lines_ + mask.place[i].line * pitch_ + mask.place[i].column * c.pixel();
+    return JORM_OK;
+}
+
+void NestedStage::begin_plane(int64_t z) {
+    in_->begin_plane(z);
+    taken_ = -in_->call().before[1];
+}
+
+// Row v of every plane of the window, whole.
+void NestedStage::take(int64_t v) {
+    const WindowCall &c = in_->call();
+    for (int64_t d = 0; d < c.extent[0]; ++d) {
+        char *const to = ring_ + (d * c.extent[1] + (v + c.before[1]) % c.extent[1]) * pitch_;
+        char *const bare = to + in_->left * c.element();
+        std::memcpy(bare, in_->row(d, v), size_t(in_->bare * c.element()));
+        rows_.meet(bare, in_->bare);
+        in_->complete(to, c.element());
+    }
+}
+
+void NestedStage::produce(int64_t y, void *row) {
+    const WindowCall &c = in_->call();
+    while (taken_ <= y + c.after(1)) take(taken_++);
+    for (int32_t i = 0; i < mask_->rows; ++i) {
+        const int64_t r = mask_->row[i], k = r % c.extent[1];
+        row_list_[i] = ring_ + (r - k + (y + k) % c.extent[1]) * pitch_;
+    }
+    rows_->gather_nested(line_list_, row_list_, mask_->end, mask_->groups, in_->whole());
+    for (int32_t i = 0; i < mask_->doubled_lines; ++i) {
+        const auto [from, apart] = mask_->doubled[i];
+        rows_->pair(line_list_[mask_->groups + i], line_list_[from], in_->whole() - (2 * apart - 1) * c.channels,
+                    apart * c.channels);
+    }
+    rows_->gather(row, place_list_, mask_->places, c.row_elements());
+}
+
+} // namespace jorm
