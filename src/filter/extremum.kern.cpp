@@ -72,14 +72,14 @@ void small_windows_of(void *const *to_rows, const void *const *all_rows, int64_t
     // The ends of the row in a line, for windows that reach beyond it.
     alignas(register_bytes) T line[N][4 * size];
     Columns a(rows, 0);
-    const int64_t last = n - size, after_left = K - 1 - e.left, before_right = K - 1 - e.right;
+    const int64_t left = e.left, last = n - size, after_left = K - 1 - left, before_right = K - 1 - e.right;
     const Columns after_first(rows, after_left), before_last(rows, last - before_right), at_last(rows, last);
     for (int r = 0; r < N; ++r) {
-        store_lanes(line[r] + e.left, a.of[r][0]);
+        store_lanes(line[r] + left, a.of[r][0]);
         store_lanes(line[r] + K - 1, after_first.of[r][0]);
         store_lanes(line[r] + 2 * size, before_last.of[r][0]);
         store_lanes(line[r] + 2 * size + before_right, at_last.of[r][0]);
-        for (int64_t i = 0; i < e.left + e.right; ++i) line[r][e.copy[i].to] = line[r][e.copy[i].from];
+        for (int64_t i = 0; i < left + e.right; ++i) line[r][e.copy[i].to] = line[r][e.copy[i].from];
     }
     const auto at_end = [&](int64_t i, int r, const T *from) __attribute__((always_inline)) {
         const auto x = read<Lanes<T>>(from), next = read<Lanes<T>>(from + size);
@@ -92,7 +92,7 @@ void small_windows_of(void *const *to_rows, const void *const *all_rows, int64_t
         const SmallColumns<Kind, T, N, K, Many> next(rows, i + size);
         for (int r = 0; r < N; ++r)
             for (int j = 0; j < Many; ++j) {
-                store_lanes(to[r] + e.left + i + j * size, windows_of<Kind, T, K>(a.of[r][0], next.of[r][j]));
+                store_lanes(to[r] + left + i + j * size, windows_of<Kind, T, K>(a.of[r][0], next.of[r][j]));
                 a.of[r][0] = next.of[r][j];
             }
         i += Many * size;
@@ -105,8 +105,8 @@ void small_windows_of(void *const *to_rows, const void *const *all_rows, int64_t
         inner(Count<1>());
     }
     for (int r = 0; r < N; ++r) {
-        if (e.left > 0) at_end(0, r, line[r]);
-        at_end(e.left + last - before_right, r, line[r] + 2 * size);
+        if (left > 0) at_end(0, r, line[r]);
+        at_end(left + last - before_right, r, line[r] + 2 * size);
     }
 }
 template <class Kind, class T>
