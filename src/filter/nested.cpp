@@ -45,6 +45,11 @@ int64_t NestedColumns::open(jorm_xe *xe, const jorm_strel &strel, const WindowCa
     int32_t *const first = std::upper_bound(ends, ends + columns, 0);
     groups = int32_t(std::unique(first, ends + columns) - first);
     end = first;
+    for (int32_t i = 0; i < rows; ++i) {
+        least[i] = int32_t(order[i] / c.extent[1]); // has served
+        order[i] = int32_t(order[i] % c.extent[1]);
+    }
+    plane = least;
     row = order;
     doubled = to_double;
     place = to_place;
@@ -128,9 +133,10 @@ void NestedStage::take(int64_t v) {
 void NestedStage::produce(int64_t y, void *row) {
     const WindowCall &c = in_->call();
     while (taken_ <= y + c.after(1)) take(taken_++);
+    const int64_t first = y % c.extent[1]; // slot of the window's first row
     for (int32_t i = 0; i < mask_->rows; ++i) {
-        const int64_t r = mask_->row[i], k = r % c.extent[1];
-        row_list_[i] = ring_ + (r - k + (y + k) % c.extent[1]) * pitch_;
+        const int64_t slot = first + mask_->row[i] - (first + mask_->row[i] < c.extent[1] ? 0 : c.extent[1]);
+        row_list_[i] = ring_ + (mask_->plane[i] * c.extent[1] + slot) * pitch_;
     }
     rows_->gather_nested(line_list_, row_list_, mask_->end, mask_->groups, in_->whole());
     for (int32_t i = 0; i < mask_->doubled_lines; ++i) {

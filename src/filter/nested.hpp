@@ -22,8 +22,8 @@ public:
         int32_t line, column;
     };
     int32_t groups = 0, doubled_lines = 0, rows = 0, places = 0;
-    const int32_t *end = nullptr; // of the rows of each group
-    const int32_t *row = nullptr; // of the window, those of its planes one after the other
+    const int32_t *end = nullptr;                   // of the rows of each group
+    const int32_t *plane = nullptr, *row = nullptr; // of the window, for each of the rows
     const Doubled *doubled = nullptr;
     const Place *place = nullptr; // all that a window looks at
 
