@@ -75,7 +75,7 @@ private:
 // Memory that cannot be left unnoticed on either side.
 class Guarded {
 public:
-    static constexpr size_t bytes = 1 << 16;
+    static constexpr size_t bytes = 1 << 15;
     Guarded() {
         const size_t guard = 1 << 16;
         void *const all = mmap(nullptr, bytes + 2 * guard, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
