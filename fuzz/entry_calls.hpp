@@ -7,6 +7,8 @@
 #include "xe/level.hpp"
 
 #include <algorithm>
+#include <functional>
+#include <string>
 #include <tuple>
 #include <vector>
 
@@ -186,6 +188,8 @@ public:
         if (r.one_in(10)) break_up(a);
         return r.one_in(40) ? nullptr : &a;
     }
+
+    jorm_array &array(int i) { return array_[i]; }
 
     // ---- What a call may and may not do ----
 
@@ -371,31 +375,15 @@ private:
         static const uint32_t channels[] = {0, 5, 6, 7, 12, 13, 14, 15, 16, 0x80000001};
         static const uint32_t types[] = {0, 5, 6, 7, 8, 15, 16, 0x10001, 0xFFFFFFFF};
         const int k = r.in(4 - (a.ndims == 4), 3) % 4;
-        switch (r.in(0, 7)) {
-        case 0:
-            a.base = nullptr;
-            break;
-        case 1:
-            a.eltype = r.of(types);
-            break;
-        case 2:
-            a.ndims = uint16_t(r.in(0, 2));
-            break;
-        case 3:
-            a.ndims = uint16_t(r.in(5, 300));
-            break;
-        case 4:
-            a.extent[k == 3 ? 2 : k] = 0;
-            break;
-        case 5:
-            a.extent[1 + r.in(0, 1)] = uint32_t(-r.in(1, 300));
-            break;
-        case 6:
-            a.extent[3] = r.of(channels);
-            break;
-        default:
-            a.parent_extent[1 + r.in(0, 1)] = 0;
-        }
+        const int way = r.in(0, 7);
+        if (way == 0) a.base = nullptr;
+        if (way == 1) a.eltype = r.of(types);
+        if (way == 2) a.ndims = uint16_t(r.in(0, 2));
+        if (way == 3) a.ndims = uint16_t(r.in(5, 300));
+        if (way == 4) a.extent[k == 3 ? 2 : k] = 0;
+        if (way == 5) a.extent[1 + r.in(0, 1)] = uint32_t(-r.in(1, 300));
+        if (way == 6) a.extent[3] = r.of(channels);
+        if (way == 7) a.parent_extent[1 + r.in(0, 1)] = 0;
     }
 
     bool destination_in_order() const { return has_destination_ && in_order(array_[0]); }
@@ -477,19 +465,22 @@ template <class... A> void call(const char *name, int64_t (*entry)(A...), const 
     want(same, "dense copies make a difference");
 }
 
-struct Entry {
-    const char *name;
-    void (*run)(const Entry &, ByteReader &);
-    const char *roles;
-};
-template <auto entry> void run_entry(const Entry &line, ByteReader &r) { call(line.name, entry, line.roles, r); }
-#define JORM_FUZZ_ENTRY(name, roles)                                                                                   \
-    fuzz::Entry { #name, fuzz::run_entry < name>, roles }
+// Calls f(name, entry) for each of some entries, whose names stand between commas.
+template <class F, class... Entries> void each_entry(F f, const char *names, Entries... entries) {
+    const auto next = [&] {
+        const std::string name(names, std::strcspn(names, ","));
+        names += name.size() + std::strspn(names + name.size(), ", ");
+        return name;
+    };
+    (f(next(), entries), ...);
+}
 
-template <size_t n> int run_any(const Entry (&table)[n], const uint8_t *data, size_t size) {
+using Entry = std::function<void(ByteReader &)>;
+#define JORM_FUZZ_ENTRY(name, roles) fuzz::Entry([](fuzz::ByteReader &r) { fuzz::call(#name, name, roles, r); })
+
+template <class Table> int run_any(const Table &table, const uint8_t *data, size_t size) {
     ByteReader r(data, size);
-    const Entry &line = table[r.byte() % n];
-    line.run(line, r);
+    table[r.byte() % std::size(table)](r);
     return 0;
 }
 
