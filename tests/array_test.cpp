@@ -14,66 +14,6 @@ jorm_array make_array(const Index &extent, int32_t ndims = 3) {
 }
 template <class T> Index slots(const T *v) { return {int32_t(v[0]), int32_t(v[1]), int32_t(v[2]), int32_t(v[3])}; }
 
-struct Family {
-    const char *name;
-    uint32_t (*oracle)(int64_t, int64_t);
-    std::vector<int32_t *(*)(int32_t, int32_t *, const int32_t *, const int32_t *)> counted;
-    std::vector<int32_t *(*)(uint32_t, int32_t *, const int32_t *, const int32_t *)> masked, packed;
-    std::vector<int32_t *(*)(int32_t, int32_t *, const int32_t *)> counted_i;
-    std::vector<int32_t *(*)(uint32_t, int32_t *, const int32_t *)> masked_i, packed_i;
-};
-
-// Every form of a family on its own slots: which are changed, to what, and that the others stay.
-TEST(Vec, BinaryFamilies) {
-#define FAMILY(op, oracle)                                                                                             \
-    {                                                                                                                  \
-#op, [](int64_t a, int64_t b) { return uint32_t(oracle); }, {jorm_vec__##op, jorm_vec__##op##_$S },            \
-                                                                     {jorm_vec_##op, jorm_vec_##op##_$S },             \
-                                                                      {jorm_vec_##op##_$L, jorm_vec_##op##_$LS },      \
-                                                                       {jorm_vec__##op##_$I, jorm_vec__##op##_$IS },   \
-                                                                        {jorm_vec_##op##_$I, jorm_vec_##op##_$IS }, {  \
-            jorm_vec_##op##_$IL, jorm_vec_##op##_$ILS                                                                  \
-        }                                                                                                              \
-    }
-    const Family families[] = {FAMILY(add, a + b), FAMILY(sub, a - b), FAMILY(rsb, b - a), FAMILY(min, std::min(a, b)),
-                               FAMILY(max, std::max(a, b))};
-    Random r(7);
-    const auto random_vec = [&] {
-        Index v;
-        for (auto &x : v)
-            x = r.one_in(3) ? r.of(std::array{INT_MIN, INT_MIN + 1, -1, 0, 1, INT_MAX}) : r.in(-1000, 1000);
-        return v;
-    };
-    for (const Family &f : families)
-        for (int round = 0; round < 200; ++round) {
-            SCOPED_TRACE(f.name);
-            const Index a = random_vec(), b = random_vec(), blank = {5, 6, 7, 8};
-            const int n = r.in(0, 4), lead = n ? 4 - n : 0;
-            const bool null = round % 4 == 0; // stands for zeros, in place for nothing
-            const auto check = [&](const auto &apart, const auto &in_place, auto slots, int first, int count) {
-                Index fresh = blank, changed = a;
-                for (int i = 0; i < count; ++i)
-                    fresh[size_t(i)] = int32_t(f.oracle(a[size_t(i)], null ? 0 : b[size_t(i)]));
-                if (!null) std::copy_n(fresh.begin(), count, changed.begin());
-                const int32_t *const second = null ? nullptr : &b[size_t(first)];
-                for (auto form : apart) {
-                    Index d = blank;
-                    EXPECT_EQ(form(slots, &d[size_t(first)], &a[size_t(first)], second), &d[size_t(first)]);
-                    EXPECT_EQ(d, fresh);
-                    EXPECT_EQ(form(slots, nullptr, &a[size_t(first)], &b[size_t(first)]), nullptr);
-                }
-                for (auto form : in_place) {
-                    Index d = a;
-                    EXPECT_EQ(form(slots, &d[size_t(first)], second), &d[size_t(first)]);
-                    EXPECT_EQ(d, changed);
-                }
-            };
-            check(f.counted, f.counted_i, n, 0, n);
-            check(f.masked, f.masked_i, 0xFFFFFF70u | uint32_t(n), 0, n);
-            check(f.packed, f.packed_i, JORM_WORD(n ? n : 4), lead, 4);
-        }
-}
-
 // The three ways to give n slots: as a count, in the low bits, in a word with operands that begin at the first used
 // one.
 template <class Test, class Counted, class Masked, class Packed>
@@ -81,6 +21,57 @@ void each_form(int n, Test test, Counted counted, Masked masked, Packed packed) 
     test(counted, n, 0, n);
     test(masked, 0xFFFFFF70u | uint32_t(n), 0, n);
     test(packed, JORM_WORD(n ? n : 4), n ? 4 - n : 0, 4);
+}
+
+Index random_vec(Random &r) {
+    Index v;
+    for (auto &x : v) x = r.one_in(3) ? r.of(std::array{INT_MIN, INT_MIN + 1, -1, 0, 1, INT_MAX}) : r.in(-1000, 1000);
+    return v;
+}
+
+// Every form of a family on its own slots: which are changed, to what, and that the others stay.
+TEST(Vec, BinaryFamilies) {
+    Random r(7);
+    for (int round = 0; round < 200; ++round) {
+        const Index a = random_vec(r), b = random_vec(r), blank = {5, 6, 7, 8};
+        const int n = r.in(0, 4);
+        const bool null = round % 4 == 0; // stands for zeros, in place for nothing
+        const auto expected = [&](auto oracle, Index d, int count) {
+            for (size_t i = 0; i < size_t(count); ++i) d[i] = int32_t(oracle(int64_t(a[i]), null ? 0 : int64_t(b[i])));
+            return d;
+        };
+        const auto apart = [&](auto oracle) {
+            return [&, oracle](auto form, auto slots, int first, int count) {
+                Index d = blank;
+                EXPECT_EQ(form(slots, d.data() + first, a.data() + first, null ? nullptr : b.data() + first),
+                          d.data() + first);
+                EXPECT_EQ(d, expected(oracle, blank, count));
+                EXPECT_EQ(form(slots, nullptr, a.data() + first, b.data() + first), nullptr);
+            };
+        };
+        const auto in_place = [&](auto oracle) {
+            return [&, oracle](auto form, auto slots, int first, int count) {
+                Index d = a;
+                EXPECT_EQ(form(slots, d.data() + first, null ? nullptr : b.data() + first), d.data() + first);
+                EXPECT_EQ(d, null ? a : expected(oracle, a, count));
+            };
+        };
+#define FAMILY(op, value)                                                                                              \
+    {                                                                                                                  \
+        SCOPED_TRACE(#op);                                                                                             \
+        const auto oracle = [](int64_t x, int64_t y) { return uint32_t(value); };                                      \
+        each_form(n, apart(oracle), jorm_vec__##op, jorm_vec_##op, jorm_vec_##op##_$L);                                \
+        each_form(n, apart(oracle), jorm_vec__##op##_$S, jorm_vec_##op##_$S, jorm_vec_##op##_$LS);                     \
+        each_form(n, in_place(oracle), jorm_vec__##op##_$I, jorm_vec_##op##_$I, jorm_vec_##op##_$IL);                  \
+        each_form(n, in_place(oracle), jorm_vec__##op##_$IS, jorm_vec_##op##_$IS, jorm_vec_##op##_$ILS);               \
+    }
+        FAMILY(add, x + y)
+        FAMILY(sub, x - y)
+        FAMILY(rsb, y - x)
+        FAMILY(min, std::min(x, y))
+        FAMILY(max, std::max(x, y))
+#undef FAMILY
+    }
 }
 
 TEST(Vec, UnaryFamiliesAndComparisons) {
@@ -99,15 +90,15 @@ TEST(Vec, UnaryFamiliesAndComparisons) {
             return [&, oracle](auto form, auto slots, int first, int count) {
                 Index d = blank, want = blank;
                 for (int i = 0; i < count; ++i) want[size_t(i)] = oracle(null ? 0 : a[size_t(i)]);
-                EXPECT_EQ(form(slots, &d[size_t(first)], null ? nullptr : &a[size_t(first)]), &d[size_t(first)]);
+                EXPECT_EQ(form(slots, d.data() + first, null ? nullptr : a.data() + first), d.data() + first);
                 EXPECT_EQ(d, want);
             };
         };
         const auto compares = [&](const Index &other) {
             return [&](auto form, auto slots, int first, int count) {
                 const bool equal = std::equal(a.begin(), a.begin() + count, other.begin());
-                EXPECT_EQ(form(slots, &a[size_t(first)], &other[size_t(first)]), equal);
-                EXPECT_EQ(form(slots, &other[size_t(first)], &a[size_t(first)]), equal);
+                EXPECT_EQ(form(slots, a.data() + first, other.data() + first), equal);
+                EXPECT_EQ(form(slots, other.data() + first, a.data() + first), equal);
             };
         };
         const auto copy = writes([](int32_t v) { return v; });
@@ -126,7 +117,7 @@ TEST(Vec, UnaryFamiliesAndComparisons) {
         each_form(n, compares(b), jorm_vec__equal, jorm_vec_equal, jorm_vec_equal_$L);
         each_form(n, compares(b), jorm_vec__equal_$S, jorm_vec_equal_$S, jorm_vec_equal_$LS);
         const auto is_zero = [&](auto form, auto slots, int first, int count) {
-            EXPECT_EQ(form(slots, &a[size_t(first)]), std::count(a.begin(), a.begin() + count, 0) == count);
+            EXPECT_EQ(form(slots, a.data() + first), std::count(a.begin(), a.begin() + count, 0) == count);
             EXPECT_EQ(form(slots, nullptr), 1);
         };
         each_form(n, is_zero, jorm_vec__equal0, jorm_vec_equal0, jorm_vec_equal0_$L);
@@ -145,13 +136,13 @@ TEST(Vec, OffsetsThereAndBack) {
             const auto sums = [&](auto form, auto slots, int first, int count) {
                 int64_t sum = 0;
                 for (size_t i = 0; i < size_t(count); ++i) sum += int64_t(place[i]) * dense[i];
-                EXPECT_EQ(form(slots, &place[size_t(first)], &dense[size_t(first)]), sum);
+                EXPECT_EQ(form(slots, place.data() + first, dense.data() + first), sum);
             };
             const auto returns = [&](auto form, auto slots, int first, int count) {
                 const int64_t sum = jorm_vec__mkloff(count, place.data(), dense.data());
                 Index back = {}, want = {};
                 std::copy_n(place.begin(), count, want.begin());
-                EXPECT_EQ(form(slots, &back[size_t(first)], &dense[size_t(first)], sum), &back[size_t(first)]);
+                EXPECT_EQ(form(slots, back.data() + first, dense.data() + first, sum), back.data() + first);
                 EXPECT_EQ(back, want);
             };
             each_form(n, sums, jorm_vec__mkloff, jorm_vec_mkloff, jorm_vec_mkloff_$L);

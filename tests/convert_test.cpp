@@ -171,19 +171,21 @@ TEST_F(Convert, EveryFormInEveryLayout) {
                     offset[c] = c && round % 2 ? offset[0] : tie;
                     if (round % 7 == 6) (r.one_in(2) ? gain : offset)[c] = r.of(odd);
                 }
+                const Part part(r, extent);
+                const int32_t *const at = part.whole ? nullptr : part.site.origin;
                 const double *const g = round % 11 == 5 ? nullptr : gain, *const o = round % 3 == 1 ? nullptr : offset;
                 vrng to[4], from[4];
                 for (int c = 0; c < 4; ++c) to[c] = {1, 100.5}, from[c] = {-50, 200};
                 SCOPED_TRACE(testing::Message() << d << " <- " << s << ", way " << way << ", round " << round);
                 expect_block(
-                    dst, dst.a, {}, extent, JORM_OK,
+                    dst, dst.a, part.origin, part.size, JORM_OK,
                     [&] {
-                        if (way > 1) return JormGain(nullptr, 0, &dst.a, &src.a, g, o, nullptr, nullptr);
-                        return JormVConvert(xe, 0, &dst.a, &src.a, nullptr, nullptr, way ? to : nullptr,
+                        if (way > 1) return JormGain(nullptr, 0, &dst.a, &src.a, g, o, part.roi(), at);
+                        return JormVConvert(xe, 0, &dst.a, &src.a, part.roi(), at, way ? to : nullptr,
                                             way ? from : nullptr);
                     },
                     [&](const Index &i) {
-                        const double x = src.get(i);
+                        const double x = src.get(sum(i, part.origin));
                         if (way > 1) return gained(d, x, g ? g[i[3]] : 1, o ? o[i[3]] : 0);
                         return converted(d, way ? mapped(x, to[i[3]], source) : x);
                     },
@@ -191,37 +193,26 @@ TEST_F(Convert, EveryFormInEveryLayout) {
             }
 }
 
-TEST_F(Convert, GainRegionsAndStatuses) {
-    Picture src = picture(JORM_S16, {1, 4, 6, 3}), dst = picture(JORM_U8, {1, 4, 6, 3});
-    const Picture before = picture(JORM_U8, {1, 4, 6, 3});
-    const jorm_site roi = {{0, 1, 2, 1}, {1, 9, 3, 2}};
-    const double gain[] = {0.25, -3};
-    const int32_t at[4] = {0, 2, 0, 1}, past[4] = {0, 4, 0, 0};
-    ASSERT_EQ(JormGain(xe, 0, &dst.a, &src.a, gain, nullptr, &roi, at), 0);
-    each({1, 2, 3, 2}, [&](const Index &i) {
-        EXPECT_EQ(dst.get(sum(i, {0, 1, 2, 1})), gained(JORM_U8, src.get(sum(i, {0, 2, 0, 1})), gain[i[3]], 0));
-    });
+TEST_F(Convert, GainOfPlanesAndStatuses) {
     Picture twin = picture(JORM_F32, {2, 2, 5, 1}, 4), flat = picture(JORM_F32, {1, 2, 5, 1});
     const jorm_site plane = {{1, 0, 0, 0}, {1, 2, 5, 1}};
+    const double gain[] = {0.25};
     ASSERT_EQ(JormGain(nullptr, 0, &twin.a, &flat.a, gain, nullptr, &plane, nullptr), 0);
     EXPECT_TRUE(same(twin.get({1, 1, 4, 0}), gained(JORM_F32, flat.get({0, 1, 4, 0}), 0.25, 0)));
-    const Bytes memory = dst.memory;
+    const Bytes memory = twin.memory;
     const auto typed = [&](uint32_t d, uint32_t s, uint16_t ndims = 3) {
-        jorm_array a = dst.a, b = src.a;
-        a.eltype = d, b.eltype = s, a.ndims = b.ndims = ndims;
-        for (jorm_array *x : {&a, &b}) x->base = dst.memory.data(), x->loff = 0, x->stride[1] = x->stride[2] = 0;
-        a.stride[3] = b.stride[3] = a.stride[0] = b.stride[0] = 8;
+        jorm_array a = {{1, 1, 1, 1}, {}, {8, 8, 8, 8}, ndims, 0, d, 0, 0, twin.memory.data()}, b = a;
+        b.eltype = s;
         return JormGain(xe, 0, &a, &b, gain, nullptr, nullptr, nullptr);
     };
-    expect_each(JORM_EINVAL, {typed(0, JORM_U8), typed(JORM_U8, 5), typed(300, JORM_F64), typed(0, JORM_F64, 4),
-                              JormGain(xe, 0, nullptr, &src.a, gain, nullptr, nullptr, nullptr),
-                              JormTGAgain(xe, 0, nullptr, JORM_WORD(3), &at[1], JORM_U8, dst.at({}), dst.a.stride + 1,
-                                          JORM_S16, src.at({}), src.a.stride + 1),
-                              jorma__gain(xe, 0, JORM_WORD(3), &at[1], JORM_U8, nullptr, dst.a.stride + 1, JORM_S16,
-                                          src.at({}), src.a.stride + 1, gain, nullptr)});
+    const int32_t *const n = plane.size + 1, *const stride = flat.a.stride + 1;
+    expect_each(
+        JORM_EINVAL,
+        {typed(0, JORM_U8), typed(JORM_U8, 5), typed(300, JORM_F64), typed(0, JORM_F64, 4),
+         JormTGAgain(xe, 0, nullptr, JORM_WORD(3), n, JORM_F32, flat.at({}), stride, JORM_F32, flat.at({}), stride),
+         jorma__gain(xe, 0, JORM_WORD(3), n, JORM_F32, nullptr, stride, JORM_F32, flat.at({}), stride, gain, nullptr)});
     expect_each(JORM_ENOTSUP, {typed(JORM_F64, JORM_F64), typed(JORM_U8, JORM_U32), typed(JORM_U8, 15, 4)});
-    EXPECT_EQ(JormGain(xe, 0, &dst.a, &src.a, gain, nullptr, nullptr, past), JORM_EEMPTY);
-    EXPECT_EQ(memory, dst.memory);
+    EXPECT_EQ(memory, twin.memory);
 }
 
 // ---- In the source's own memory ----

@@ -145,29 +145,19 @@ TEST(Matrix, ArraysOfUnlikeChannels) {
 
 TEST(Matrix, Refusals) {
     Random r(53);
-    Picture a(r, JORM_F32, {1, 4, 4, 1}, true), b(r, JORM_F32, {1, 4, 4, 1}, true),
-        out(r, JORM_F32, {1, 4, 4, 1}, true);
-    Picture wide(r, JORM_F32, {1, 4, 5, 1}, true), colour(r, JORM_U8, {1, 3, 3, 3}, true);
-    Picture whole(r, JORM_S32, {1, 4, 4, 1}, true), deep(r, JORM_F32, {1, 4, 4, 1}, true, 4);
+    const auto square = [&](uint32_t type) { return Picture(r, type, {1, 4, 4, 1}, true); };
+    const Picture a = square(JORM_F32), b = square(JORM_F32), out = square(JORM_F32), whole = square(JORM_S32);
+    const Picture wide(r, JORM_F32, {1, 4, 5, 1}, true), colour(r, JORM_U8, {1, 3, 3, 3}, true);
     Env xe;
     const Bytes before = out.memory;
-    const jorm_array *const no = nullptr;
-    const auto with = [](jorm_array array, auto change) { return change(array), array; };
-    const jorm_array empty = with(a.a, [](jorm_array &x) { x.extent[2] = 0; });
-    const jorm_array bad = with(a.a, [](jorm_array &x) { x.eltype = 7; });
-    const jorm_array part = with(a.a, [](jorm_array &x) { x.loff += x.stride[1], --x.extent[1]; });
-    const jorm_array flat = with(b.a, [](jorm_array &x) { x.extent[1] = 0; });
-    const jorm_array three = with(a.a, [](jorm_array &x) { x.extent[1] = 3; });
-    expect_each(JORM_EINVAL, {JormMulMM(nullptr, 0, &out.a, &a.a, &b.a), JormMulMM(xe, 0, no, &a.a, &b.a),
-                              JormMulMM(xe, 0, &out.a, no, &b.a), JormMulMM(xe, 0, &out.a, &a.a, no),
-                              JormMulMM(xe, 0, &out.a, &a.a, &wide.a), JormMulMM(xe, 0, &out.a, &wide.a, &b.a),
-                              JormMulMM(xe, 0, &colour.a, &a.a, &b.a), JormMulMM(xe, 0, &out.a, &bad, &b.a),
+    jorm_array part = a.a, three = a.a; // rows 1 to 3, rows 0 to 2
+    part.loff += part.stride[1], part.extent[1] = three.extent[1] = 3;
+    expect_each(JORM_EINVAL, {JormMulMM(xe, 0, &out.a, &a.a, &wide.a), JormMulMM(xe, 0, &out.a, &wide.a, &b.a),
                               JormMulMM(xe, 0, &a.a, &a.a, &b.a), JormMulMM(xe, 0, &part, &three, &b.a),
                               JormMulMV(xe, 0, &out.a, &a.a, &b.a), JormMulMV_n(xe, 0, &colour.a, &a.a, &colour.a),
                               JormMulMV_n(xe, 0, &out.a, &out.a, &b.a), JormMulMV_n(xe, 0, &wide.a, &a.a, &b.a)});
-    expect_each(JORM_EEMPTY, {JormMulMM(xe, 0, &out.a, &empty, &flat)});
     expect_each(JORM_ENOTSUP, {JormMulMM(xe, 0, &out.a, &whole.a, &b.a), JormMulMM(xe, 0, &whole.a, &a.a, &b.a),
-                               JormMulMM(xe, 0, &deep.a, &a.a, &b.a), JormMulMV_n(xe, 0, &out.a, &whole.a, &b.a)});
+                               JormMulMV_n(xe, 0, &out.a, &whole.a, &b.a)});
     EXPECT_EQ(out.memory, before);
 }
 
