@@ -40,7 +40,7 @@ public:
         extent_[1] = std::clamp(most_elements / (extent_[0] * extent_[2] * extent_[3]), 1, extent_[1]);
         Noise noise(r.word());
         const int style = r.in(0, 3);
-        for (Guarded &m : All{memory()})
+        for (int block = 0; block < 3; ++block)
             for (size_t i = 0; i < Guarded::bytes; i += 4) {
                 uint32_t w = noise();
                 if (style == 1) w = (w & 3) == 0 ? 0xFFFFFFFF : w & 0x01010101;
@@ -48,7 +48,7 @@ public:
                     const float f = float(int32_t(w) >> 12) * 0.125f;
                     std::memcpy(&w, &f, 4);
                 }
-                std::memcpy(m.start + i, &w, 4);
+                std::memcpy(memory()[block].start + i, &w, 4);
             }
         out = {};
         for (auto &list : out.numbers)
@@ -279,19 +279,17 @@ public:
 
     // For whoever looks into a failure.
     void describe() const {
+        const auto list = [](const char *what, const auto *v) {
+            std::fprintf(stderr, "  %s %d %d %d %d\n", what, int(v[0]), int(v[1]), int(v[2]), int(v[3]));
+        };
         for (int i = 0; i < arrays_; ++i) {
             const jorm_array &a = array_[i];
             std::fprintf(stderr, "array %d (%c): type %u, axes %d, base %p, loff %d\n", i, roles_[i], a.eltype, a.ndims,
                          a.base, a.loff);
-            for (int k = 0; k < 4; ++k)
-                std::fprintf(stderr, "  extent %d of %d, stride %d\n", int32_t(a.extent[k]),
-                             int32_t(a.parent_extent[k]), a.stride[k]);
+            list("extent", a.extent), list("of", a.parent_extent), list("stride", a.stride);
         }
-        for (int i = 0; i < sites_ && i < 3; ++i)
-            for (int k = 0; k < 4; ++k)
-                std::fprintf(stderr, "site %d: %d + %d\n", i, site_[i].origin[k], site_[i].size[k]);
-        for (int i = 0; i < points_ && i < 3; ++i)
-            for (int k = 0; k < 4; ++k) std::fprintf(stderr, "point %d: %d\n", i, point_[i][k]);
+        for (int i = 0; i < std::min(sites_, 3); ++i) list("region", site_[i].origin), list("of", site_[i].size);
+        for (int i = 0; i < std::min(points_, 3); ++i) list("start", point_[i]);
     }
 
     Outputs out;
@@ -303,11 +301,6 @@ private:
         static Guarded blocks[3];
         return blocks;
     }
-    struct All {
-        Guarded *first;
-        Guarded *begin() const { return first; }
-        Guarded *end() const { return first + 3; }
-    };
     static Guarded *mask_memory() {
         static Guarded block;
         return &block;
