@@ -6,16 +6,6 @@ namespace {
 
 const uint32_t types[] = {JORM_U8, JORM_S16, JORM_S32, JORM_F32};
 
-double sample(uint32_t type, Random &r) {
-    static const double odd[] = {nan, inf,  -inf,  3e9,   -3e9,    2147483648.0, 0.5,  1.5,
-                                 2.5, -0.5, 254.5, 255.5, 32767.5, -32768.5,     1e-30};
-    std::uniform_real_distribution<> part(0, 1);
-    if (type == JORM_F32 && r.one_in(4)) return r.of(odd);
-    const double v = part(r);
-    if (type == JORM_F32) return std::ldexp(v - 0.5, r.in(0, 35));
-    return lowest(type) + std::floor(v * (highest(type) - lowest(type) + 1));
-}
-
 // y = x * scale + offset between the ranges, in double as promised.
 double mapped(double x, const vrng &d, const vrng &s) {
     const double scale = (d.hi - d.lo) / (s.hi - s.lo);
@@ -28,7 +18,7 @@ struct Convert : testing::Test {
 
     Picture picture(uint32_t type, const Index &extent, int ndims = 3) {
         Picture p(r, type, extent, false, ndims);
-        p.fill([&] { return sample(type, r); });
+        paint(p, r);
         return p;
     }
     // Every element of dst is model(element of src, channel).
@@ -125,6 +115,11 @@ TEST_F(Convert, MeasuredRangesScalesAndOffsets) {
     const vrng known[2] = {{-32768, 32767}, {-32768, 32767}};
     ASSERT_EQ(JormConvert(xe, 0, &real.a, &src.a, nullptr, nullptr, scales, offsets, known), 0);
     expect_elements(real, src, 0.01, [&](double x, int c) { return offsets[c] + (x + 32768) * scales[c]; });
+    // Offsets that are no numbers are none: the minimum stays.
+    ASSERT_EQ(JormConvert(xe, 0, &real.a, &src.a, nullptr, nullptr, scales, none, known), 0);
+    Picture other = picture(JORM_F32, extent, 4);
+    ASSERT_EQ(JormConvert(xe, 0, &other.a, &src.a, nullptr, nullptr, scales, nullptr, known), 0);
+    each(extent, [&](const Index &i) { EXPECT_EQ(real.get(i), other.get(i)); });
     // Scales of 1 and offsets of NaN: plain.
     ASSERT_EQ(JormConvert(xe, 0, &bytes.a, &src.a, nullptr, nullptr, ones, none, nullptr), 0);
     expect_elements(bytes, src, 0, [](double x, int) { return converted(JORM_U8, x); });

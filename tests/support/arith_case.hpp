@@ -353,25 +353,6 @@ double ulps(const Op &op, const Value *v, int p, float f) {
 
 // ---- Checks ----
 
-// Limits of the types, small numbers with ties, random bits, or a mixture.
-void paint(const Picture &picture, Random &r) {
-    static const int32_t limits[] = {0,   1,    -1,    2,      127,   128,       254,      255,
-                                     256, -128, 32767, -32768, 65535, INT32_MAX, INT32_MIN};
-    static const uint32_t singles[] = {0x80000000, 0x7F800000, 0xFF800000, 0x7FC00000, 0xFFC12345,
-                                       0x7F800001, 0x80000001, 0x7F7FFFFF, 0x00800000, 0x3F000000,
-                                       0x40200000, 0x4EFFFFFF, 0x4F000000, 0xCF000001, 0x437F8000};
-    const uint32_t type = picture.a.eltype;
-    const int flavours = r.in(0, 3);
-    each(extent_of(picture.a), [&](const Index &at) {
-        const int flavour = flavours == 3 ? r.in(0, 2) : flavours;
-        int32_t i = int32_t(r());
-        float f = r.one_in(2) ? std::bit_cast<float>(i) : std::ldexp(float(i), -r.in(0, 39));
-        if (flavour == 1) i = i % 21, f = float(i) / 4;
-        if (flavour == 2) i = r.of(limits), f = r.one_in(2) ? float(i) : std::bit_cast<float>(r.of(singles));
-        std::memcpy(picture.at(at), type == JORM_F32 ? static_cast<const void *>(&f) : &i, size_t(bytes_of(type)));
-    });
-}
-
 Result failure(const Case &c, const std::string &what) {
     const Index &n = c.region.size;
     Result r = testing::AssertionFailure() << c.op->name << " " << types_of(c) << " layer " << c.layer << " p " << c.p

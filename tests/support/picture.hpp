@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <random>
@@ -213,6 +214,26 @@ struct Picture {
         each(extent_of(a), [&](const Index &i) { store(a.eltype, at(i), value()); });
     }
 };
+
+// Random bits, a small number, of which quarters are single, or a limit, also of exact comparison with other types.
+inline void draw_element(Random &r, uint32_t type, void *p, int flavour) {
+    static const int32_t limits[] = {0,    1,     -1,     2,     127,      128,      254,       255,      256,
+                                     -128, 32767, -32768, 65535, 16777216, 16777217, INT32_MAX, INT32_MIN};
+    static const uint32_t singles[] = {0x80000000, 0x7F800000, 0xFF800000, 0x7FC00000, 0xFFC12345,
+                                       0x7F800001, 0x80000001, 0x7F7FFFFF, 0x00800000, 0x3F000000,
+                                       0x40200000, 0x4EFFFFFF, 0x4F000000, 0xCF000001, 0x437F8000};
+    int32_t i = int32_t(r());
+    float f = r.one_in(2) ? std::bit_cast<float>(i) : std::ldexp(float(i), -r.in(0, 39));
+    if (flavour == 1) i = i % 21, f = float(i) / 4;
+    if (flavour == 2) i = r.of(limits), f = r.one_in(2) ? float(i) : std::bit_cast<float>(r.of(singles));
+    std::memcpy(p, type == JORM_F32 ? static_cast<const void *>(&f) : &i, size_t(bytes_of(type)));
+}
+inline void paint(const Picture &picture, Random &r) {
+    const int flavours = r.in(0, 3);
+    each(extent_of(picture.a), [&](const Index &at) {
+        draw_element(r, picture.a.eltype, picture.at(at), flavours == 3 ? r.in(0, 2) : flavours);
+    });
+}
 
 // A random part of such an extent, or all of it.
 struct Part {
