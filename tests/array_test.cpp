@@ -245,7 +245,7 @@ TEST(Overlap, CoarseAnswers) {
     const auto at = [](int32_t y, int32_t x, int32_t h, int32_t w) { return jorm_site{{0, y, x, 0}, {1, h, w, 1}}; };
     const jorm_site left = at(0, 0, 10, 5), right = at(0, 5, 10, 5), middle = at(0, 4, 10, 5);
     jorm_array wide = a, behind = a;
-    wide.stride[1] = 40, behind.loff = 10 * 20 + 20 + 1;
+    wide.stride[1] = 40, behind.stride[1] = 10, behind.loff = 10 * 20 + 20 + 1; // where the first one ends
     expect_each(-1, {jorm_arr_overlapped(&a, &a, nullptr, nullptr),
                      jorm_arr_overlapped(&a, &a, &left, &middle),     // one column in common
                      jorm_arr_overlapped(&a, &wide, &left, &right)}); // rows of different strides

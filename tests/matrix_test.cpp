@@ -153,9 +153,10 @@ TEST(Matrix, Refusals) {
     jorm_array part = a.a, three = a.a; // rows 1 to 3, rows 0 to 2
     part.loff += part.stride[1], part.extent[1] = three.extent[1] = 3;
     expect_each(JORM_EINVAL, {JormMulMM(xe, 0, &out.a, &a.a, &wide.a), JormMulMM(xe, 0, &out.a, &wide.a, &b.a),
-                              JormMulMM(xe, 0, &a.a, &a.a, &b.a), JormMulMM(xe, 0, &part, &three, &b.a),
-                              JormMulMV(xe, 0, &out.a, &a.a, &b.a), JormMulMV_n(xe, 0, &colour.a, &a.a, &colour.a),
-                              JormMulMV_n(xe, 0, &out.a, &out.a, &b.a), JormMulMV_n(xe, 0, &wide.a, &a.a, &b.a)});
+                              JormMulMM(xe, 0, &a.a, &a.a, &b.a), JormMulMM(xe, 0, &b.a, &a.a, &b.a),
+                              JormMulMM(xe, 0, &part, &three, &b.a), JormMulMV(xe, 0, &out.a, &a.a, &b.a),
+                              JormMulMV_n(xe, 0, &colour.a, &a.a, &colour.a), JormMulMV_n(xe, 0, &out.a, &out.a, &b.a),
+                              JormMulMV_n(xe, 0, &wide.a, &a.a, &b.a)});
     expect_each(JORM_ENOTSUP, {JormMulMM(xe, 0, &out.a, &whole.a, &b.a), JormMulMM(xe, 0, &whole.a, &a.a, &b.a),
                                JormMulMV_n(xe, 0, &out.a, &whole.a, &b.a)});
     EXPECT_EQ(out.memory, before);
