@@ -332,19 +332,6 @@ TEST_F(Copies, RefusedBeforeAnythingIsWritten) {
     EXPECT_GT(refused, 1000);
 }
 
-// Start points and regions far outside form no pointers.
-TEST_F(Copies, EmptyRegionsOfAnyStride) {
-    jorm_array a, d;
-    uint8_t memory[16] = {};
-    const int32_t one[] = {1, 1, 1}, steep[] = {INT32_MIN, INT32_MIN, INT32_MIN};
-    _jorm_array__$xtrn(&a, JORM_U8, 3, one, steep, memory);
-    _jorm_array__$xtrn(&d, JORM_U8, 3, one, steep, memory + 8);
-    const int32_t far[4] = {0, INT32_MAX, INT32_MAX, INT32_MAX};
-    const jorm_site site = {{0, INT32_MAX, INT32_MAX, INT32_MAX}, {1, 1, 1, 1}};
-    EXPECT_EQ(JormCopy(nullptr, 0, &d, &a, nullptr, far), JORM_EEMPTY);
-    EXPECT_EQ(JormCopy(nullptr, 0, &d, &a, &site, nullptr), JORM_EEMPTY);
-}
-
 TEST_F(Copies, Statuses) {
     Bytes memory(4096, 5);
     uint8_t *const p = memory.data();
