@@ -28,18 +28,10 @@ void check_resize(Random &r, bool large) {
     const Index from = {axes == 4 ? r.in(1, 3) : 1, r.in(1, large ? 5 : 12), r.in(1, most), channels};
     Picture src(r, type, from, false, axes), dst(r, type, size, false, axes);
 
-    // Regions of the sizes n and m.
-    Index o = {}, a = {}, n = size, m = from;
-    const bool parts = r.one_in(2), offset = r.one_in(2);
-    jorm_site roi = {}, src_roi = {};
-    for (size_t k = 0; k < 4; ++k) {
-        if (parts && k < 3) o[k] = r.in(0, n[k] - 1), n[k] = r.in(1, n[k] - o[k]);
-        if (parts && k < 3) a[k] = r.in(0, m[k] - 1), m[k] = r.in(1, m[k] - a[k]);
-        if (parts && k == 3) o[k] = r.in(0, channels - 1), n[k] = channels - o[k];
-        if (parts && k == 3) a[k] = r.in(0, channels - 1), m[k] = channels - a[k];
-        roi.origin[k] = o[k], roi.size[k] = n[k];
-        src_roi.origin[k] = a[k], src_roi.size[k] = m[k];
-    }
+    const Part to_part(r, size), from_part(r, from);
+    const Index &o = to_part.origin, &a = from_part.origin;
+    Index n = to_part.size, m = from_part.size;
+    const bool offset = r.one_in(2);
 
     // The whole of both regions, also mirrored, or a factor that leaves a part of one of them out.
     double factors[4] = {r.one_in(2) ? 0. : 7., 0, 0, 5}, offsets[4] = {0, 0, 0, nan};
@@ -78,9 +70,8 @@ void check_resize(Random &r, bool large) {
     at_each_level(dst, [&](int level) {
         double f[4];
         std::copy(factors, factors + 4, f);
-        const jorm_site *const to = parts ? &roi : nullptr, *const where = parts ? &src_roi : nullptr;
-        const int64_t status = offset ? JormEResize(xe, 0, &dst.a, &src.a, to, where, f, offsets)
-                                      : JormResize(xe, 0, &dst.a, &src.a, to, where, f);
+        const int64_t status = offset ? JormEResize(xe, 0, &dst.a, &src.a, to_part.roi(), from_part.roi(), f, offsets)
+                                      : JormResize(xe, 0, &dst.a, &src.a, to_part.roi(), from_part.roi(), f);
         ASSERT_EQ(status, nothing ? JORM_EEMPTY : JORM_OK);
         ASSERT_TRUE(dst.memory == expected) << "type " << type << " level " << level;
         for (int k = 0; k < 4; ++k) {
@@ -102,22 +93,21 @@ TEST(Resize, IsExactForSizes) {
     std::vector<int32_t> from(600), to(600);
     for (int i = 0; i < 600; ++i) from[size_t(i)] = i;
     Random r(42);
+    jorm_array dst, src;
+    const auto rows = [&](int n, int m) {
+        jorm_array_make(&dst, JORM_S32, 1, n, 1, 0, to.data());
+        jorm_array_make(&src, JORM_S32, 1, m, 1, 0, from.data());
+    };
     for (int trial = 0; trial < 4000; ++trial) {
         const int32_t n = r.in(1, 600), m = r.in(1, 600), dst_size[] = {1, 1, n, 1}, src_size[] = {1, 1, m, 1};
-        jorm_array dst, src;
-        _jorm_array__$xtrn(&dst, JORM_S32, 3, dst_size + 1, nullptr, to.data());
-        _jorm_array__$xtrn(&src, JORM_S32, 3, src_size + 1, nullptr, from.data());
+        rows(n, m);
         double factors[4];
         ASSERT_EQ(JormResize(xe, 0, &dst, &src, nullptr, nullptr, jorm_mkreszf(factors, dst_size, src_size)), 0);
         for (int i = 0; i < n; ++i) ASSERT_EQ(to[size_t(i)], source_of(i, n, m, 0, m)) << n << " of " << m;
     }
     // A factor that is no quotient of sizes counts as the number that it is: here 1.5 / f is just below 3.
-    const double odd = std::nextafter(0.5, 1);
-    const int32_t dst_size[] = {1, 4, 1}, src_size[] = {1, 8, 1};
-    jorm_array dst, src;
-    _jorm_array__$xtrn(&dst, JORM_S32, 3, dst_size, nullptr, to.data());
-    _jorm_array__$xtrn(&src, JORM_S32, 3, src_size, nullptr, from.data());
-    double factors[4] = {0, 0, odd, 0};
+    rows(4, 8);
+    double factors[4] = {0, 0, std::nextafter(0.5, 1), 0};
     const double offsets[4] = {0, 0, std::nextafter(-1., -2), 0};
     ASSERT_EQ(JormResize(xe, 0, &dst, &src, nullptr, nullptr, factors), 0);
     EXPECT_EQ(to[1], 2);
@@ -126,51 +116,31 @@ TEST(Resize, IsExactForSizes) {
     EXPECT_EQ((std::array{to[0], to[1], to[2]}), (std::array{0, 1, 3})); // just below 0, 2, 4
 }
 
-TEST(Resize, Refusals) {
+TEST(Resize, FactorsThatCannotBe) {
     Random r(43);
     Picture dst(r, JORM_U8, {1, 6, 6, 3}, true), src(r, JORM_U8, {1, 4, 4, 3}, true);
     Env xe;
     const Bytes before = dst.memory;
-    double factors[4] = {};
-    const auto call = [&](const jorm_array &d, const jorm_array &s, const jorm_site *roi = nullptr,
-                          const double *offsets = nullptr) {
-        return JormEResize(xe, 0, &d, &s, roi, nullptr, factors, offsets);
-    };
-    const auto with = [](jorm_array a, auto change) { return change(a), a; };
-    const jorm_array &d = dst.a, &s = src.a;
-    const double bad[4] = {0, nan, 0, 0};
-    const jorm_site outside = {{0, 6, 0, 0}, {1, 2, 2, 3}};
-    expect_each(JORM_EINVAL,
-                {JormResize(nullptr, 0, &d, &s, nullptr, nullptr, nullptr),
-                 JormResize(xe, 0, nullptr, &s, nullptr, nullptr, nullptr),
-                 JormResize(xe, 0, &d, nullptr, nullptr, nullptr, nullptr),
-                 call(d, with(s, [](jorm_array &a) { a.eltype = JORM_S8; })),
-                 call(d, with(s, [](jorm_array &a) { a.extent[3] = 2; })),
-                 call(d, with(s, [](jorm_array &a) { a.ndims = 4; })), call(d, s, nullptr, bad),
-                 call(with(d, [](jorm_array &a) { a.eltype = 15; }), with(s, [](jorm_array &a) { a.eltype = 15; }))});
-    EXPECT_EQ(call(d, s, &outside), JORM_EEMPTY);
-    for (const double f : {nan, inf, -inf}) {
-        factors[2] = f;
-        EXPECT_EQ(call(d, s), JORM_EINVAL);
-        factors[2] = 0;
+    for (const double bad : {nan, inf, -inf}) {
+        double factors[4] = {0, 0, bad, 0}, offsets[4] = {0, bad, 0, 0}, none[4] = {};
+        expect_each(JORM_EINVAL, {JormEResize(xe, 0, &dst.a, &src.a, nullptr, nullptr, factors, nullptr),
+                                  JormEResize(xe, 0, &dst.a, &src.a, nullptr, nullptr, none, offsets)});
+        expect_each(0, {int64_t(none[0]), int64_t(none[1]), int64_t(none[2])});
     }
     // The halves of one picture: apart side by side, not with one column in common.
-    const auto columns = [&](int from, int count) {
-        return with(d, [=](jorm_array &a) { a.loff += 3 * from, a.extent[2] = uint32_t(count); });
-    };
-    EXPECT_EQ(call(columns(0, 3), columns(2, 3)), JORM_EINVAL);
+    jorm_array left = dst.a, right = dst.a;
+    left.extent[2] = right.extent[2] = 3;
+    right.loff += 6;
+    EXPECT_EQ(JormResize(xe, 0, &left, &right, nullptr, nullptr, nullptr), JORM_EINVAL);
     EXPECT_EQ(dst.memory, before);
-    expect_each(0, {int64_t(factors[0]), int64_t(factors[1]), int64_t(factors[2])});
-    EXPECT_EQ(call(columns(0, 3), columns(3, 3)), JORM_OK);
-}
+    right.loff += 3;
+    EXPECT_EQ(JormResize(xe, 0, &left, &right, nullptr, nullptr, nullptr), JORM_OK);
 
-TEST(Resize, Factors) {
     const int32_t to[4] = {3, 10, -4, 3}, from[4] = {6, 0, 8, 1};
-    double f[4] = {nan, nan, nan, nan};
+    double f[4] = {nan, nan, nan, nan}, g[4] = {nan, 7, -inf, 0};
     EXPECT_EQ(jorm_mkreszf(f, to, from), f);
     EXPECT_EQ(std::vector(f, f + 4), (std::vector<double>{0.5, 0, -0.5, 1}));
     EXPECT_EQ(jorm_fixreszf(f, to, from), 0); // no factor for the rows
-    double g[4] = {nan, 7, -inf, 0};
     EXPECT_EQ(jorm_fixreszf(g, to, from), 1);
     EXPECT_EQ(std::vector(g, g + 4), (std::vector<double>{0.5, 7, -0.5, 1}));
     expect_each(0, {jorm_fixreszf(nullptr, to, from), jorm_mkreszf(nullptr, to, from) != nullptr,
