@@ -145,19 +145,6 @@ void call(const char *name, R (*f)(First, A...), fuzz::ByteReader &r, std::index
     }
 }
 
-void check_hull(fuzz::ByteReader &r) {
-    Numbers numbers(r);
-    jorm_2d_pt points[most_points] = {}, sorted[most_points], hull[most_points];
-    const int n = r.in(0, most_points);
-    for (int i = 0; i < n; ++i) points[i] = sorted[i] = {numbers.next<int32_t>(), numbers.next<int32_t>()};
-    const int count = jorm_2d_ptv_convexhull(hull, points, n);
-    fuzz::check(count >= 0 && count <= n, "hull", "count");
-    for (int i = 0; i < n; ++i) fuzz::check(jorm_2d_poly_inside(hull, count, points + i), "hull", "a point outside");
-    jorm_2d_ptv_sort_$I(sorted, n);
-    const auto equal = [](const jorm_2d_pt &a, const jorm_2d_pt &b) { return a.x == b.x && a.y == b.y; };
-    fuzz::check(std::is_permutation(points, points + n, sorted, equal), "angular order", "points lost");
-}
-
 template <class R, class... A> constexpr auto indices_of(R (*)(A...)) { return std::index_sequence_for<A...>(); }
 template <auto f> void run(const char *name, fuzz::ByteReader &r) { call(name, f, r, indices_of(f)); }
 
@@ -175,6 +162,5 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     fuzz::ByteReader r(data, size);
     const auto &line = r.of(table);
     line.run(line.name, r);
-    check_hull(r);
     return 0;
 }

@@ -264,19 +264,4 @@ TEST(PointSet, LeastRectangle) {
     EXPECT_EQ(pairs(jorm_2d_ptv_bquad_$f(&f, nullptr, 0)->pt, 4), corners({}));
 }
 
-TEST(PointSet, OddFloatsDoNoHarm) {
-    Random r(5);
-    const double odd[] = {nan, inf, -inf, 1e308, -1e308, 5e-324, -0.0, 1e155, 3, -7};
-    for (int n = 1; n < 300; ++n) {
-        std::vector<jorm_r2d_pt> v(n), out(n);
-        for (auto &p : v) p = {r.in(0, 999) / 7.0, r.in(0, 999) / 3.0};
-        for (int k = n % 8; k > 0; --k) (r.one_in(2) ? v[r() % n].x : v[r() % n].y) = r.of(odd);
-        jorm_r2d_quad q;
-        jorm_r2d_ptv_minbquad(&q, v.data(), n);
-        const int count = hull(out.data(), v.data(), n);
-        EXPECT_TRUE(count <= n && count >= std::min(n, 2));
-        angular_sort(v.data(), n), shape(v.data(), n);
-    }
-}
-
 } // namespace

@@ -138,21 +138,6 @@ TEST(Sort, QuickSortStaysWithinItsBound) {
     EXPECT_LT(calls.count, 30000u);
 }
 
-TEST(Sort, NonsenseComparisonsKeepAllElements) {
-    const jorm_ulcmp nonsense[] = {
-        [](const void *, const void *, void *r) { return int32_t((*static_cast<Random *>(r))()); },
-        [](const void *, const void *, void *) { return -1; }, [](const void *, const void *, void *) { return 1; }};
-    Random r(2);
-    for (const Forms &forms : all_forms)
-        for (jorm_ulcmp cmp : nonsense) {
-            std::vector<int> v(500);
-            std::iota(v.begin(), v.end(), 0);
-            const std::vector<int> all = v;
-            EXPECT_EQ(0, forms.checked(v.data(), v.size(), 4, cmp, &r));
-            EXPECT_TRUE(std::is_permutation(v.begin(), v.end(), all.begin()));
-        }
-}
-
 TEST(Search, FindsNeighboursWithinTheBound) {
     const auto compare = [](const void *element, const void *key, void *calls) {
         ++*static_cast<int *>(calls);

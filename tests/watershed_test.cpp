@@ -94,92 +94,72 @@ TEST(Watershed, Masks) {
     EXPECT_GT(std::min({dropped, found_before, nothing}), 20);
 }
 
-// Every layer gives what the entry gives; regions, planes and the packed call find their part of the picture.
+// Every layer gives what the entry gives, of a region of the last plane.
 TEST(Watershed, LayersRegionsAndPlanes) {
     Random r(4);
     Env xe;
-    const int H = 20, W = 24, planes = 3;
-    Samples samples;
-    for (int z = 0; z < planes; ++z) {
-        const Samples plane = flood_picture(r, H, W, z);
-        samples.insert(samples.end(), plane.begin(), plane.end());
-    }
-    jorm_array a;
-    const int32_t extent[] = {planes, H, W, 1}, origin[] = {1, 3, 4, 0}, size[] = {2, 15, 16, 1};
-    _jorm_array__$xtrn(&a, JORM_U8, 4, extent, nullptr, samples.data());
+    const int H = 20, W = 24;
+    const Samples samples = flood_picture(r, 2 * H, W, 2), mask(samples.size(), 1);
+    const int32_t extent[] = {2, H, W, 1}, origin[] = {0, 3, 4, 0}, size[] = {2, 15, 16, 1}, *const flat = size + 1;
+    jorm_array a, m;
+    _jorm_array__$xtrn(&a, JORM_U8, 4, extent, nullptr, const_cast<uint8_t *>(samples.data()));
+    _jorm_array__$xtrn(&m, JORM_U8, 4, extent, nullptr, const_cast<uint8_t *>(mask.data()));
     Samples part;
-    for (int y = 0; y < 15; ++y)
-        for (int x = 0; x < 16; ++x) part.push_back(samples[size_t((2 * H + y + 3) * W + x + 4)]);
-    const SlowFlood slow(part, 15, 16, {.row = 2, .column = 4}),
-        slow_all(part, 15, 16, {.row = 2, .column = 4, .smallest = 1});
-    std::vector<uint8_t> mask(samples.size(), 1);
-    jorm_array m = a;
-    m.base = mask.data();
-
+    each({1, 15, 16, 1}, [&](const Index &i) { part.push_back(*element(a, {1, i[1] + 3, i[2] + 4, 0})); });
+    const jorm_site site = {{0, 3, 4, 0}, {2, 15, 16, 1}};
+    const int32_t *const s = a.stride + 1, from[] = {H + 3, 4, 0};
+    const uint8_t *const base = samples.data(), *const data = element(a, {1, 3, 4, 0}), *const on = mask.data();
+    const uint32_t w = JORM_WORD(3), u8 = JORM_U8;
     Store store;
     jorm_fwtsparams p = {&store, 0, 0, 2, 3};
-    const auto check = [&](int64_t status, const SlowFlood &wanted) {
-        EXPECT_EQ(status, JORM_OK);
-        expect_same_tree(wanted.root, store.root);
-        JormFWTSRESinit(&store, nullptr, nullptr);
-        EXPECT_EQ(store.root, nullptr);
-    };
-    const jorm_site site = {{1, 3, 4, 0}, {2, 15, 16, 1}};
-    const int32_t flat[] = {15, 16, 1};
-    const int32_t steps[] = {0, W, 1, 1}, *const stride = steps + 1,
-                  places[] = {0, 2 * H + 3, 4, 0}, *const from = places + 1;
-    const uint8_t *const base = samples.data(), *const data = &base[(2 * H + 3) * W + 4], *const on = mask.data();
-    const uint32_t w = JORM_WORD(3), u8 = JORM_U8;
     for (const bool fast : {false, true}) {
-        const SlowFlood &wanted = fast ? slow : slow_all;
+        const SlowFlood wanted(part, 15, 16, {.row = 2, .column = 4, .smallest = fast ? 16 : 1});
+        const auto check = [&](int64_t status) {
+            EXPECT_EQ(status, JORM_OK);
+            expect_same_tree(wanted.root, store.root);
+            JormFWTSRESinit(&store, nullptr, nullptr);
+            EXPECT_EQ(store.root, nullptr);
+        };
         const uint64_t options = fast ? JORM_OPT_FAST : 0;
-        check(JormWatershed(xe, options, &a, &site, &p), wanted);
-        check(JormWatershedEx(xe, options, &a, fast ? nullptr : &m, origin, size, &p), wanted);
-        check(JormWatershedEx(xe, options, &a, &m, origin, size, &p), wanted);
-        check(JormTGAwatershed(xe, options, &p, w, flat, u8, data, stride), wanted);
-        check(JormTGAwatershedEx(xe, options, &p, w, flat, u8, data, stride, u8, on, stride), wanted);
-        check(JormTGAwatershedEx(xe, options, &p, w, flat, u8, data, stride, 0, nullptr, nullptr), wanted);
+        check(JormWatershed(xe, options, &a, &site, &p));
+        check(JormWatershedEx(xe, options, &a, nullptr, origin, size, &p));
+        check(JormWatershedEx(xe, options, &a, &m, origin, size, &p));
+        check(JormTGAwatershed(xe, options, &p, w, flat, u8, data, s));
+        check(JormTGAwatershedEx(xe, options, &p, w, flat, u8, data, s, u8, on, s));
+        check(JormTGAwatershedEx(xe, options, &p, w, flat, u8, data, s, 0, nullptr, nullptr));
         // Below, the names decide and not the options.
-        check((fast ? jorma_fwatershed : jorma_watershed)(xe, 0, w, flat, u8, base, from, stride, &p), wanted);
-        check((fast ? jorma_fwatershed_xm : jorma_watershed_xm)(xe, 0, w, flat, u8, base, from, stride, u8, on, from,
-                                                                stride, &p),
-              wanted);
-        check((fast ? jorma__fwatershed : jorma__watershed)(xe, 0, w, flat, u8, data, stride, &p), wanted);
-        check((fast ? jorma__fwatershed_xm : jorma__watershed_xm)(xe, 0, w, flat, u8, data, stride, u8, on, stride, &p),
-              wanted);
+        check((fast ? jorma_fwatershed : jorma_watershed)(xe, 0, w, flat, u8, base, from, s, &p));
+        check(
+            (fast ? jorma_fwatershed_xm : jorma_watershed_xm)(xe, 0, w, flat, u8, base, from, s, u8, on, from, s, &p));
+        check((fast ? jorma__fwatershed : jorma__watershed)(xe, 0, w, flat, u8, data, s, &p));
+        check((fast ? jorma__fwatershed_xm : jorma__watershed_xm)(xe, 0, w, flat, u8, data, s, u8, on, s, &p));
+        if (!fast) continue;
+        check(_jorma__fwatershed_c1_u8(xe, 0, w, flat, data, s, &p));
+        check(_jorma__fwatershed_xm_c1_u8(xe, 0, w, flat, data, s, on, s, &p));
     }
-    check(_jorma__fwatershed_c1_u8(xe, 0, w, flat, data, stride, &p), slow);
-    check(_jorma__fwatershed_xm_c1_u8(xe, 0, w, flat, data, stride, on, stride, &p), slow);
 }
 
 TEST(Watershed, Refusals) {
+    Random r(6);
     Env xe;
     Store store;
-    Samples samples(64);
     std::vector<uint32_t> buffer(200, 7);
     store.buffer = buffer.data();
-    jorm_array a;
-    const int32_t extent[] = {8, 8, 1}, stride[] = {8, 1, 1};
-    _jorm_array__$xtrn(&a, JORM_U8, 3, extent, nullptr, samples.data());
+    const Picture grey(r, JORM_U8, {1, 8, 8, 1}, true), two(r, JORM_U8, {1, 8, 8, 2}), wide(r, JORM_S16, {1, 8, 8, 1});
+    const jorm_array &a = grey.a;
     jorm_fwtsparams p = {&store, 0, 0, 0, 0}, homeless = {};
     const jorm_site outside = {{0, 9, 0, 0}, {1, 3, 3, 1}};
     const auto flat = [&](uint32_t type, int32_t H, int32_t W, int32_t c) {
         const int32_t size[] = {H, W, c};
-        return jorma__fwatershed(xe, 0, JORM_WORD(3), size, type, samples.data(), stride, &p);
+        return jorma__fwatershed(xe, 0, JORM_WORD(3), size, type, grey.at({}), a.stride + 1, &p);
     };
-    jorm_array two = a, floats = a, mask2 = a;
-    two.extent[3] = mask2.extent[3] = 2;
-    two.extent[2] = mask2.extent[2] = 4;
-    floats.eltype = JORM_S16;
-    floats.extent[2] = 4;
-    floats.stride[2] = floats.stride[3] = 2;
     expect_each(JORM_EINVAL,
                 {JormWatershed(xe, 0, &a, nullptr, nullptr), JormWatershed(xe, 0, nullptr, nullptr, &p),
-                 JormWatershed(xe, 0, &a, nullptr, &homeless), JormWatershedEx(xe, 0, &a, &mask2, nullptr, nullptr, &p),
+                 JormWatershed(xe, 0, &a, nullptr, &homeless), JormWatershedEx(xe, 0, &a, &two.a, nullptr, nullptr, &p),
                  flat(JORM_S8, 8, 8, 1), flat(0, 8, 8, 1), flat(JORM_U8, 1 << 14, 1 << 13, 1),
                  flat(JORM_U8, 1 << 30, 1 << 30, 1), flat(JORM_U8, 0, 8, 1)});
     expect_each(JORM_EEMPTY, {JormWatershed(xe, 0, &a, &outside, &p)});
-    expect_each(JORM_ENOTSUP, {JormWatershed(xe, 0, &two, nullptr, &p), JormWatershed(xe, 0, &floats, nullptr, &p),
+    expect_each(JORM_ENOTSUP, {JormWatershed(xe, 0, &two.a, nullptr, &p), JormWatershed(xe, 0, &wide.a, nullptr, &p),
                                flat(JORM_U8, 8, 4, 2), flat(JORM_F64, 1, 1, 1)});
     EXPECT_EQ(std::count(buffer.begin(), buffer.end(), 7u), 200);
 

@@ -14,15 +14,18 @@ struct Store : jorm_fwtsres {
     ~Store() { JormFWTSRESfini(this); }
 };
 
-// Samples in any layout.
+// Samples in any layout; of several planes the last one holds them, others hold them upside down.
 struct FloodArray {
     jorm_array a;
-    FloodArray(Random &r, const Samples &samples, int H, int W) {
+    FloodArray(Random &r, const Samples &samples, int H, int W, int planes = 1) {
         int64_t bytes;
-        std::tie(a, bytes) = lay_out(r, JORM_U8, 3, {1, H, W, 1});
+        std::tie(a, bytes) = lay_out(r, JORM_U8, planes > 1 ? 4 : 3, {planes, H, W, 1});
         memory.resize(size_t(bytes));
         a.base = memory.data();
-        each({1, H, W, 1}, [&](const Index &i) { *element(a, i) = samples[size_t(i[1] * W + i[2])]; });
+        each({planes, H, W, 1}, [&](const Index &i) {
+            const int row = i[0] == planes - 1 ? i[1] : H - 1 - i[1];
+            *element(a, i) = samples[size_t(row * W + i[2])];
+        });
     }
     FloodArray(const FloodArray &) = delete;
 
