@@ -301,26 +301,18 @@ TEST(Names, OfEveryEnumeration) {
         const char *(*name)(uint32_t);
         uint32_t codes; // low bits that count
         size_t distinct;
-        std::vector<std::pair<uint32_t, std::string>> known;
-    } enumerations[] = {
-        {jorm_filter_str, 256, 11, {{JORM_FILTER_BOTHAT, "bothat-filter"}}},
-        {jorm_morphop_str, 16, 9, {{JORM_MORPH_OPEN, "morph-open"}, {0x13, "erode"}, {1, "unknown-morhop"}}},
-        {jorm_thhmethod_str,
-         16,
-         5,
-         {{0x15, "blur-threshold-method"},
-          {0x10, "null(immediate)-threshold-method"},
-          {2, "unknown-threshold-method"}}},
-        {jorm_border_str, 16, 7, {{0x17, "reflect101-border"}, {1, "unknown-border"}}},
-        {jorm_cmpop_str,
-         16,
-         7,
-         {{0, "nul-cmpop"}, {8, "unknown-cmpop"}, {5, "less-or-equal-cmpop"}, {0x14, "less-cmpop"}}}};
+        uint32_t code;
+        std::string known, unknown;
+    } enumerations[] = {{jorm_filter_str, 256, 11, JORM_FILTER_BOTHAT, "bothat-filter", "unknown-filter"},
+                        {jorm_morphop_str, 16, 9, JORM_MORPH_OPEN, "morph-open", "unknown-morhop"},
+                        {jorm_thhmethod_str, 16, 5, 5, "blur-threshold-method", "unknown-threshold-method"},
+                        {jorm_border_str, 16, 7, JORM_BORDER_REFLECT101, "reflect101-border", "unknown-border"},
+                        {jorm_cmpop_str, 16, 7, 5, "less-or-equal-cmpop", "unknown-cmpop"}};
     for (const auto &e : enumerations) {
         std::set<std::string> names;
         for (uint32_t code = 0; code < e.codes; ++code) names.insert(e.name(code + e.codes));
-        EXPECT_EQ(names.size(), e.distinct);
-        for (const auto &[code, name] : e.known) EXPECT_EQ(e.name(code), name);
+        EXPECT_TRUE(names.size() == e.distinct && names.count(e.unknown)) << e.unknown;
+        EXPECT_EQ(e.name(e.code), e.known);
     }
 }
 

@@ -2,6 +2,7 @@
 #include "jorm/arith.h"
 #include "jorm/threshold.h"
 #include "support/read_case.hpp"
+#include "support/window_case.hpp"
 
 namespace {
 
@@ -127,13 +128,6 @@ TEST(Threshold, OtsuOfHistograms) {
     EXPECT_EQ(jorma_calculate_threshold_otsu_f(&h), 10 + 2 - epsilon);
     bins[1] = bins[3] = 0;
     EXPECT_EQ(jorma_calculate_threshold_otsu_f(&h), 10 + 2 - epsilon);
-    const uint8_t halves[] = {0, 0, 255, 255};
-    const int32_t size[3] = {2, 2, 1}, stride[3] = {2, 1, 1};
-    double t;
-    Env xe;
-    ASSERT_EQ(jorma__compute_threshold_otsu(xe, 0, JORM_WORD(3), size, JORM_U8, halves, stride, &t, nullptr, nullptr),
-              JORM_OK);
-    EXPECT_EQ(t, 1 - epsilon);
 }
 
 bool upper(double x, double low, double high, int count) { return x > low && (count < 2 || x <= high); }
@@ -175,6 +169,19 @@ TEST(Threshold, ImmediateComparesExactly) {
     for (int round = 0; round < 1000 && !HasFailure(); ++round) check_immediate(r);
 }
 
+// Thresholds by Otsu's method in the ranges and bins of the method, if it has its own.
+void otsu_of(jorm_xe *xe, const jorm_array &src, jorm_thhmethod method, double *t) {
+    const bool own = method.word & JORM_THRESHOLD_OWN_RANGES;
+    ASSERT_EQ(
+        JormComputeThresholdByOtsu(xe, 0, &src, nullptr, t, own ? method.ranges : nullptr, own ? method.bins : nullptr),
+        JORM_OK);
+}
+jorm_thhmethod some_method(Random &r, uint32_t word, vrng range, uint32_t bins) {
+    jorm_thhmethod method = {word | (r.one_in(2) ? JORM_THRESHOLD_OWN_RANGES : 0), 0, {}, {}};
+    for (int c = 0; c < 4; ++c) method.ranges[c] = range, method.bins[c] = bins;
+    return method;
+}
+
 TEST(Threshold, OtsuMethodTakesTheWholeRegion) {
     Random r(73);
     Env xe;
@@ -184,15 +191,10 @@ TEST(Threshold, OtsuMethodTakesTheWholeRegion) {
         const Index full = {axes == 4 ? 3 : 1, 20, 30, r.in(1, 3)};
         Picture src(r, type, full, false, axes), other(r, JORM_U8, full, false, axes);
         src.fill([&] { return sample(r, type); });
-        const bool in_place = type == JORM_U8 && r.one_in(2), own = r.one_in(2);
-        jorm_thhmethod method = {JORM_THRESHOLD_OTSU, 0, {}, {}};
-        if (own) method.word |= JORM_THRESHOLD_OWN_RANGES;
-        for (int c = 0; c < 4; ++c) method.ranges[c] = {2, 200}, method.bins[c] = 50;
-        jorm_thhmethod given = method;
+        const bool in_place = type == JORM_U8 && r.one_in(2);
+        const jorm_thhmethod method = some_method(r, JORM_THRESHOLD_OTSU, {2, 200}, 50);
         double t[4];
-        ASSERT_EQ(JormComputeThresholdByOtsu(xe, 0, &src.a, nullptr, t, own ? given.ranges : nullptr,
-                                             own ? given.bins : nullptr),
-                  JORM_OK);
+        otsu_of(xe, src.a, method, t);
         std::vector<double> wanted;
         each(full, [&](const Index &i) { wanted.push_back(src.get(i) > t[i[3]] ? 255 : 0); });
         const Picture &dst = in_place ? src : other;
@@ -201,12 +203,6 @@ TEST(Threshold, OtsuMethodTakesTheWholeRegion) {
         size_t k = 0;
         each(full, [&](const Index &i) { ASSERT_EQ(dst.get(i), wanted[k++]); });
     }
-}
-
-// Where position p of n lies when the picture is mirrored about its outermost samples.
-int mirrored(int p, int n) {
-    while (n > 1 && (p < 0 || p >= n)) p = p < 0 ? -p : 2 * n - 2 - p;
-    return n > 1 ? p : 0;
 }
 
 // The mean of the n by n window, in the samples' type.
@@ -258,10 +254,8 @@ TEST(Threshold, UstoFlattensTheGround) {
             const int ground = 60 + k++ * 150 / (full[0] * full[1] * full[2] * full[3]);
             return (r.one_in(6) ? ground - r.in(30, 55) : ground + r.in(-4, 4)) / (real ? 256. : 1.);
         });
-        const bool own = r.one_in(2);
-        jorm_thhmethod method = {JORM_THRESHOLD_USTO, 0, {}, {}};
-        if (own) method.word |= JORM_THRESHOLD_OWN_RANGES; // few bins that stay where they are tell where mid range is
-        for (int c = 0; c < 4; ++c) method.ranges[c] = {real ? 0.48 : 124, real ? 0.58 : 148}, method.bins[c] = 5;
+        // Few bins that stay where they are tell where mid range is.
+        const jorm_thhmethod method = some_method(r, JORM_THRESHOLD_USTO, {real ? 0.48 : 124, real ? 0.58 : 148}, 5);
         ASSERT_EQ(JormThreshold(xe, 0, &dst.a, &src.a, nullptr, nullptr, &method, nullptr, 0), JORM_OK);
         for (int z = 0; z < full[0]; ++z) {
             const auto difference = [&](const Index &i) {
@@ -275,10 +269,7 @@ TEST(Threshold, UstoFlattensTheGround) {
             each(plane, [&](const Index &i) {
                 store(type, flat.at(i), converted(type, difference(i) + (real ? 0.5 : 128) + shift[i[3]]));
             });
-            jorm_thhmethod given = method;
-            ASSERT_EQ(JormComputeThresholdByOtsu(xe, 0, &flat.a, nullptr, t, own ? given.ranges : nullptr,
-                                                 own ? given.bins : nullptr),
-                      JORM_OK);
+            otsu_of(xe, flat.a, method, t);
             each(plane, [&](const Index &i) {
                 const double largest = highest(dst.a.eltype);
                 ASSERT_EQ(dst.get({z, i[1], i[2], i[3]}), flat.get(i) > t[i[3]] ? 0 : largest);
@@ -287,47 +278,30 @@ TEST(Threshold, UstoFlattensTheGround) {
     }
 }
 
-TEST(Threshold, StatusesComeInOrder) {
+TEST(Threshold, MethodsAndTypesThatAreRefused) {
     Random r(75);
     Env xe;
-    const auto array = [&](uint32_t type, int channels) { return Picture(r, type, {1, 4, 5, channels}, true); };
-    Picture u8 = array(JORM_U8, 1), four = array(JORM_U8, 4), f32 = array(JORM_F32, 1), u16 = array(JORM_U16, 1);
-    Picture out = array(JORM_U8, 1), odd = array(JORM_U8, 1), s8 = array(JORM_S8, 1);
-    odd.a.eltype = 5;
+    const Index size = {1, 4, 5, 1};
+    const Picture out(r, JORM_U8, size), u8(r, JORM_U8, size), s8(r, JORM_S8, size), u16(r, JORM_U16, size),
+        f32(r, JORM_F32, size), four(r, JORM_U8, {1, 4, 5, 4});
     const jorm_site outside = {{0, 4, 0, 0}, {1, 1, 1, 1}};
     const jorm_thhmethod otsu = {JORM_THRESHOLD_OTSU, 0, {}, {}}, usto = {JORM_THRESHOLD_USTO, 0, {}, {}},
                          unknown = {7, 0, {}, {}};
     const double pair[2] = {3, 5}, adaptive[2] = {3, nan};
     const Bytes before = out.memory;
-    const auto run = [&](const Picture &dst, const Picture &src, const jorm_site *roi, const jorm_thhmethod *m,
-                         const double *p) { return JormThreshold(xe, 0, &dst.a, &src.a, roi, nullptr, m, p, 1); };
-    expect_each(JORM_EINVAL, {run(four, four, &outside, nullptr, pair), run(out, four, nullptr, nullptr, pair),
-                              run(out, u8, nullptr, &unknown, pair), run(out, u8, nullptr, nullptr, nullptr),
-                              run(out, odd, nullptr, nullptr, pair),
-                              JormThreshold(xe, 0, nullptr, &u8.a, nullptr, nullptr, nullptr, pair, 1),
-                              JormTGAthreshold(xe, 0, nullptr, JORM_WORD(3), nullptr, 1, out.at({}), out.a.stride, 1,
-                                               u8.at({}), u8.a.stride)});
-    expect_each(JORM_EEMPTY, {run(out, u8, &outside, &unknown, nullptr), run(out, u16, &outside, nullptr, pair)});
-    expect_each(JORM_ENOTSUP, {run(out, u16, nullptr, nullptr, pair), run(f32, u8, nullptr, &otsu, pair),
-                               run(u16, u8, nullptr, nullptr, pair), run(out, u16, nullptr, &otsu, nullptr)});
-    EXPECT_EQ(run(out, s8, nullptr, nullptr, adaptive), JORM_ENOTSUP);
-    EXPECT_EQ(run(out, s8, nullptr, &usto, nullptr), JORM_ENOTSUP);
-    for (const jorm_thhmethod *m : {&otsu, &usto})
-        EXPECT_EQ(JormThreshold(nullptr, 0, &out.a, &u8.a, nullptr, nullptr, m, nullptr, 0), JORM_ENOMEM);
-    EXPECT_EQ(JormThreshold(nullptr, 0, &out.a, &u8.a, nullptr, nullptr, nullptr, adaptive, 0), JORM_ENOMEM);
-    EXPECT_EQ(out.memory, before);
-
-    double t[2] = {-7, -7};
-    vrng range = {-inf, inf};
-    uint32_t bins = 1;
-    const auto compute = [&](const Picture &p, const jorm_site *roi, double *to) {
-        return JormComputeThresholdByOtsu(xe, 0, &p.a, roi, to, &range, &bins);
+    const auto run = [&](jorm_xe *e, const Picture &dst, const Picture &src, const jorm_thhmethod *m, const double *p,
+                         const jorm_site *roi = nullptr) {
+        return JormThreshold(e, 0, &dst.a, &src.a, roi, nullptr, m, p, 1);
     };
-    expect_each(JORM_EINVAL, {compute(u8, &outside, nullptr), compute(four, &outside, t), compute(odd, nullptr, t)});
-    EXPECT_EQ(compute(u16, &outside, t), JORM_EEMPTY);
-    expect_each(JORM_ENOTSUP, {compute(u16, nullptr, t), compute(s8, nullptr, t)});
-    EXPECT_EQ(JormComputeThresholdByOtsu(nullptr, 0, &u8.a, nullptr, t, &range, &bins), JORM_ENOMEM);
-    EXPECT_EQ(std::tuple(t[0], range.lo, bins), std::tuple(-7, -inf, 1u));
+    expect_each(JORM_EINVAL, {run(xe, four, four, nullptr, pair, &outside), run(xe, out, u8, &unknown, pair),
+                              run(xe, out, u8, nullptr, nullptr)});
+    expect_each(JORM_EEMPTY, {run(xe, out, u8, &unknown, nullptr, &outside)});
+    expect_each(JORM_ENOTSUP, {run(xe, out, u16, nullptr, pair), run(xe, f32, u8, &otsu, pair),
+                               run(xe, u16, u8, nullptr, pair), run(xe, out, u16, &otsu, nullptr),
+                               run(xe, out, s8, nullptr, adaptive), run(xe, out, s8, &usto, nullptr)});
+    expect_each(JORM_ENOMEM, {run(nullptr, out, u8, &otsu, nullptr), run(nullptr, out, u8, &usto, nullptr),
+                              run(nullptr, out, u8, nullptr, adaptive)});
+    EXPECT_EQ(out.memory, before);
 }
 
 } // namespace
