@@ -19,14 +19,12 @@ struct ExtremumOracle {
         return largest ? lowest(type) : highest(type);
     }
     template <class Value> double extremum(const Index &p, bool largest, Value value) const {
-        double best = nan;
+        double best = nan; // which loses against all others here
         bool any = false;
-        const jorm_seshape &s = c.shape;
-        each({s.extent[0], s.extent[1], s.extent[2], 1}, [&](const Index &q) {
+        c.each_place(p, [&](const Index &at, const Index &q) {
             if (uses && !uses(q)) return;
-            const double v =
-                value(Index{p[0] - s.anchor[0] + q[0], p[1] - s.anchor[1] + q[1], p[2] - s.anchor[2] + q[2], p[3]});
-            if (std::isnan(best) || (largest ? v > best : v < best)) best = v;
+            const double v = value(at);
+            best = largest ? std::fmax(best, v) : std::fmin(best, v);
             any = true;
         });
         return any ? best : neutral(largest);

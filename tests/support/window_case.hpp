@@ -47,13 +47,13 @@ struct WindowCase {
         for (size_t k = 0; k < 3; ++k) i[k] = mirrored(i[k], whole[k]);
         return load(src.eltype, seen.data() + (element(own ? src : picture.a, i) - picture.memory.data()));
     }
-    // Calls f for every position of the window of p.
+    // Calls f for every position of the window of p, with its place in the window; with the value there.
+    template <class F> void each_place(const Index &p, F f) const {
+        const int *const n = shape.extent, *const a = shape.anchor;
+        each({n[0], n[1], n[2], 1}, [&](const Index &q) { f(sum(p, {q[0] - a[0], q[1] - a[1], q[2] - a[2], 0}), q); });
+    }
     template <class F> void each_in_window(const Index &p, F f) const {
-        const Index extent = {shape.extent[0], shape.extent[1], shape.extent[2], 1};
-        each(extent, [&](const Index &q) {
-            f(at({p[0] - shape.anchor[0] + q[0], p[1] - shape.anchor[1] + q[1], p[2] - shape.anchor[2] + q[2], p[3]}),
-              q);
-        });
+        each_place(p, [&](const Index &i, const Index &q) { f(at(i), q); });
     }
 
     template <class Entry, class... Rest> int64_t call(Entry entry, jorm_xe *xe, Rest... rest) const {
