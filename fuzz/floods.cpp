@@ -1,30 +1,18 @@
 // Floods and stable regions of pictures that end at guard pages, and walks over what they leave.
 #include "harness.hpp"
 
-#include <initializer_list>
-
 namespace {
 
 // Every region lies within its parent, and areas add up to no more than the parent's.
-void check_tree(const jorm_fwtsr *root, int64_t pixels) {
-    if (!root) return;
-    const jorm_fwtsr *n = root;
-    for (int64_t steps = 0; n; ++steps) {
-        fuzz::check(steps <= 4 * pixels + 4, "tree", "does not end");
-        fuzz::check(n->area >= 0 && n->area <= pixels, "tree", "area");
-        int64_t inside = 0;
-        for (const jorm_fwtsr *c = n->child; c; c = c->next) {
-            fuzz::check(c->parent == n, "tree", "parent");
-            inside += c->area;
-        }
-        fuzz::check(inside <= n->area, "tree", "areas of children");
-        if (n->child)
-            n = n->child;
-        else {
-            while (n && n != root && !n->next) n = n->parent;
-            n = n && n != root ? n->next : nullptr;
-        }
+int32_t check_region(jorm_fwtsr *region, void *pixels, int32_t) {
+    fuzz::check(--*static_cast<int64_t *>(pixels) >= 0, "tree", "more regions than pixels");
+    int64_t inside = 0;
+    for (const jorm_fwtsr *c = region->child; c; c = c->next) {
+        fuzz::check(c->parent == region, "tree", "parent");
+        inside += c->area;
     }
+    fuzz::check(inside <= region->area, "tree", "areas of children");
+    return 1;
 }
 
 } // namespace
@@ -36,19 +24,18 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const int h = r.in(1, 40), w = r.in(1, 60), gap = r.one_in(2) ? r.in(0, 3) : 0;
     fuzz::Noise noise(r.word());
     const uint32_t levels[] = {0xFF, 1, 3, 0x1F, 0xC0}, keep = r.of(levels);
-    jorm_array image = {}, mask = {};
-    int i = 0;
-    for (jorm_array *a : {&image, &mask}) {
+    jorm_array arrays[2], &image = arrays[0], &mask = arrays[1];
+    for (int i = 0; i < 2; ++i) {
         const bool up = r.one_in(4);
-        const int step = w + gap;
-        uint8_t *const lowest = memory[i++].end() - (h - 1) * step - w;
-        for (int k = 0; k < (h - 1) * step + w; ++k) lowest[k] = uint8_t(noise() >> 7 & keep);
-        jorm_array_make(a, JORM_U8, h, w, 1, 0, lowest);
-        a->stride[1] = up ? -step : step;
-        if (up) a->base = lowest + (h - 1) * step;
+        const int step = w + gap, span = (h - 1) * step;
+        uint8_t *const lowest = memory[i].end() - span - w;
+        for (int k = 0; k < span + w; ++k) lowest[k] = uint8_t(noise() >> 7 & keep);
+        jorm_array_make(&arrays[i], JORM_U8, h, w, 1, 0, up ? lowest + span : lowest);
+        arrays[i].stride[1] = up ? -step : step;
     }
-    jorm_site roi = {{0, r.in(-2, h), r.in(-2, w), 0}, {1, r.in(0, h + 3), r.in(0, w + 3), 1}};
-    const bool whole = r.one_in(2), masked = r.one_in(3);
+    const jorm_site part = {{0, r.in(-2, h), r.in(-2, w), 0}, {1, r.in(0, h + 3), r.in(0, w + 3), 1}};
+    const jorm_site *const roi = r.one_in(2) ? nullptr : &part;
+    const bool masked = r.one_in(3);
     jorm_xe *const xe = r.one_in(6) ? nullptr : environment;
     const uint64_t options = (r.one_in(2) ? JORM_OPT_FAST : 0) | (r.one_in(3) ? JORM_OPT_MASK_INVERT : 0);
 
@@ -62,11 +49,12 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     if (r.one_in(12)) params.seed_column = r.hostile_int();
     for (int turn = 0; turn < 2; ++turn) {
         if (masked)
-            JormWatershedEx(xe, options, &image, &mask, whole ? nullptr : roi.origin, whole ? nullptr : roi.size,
+            JormWatershedEx(xe, options, &image, &mask, roi ? roi->origin : nullptr, roi ? roi->size : nullptr,
                             &params);
         else
-            JormWatershed(xe, options, &image, whole ? nullptr : &roi, &params);
-        check_tree(store.root, int64_t(h) * w);
+            JormWatershed(xe, options, &image, roi, &params);
+        int64_t pixels = 2 * int64_t(h) * w + 2;
+        jorm_fwtsr_walk(store.root, JORM_WALK_PREORDER, check_region, &pixels);
     }
     JormFWTSRESfini(&store);
 
@@ -79,7 +67,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     mser.passes = uint16_t(r.in(0, 2));
     mser.shift = uint8_t(r.in(0, 9));
     const int64_t status = masked ? JormGenerateMSERsEx(xe, options, &image, &mask, nullptr, nullptr, &mser)
-                                  : JormGenerateMSERs(xe, options, &image, whole ? nullptr : &roi, &mser);
+                                  : JormGenerateMSERs(xe, options, &image, roi, &mser);
     if (status >= 0) {
         fuzz::check(mser.dark_count + mser.bright_count == mser.regions.count, "mser", "counts");
         jorm_vector out = {};

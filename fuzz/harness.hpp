@@ -2,11 +2,11 @@
 #pragma once
 #include "jorm.h"
 
+#include <cfloat>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <sys/mman.h>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
@@ -48,18 +48,8 @@ public:
         return one_in(4) ? int32_t(word()) : of(list);
     }
     double hostile_double() {
-        static const double list[] = {0,
-                                      -0.0,
-                                      NAN,
-                                      INFINITY,
-                                      -INFINITY,
-                                      1e308,
-                                      -1e308,
-                                      4.9e-324,
-                                      std::numeric_limits<float>::max(),
-                                      2147483647.5,
-                                      -2147483648.5,
-                                      1e-45};
+        static const double list[] = {0,      -0.0,     NAN,     INFINITY,     -INFINITY,     1e308,
+                                      -1e308, 4.9e-324, FLT_MAX, 2147483647.5, -2147483648.5, 1e-45};
         return of(list);
     }
     double number() {

@@ -60,8 +60,9 @@ TEST_F(Filter, SmallWindowsOfLongRows) {
     for (int i = 0; i < 520 && !HasFatalFailure(); ++i) {
         use_level(r.in(0, jorm::level_count - 1));
         const bool means = i % 4 == 0, white = r.one_in(4), plain = r.one_in(2), centred = means || r.one_in(2);
-        const uint32_t kinds[] = {JORM_FILTER_MIN, JORM_FILTER_MAX}, kind = means ? JORM_FILTER_BOX : r.of(kinds);
-        const uint32_t type = means ? JORM_U8 : r.of(types);
+        const uint32_t extrema[] = {JORM_FILTER_MIN, JORM_FILTER_MAX};
+        uint32_t type = r.of(types), kind = r.of(extrema);
+        if (means) type = JORM_U8, kind = JORM_FILTER_BOX;
         const int halves = r.in(2, means ? 14 : 5), beside = r.one_in(3) ? 0 : r.in(-3, 6);
         const Index size = {1, r.in(1, 9), halves * 32 / bytes_of(type) + beside, 1};
         const int height = r.of(std::array{3, 5}), width = means ? r.of(std::array{3, 5}) : height;
