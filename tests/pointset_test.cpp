@@ -1,9 +1,9 @@
 // Sorting by angle, hulls, orientation and enclosing rectangles of point sets against exact arithmetic.
 #include "jorm/pointset.h"
+#include "support/families.hpp"
 #include "support/picture.hpp"
 
 #include <cstdlib>
-#include <tuple>
 
 namespace {
 
@@ -12,23 +12,14 @@ using Points = std::vector<I>;
 using Pairs = std::vector<std::pair<double, double>>;
 __extension__ typedef __int128 Big;
 
-// The three families behind one set of overloads, for points that all of them can hold.
-#define FAMILY(k)                                                                                                      \
-    void angular_sort(jorm_##k##_pt *p, int n) { EXPECT_EQ(p, jorm_##k##_ptv_sort_$I(p, n)); }                         \
-    int hull(jorm_##k##_pt *p, int n) { return jorm_##k##_ptv_convexhull_$I(p, n); }                                   \
-    int hull(jorm_##k##_pt *out, const jorm_##k##_pt *p, int n) { return jorm_##k##_ptv_convexhull(out, p, n); }       \
-    int hull(const jorm_##k##_pt *p, int n, jorm_##k##_pt **out) { return jorm_##k##_ptv_aconvexhull(p, n, out); }     \
-    std::vector<double> shape(const jorm_##k##_pt *p, int n) {                                                         \
-        return {jorm_##k##_ptv___sarea(p, n), double(jorm_##k##_ptv_iscclockwise(p, n)),                               \
-                double(jorm_##k##_ptv_isclockwise(p, n)), double(jorm_##k##_ptv_isconvex(p, n)),                       \
-                double(jorm_##k##_ptv_all_colinear(p, n))};                                                            \
-    }
-FAMILY(2d)
-FAMILY(f2d)
-FAMILY(r2d)
+// clang-format off
+OF_ALL(ptv_sort_$I) OF_ALL(ptv_convexhull_$I) OF_ALL(ptv_convexhull) OF_ALL(ptv_aconvexhull) OF_ALL(ptv___sarea)
+OF_ALL(ptv_iscclockwise) OF_ALL(ptv_isclockwise) OF_ALL(ptv_isconvex) OF_ALL(ptv_all_colinear)
+    // clang-format on
 
-// Integer points on a grid of the given pitch.
-template <class P> std::vector<P> on_grid(const Points &points, double origin, double pitch) {
+    // Integer points on a grid of the given pitch.
+    template <class P>
+    std::vector<P> on_grid(const Points &points, double origin, double pitch) {
     std::vector<P> v;
     for (I p : points) v.push_back({decltype(P::x)(origin + p.x * pitch), decltype(P::y)(origin + p.y * pitch)});
     return v;
@@ -69,9 +60,9 @@ template <class P> void check_hull(const Points &points, const Points &expected,
     const int n = int(in.size());
     auto own = in, other = in;
     P *block = nullptr;
-    const std::pair<int, const P *> results[] = {{hull(own.data(), n), own.data()},
-                                                 {hull(other.data(), in.data(), n), other.data()},
-                                                 {hull(in.data(), n, &block), block}};
+    const std::pair<int, const P *> results[] = {{ptv_convexhull_$I(own.data(), n), own.data()},
+                                                 {ptv_convexhull(other.data(), in.data(), n), other.data()},
+                                                 {ptv_aconvexhull(in.data(), n, &block), block}};
     for (const auto &[count, result] : results)
         ASSERT_EQ(pairs(want.data(), want.size()), pairs(result, size_t(count)));
     free(block);
@@ -129,7 +120,7 @@ TEST(PointSet, TurnsOfFloatsAreExact) {
         std::vector<jorm_r2d_pt> v = {{12, 12}, {24, 24}, {12, 12 + 0x1p-49 * (round % 3 - 1)}};
         while (v.size() < 12) v.push_back({0.5 + r.in(0, 15) * 0x1p-53, 0.5 + r.in(0, 15) * 0x1p-53});
         auto h = v;
-        const int n = hull(h.data(), 12);
+        const int n = jorm_r2d_ptv_convexhull_$I(h.data(), 12);
         for (int i = 0; i < n; ++i) {
             const auto &a = h[i], &b = h[(i + 1) % n];
             ASSERT_TRUE(turn(a, b, h[(i + 2) % n]) > 0);
@@ -146,7 +137,7 @@ bool comes_first(I pivot, I a, I b) {
 }
 
 template <class P> Pairs sorted_by_angle(std::vector<P> v) {
-    angular_sort(v.data(), int(v.size()));
+    EXPECT_EQ(ptv_sort_$I(v.data(), int(v.size())), v.data());
     return pairs(v.data(), v.size());
 }
 
@@ -176,6 +167,12 @@ TEST(PointSet, SortsByAngleAndDistance) {
     EXPECT_TRUE(std::is_permutation(sorted.begin(), sorted.end(), all.begin()));
 }
 
+template <class P> std::vector<double> shape(const std::vector<P> &v) {
+    const int n = int(v.size());
+    return {ptv___sarea(v.data(), n), double(ptv_iscclockwise(v.data(), n)), double(ptv_isclockwise(v.data(), n)),
+            double(ptv_isconvex(v.data(), n)), double(ptv_all_colinear(v.data(), n))};
+}
+
 TEST(PointSet, AreaOrientationConvexity) {
     const std::pair<Points, std::vector<double>> cases[] = {
         // area, ccw, cw, convex, colinear
@@ -190,15 +187,14 @@ TEST(PointSet, AreaOrientationConvexity) {
         {{{-5, -5}, {5, 5}, {1, 1}}, {0, 0, 1, 1, 1}},
     };
     for (const auto &[points, wanted] : cases) {
-        const int n = int(points.size());
-        EXPECT_EQ(wanted, shape(points.data(), n)) << n;
-        EXPECT_EQ(wanted, shape(on_grid<jorm_f2d_pt>(points, 0, 1).data(), n)) << n;
-        EXPECT_EQ(wanted, shape(on_grid<jorm_r2d_pt>(points, 0, 1).data(), n)) << n;
+        EXPECT_EQ(wanted, shape(points));
+        EXPECT_EQ(wanted, shape(on_grid<jorm_f2d_pt>(points, 0, 1)));
+        EXPECT_EQ(wanted, shape(on_grid<jorm_r2d_pt>(points, 0, 1)));
     }
     const int32_t lo = INT32_MIN, hi = INT32_MAX;
     const Points whole = {{lo, lo}, {lo, hi}, {hi, hi}, {hi, lo}}, thin = {{lo, lo}, {hi, hi - 1}, {hi, hi}};
-    EXPECT_EQ((std::vector<double>{0x1p64 - 0x1p33 + 1, 0, 1, 1, 0}), shape(whole.data(), 4));
-    EXPECT_EQ((std::vector<double>{-2147483647.5, 1, 0, 1, 0}), shape(thin.data(), 3));
+    EXPECT_EQ((std::vector<double>{0x1p64 - 0x1p33 + 1, 0, 1, 1, 0}), shape(whole));
+    EXPECT_EQ((std::vector<double>{-2147483647.5, 1, 0, 1, 0}), shape(thin));
 }
 
 TEST(PointSet, LowestBoundsAndCasts) {

@@ -498,28 +498,29 @@ TEST(WatershedBuilder, SurvivesEveryFailure) {
     const Flood known("mp", 0);
     jorm_wtstb record = {};
     int complete = 0;
+    const auto flood = [&](jorm_stb *b) {
+        const jorm_wtsl &ops = operations(b);
+        ops.setup(nullptr, b, &known.layout, 0);
+        void *last = nullptr;
+        for (int i = 0; i < 20; ++i) {
+            jorm_dgt *const node = __JormWTSTBnewregionNode(nullptr, b, nullptr);
+            if (!node) continue;
+            __JormSTBrootnode(b, &node->node);
+            ops.update2D(nullptr, b, &known.layout, node->data, std::array{1, 2, 3, 4, 5, 6}.data(), 3);
+            if (last) (i % 2 ? ops.merge : ops.lazymerge)(nullptr, b, &known.layout, node->data, last);
+            last = node->data;
+        }
+        ops.gather(nullptr, b, &known.layout, 1);
+        complete += last && known.data<jorm_pixlist>(last, JORM_WTS_PIXELS).count == 60;
+        JormSTBclose(b, 0);
+    };
     const int requests = for_each_failure("builder", [&] {
         for (jorm_stb *given : {&record.builder, static_cast<jorm_stb *>(nullptr)}) {
             jorm_st *const tree = JormSTopen(nullptr, nullptr);
-            jorm_stb *const b = JormWTSTBopen(given, tree, nullptr, 64);
-            if (!b) {
+            if (jorm_stb *const b = JormWTSTBopen(given, tree, nullptr, 64))
+                flood(b);
+            else
                 JormSTclose(tree, 0);
-                continue;
-            }
-            const jorm_wtsl &ops = operations(b);
-            ops.setup(nullptr, b, &known.layout, 0);
-            void *last = nullptr;
-            for (int i = 0; i < 20; ++i) {
-                jorm_dgt *const node = __JormWTSTBnewregionNode(nullptr, b, nullptr);
-                if (!node) continue;
-                __JormSTBrootnode(b, &node->node);
-                ops.update2D(nullptr, b, &known.layout, node->data, std::array{1, 2, 3, 4, 5, 6}.data(), 3);
-                if (last) (i % 2 ? ops.merge : ops.lazymerge)(nullptr, b, &known.layout, node->data, last);
-                last = node->data;
-            }
-            ops.gather(nullptr, b, &known.layout, 1);
-            complete += last && known.data<jorm_pixlist>(last, JORM_WTS_PIXELS).count == 60;
-            JormSTBclose(b, 0);
         }
     });
     EXPECT_TRUE(requests > 40 && complete >= 2) << requests << ' ' << complete;

@@ -60,11 +60,11 @@ TEST(Watershed, Masks) {
         const auto on = [&](int y, int x) { return mask[size_t(y * W + x)] != off; };
 
         // The start: the first pixel selected from the seed on, then from the beginning.
-        int start = -1;
-        for (int i = row * W + column; i < H * W && start < 0; ++i)
-            if (on(i / W, i % W)) start = i;
-        for (int i = 0; i < row * W + column && start < 0; ++i)
-            if (on(i / W, i % W)) start = i, ++found_before;
+        const int n = H * W, seed = row * W + column;
+        int after = 0;
+        while (after < n && !on((seed + after) % n / W, (seed + after) % n % W)) ++after;
+        const int start = after < n ? (seed + after) % n : -1;
+        found_before += start >= 0 && start < seed;
         const int drop = start >= 0 && row == 0 && column == 0 ? start / W : 0, x = start % W;
         const bool empty = start < 0 || x + 1 >= W;
         nothing += empty;
