@@ -217,40 +217,36 @@ TEST(PointSet, LowestBoundsAndCasts) {
 
 TEST(PointSet, LeastRectangle) {
     Random r(4);
-    for (int kind = 0; kind < 5; ++kind)
-        for (size_t n : {2, 3, 4, 6, 40, 200})
-            for (int range : {3, 40, 1000}) {
-                const Points v = some_points(r, kind, n, range);
-                jorm_r2d_quad q, box;
-                ASSERT_EQ(&q, jorm_2d_ptv_minbquad_$r(&q, v.data(), int(n)));
-                jorm_2d_ptv_bquad_$r(&box, v.data(), int(n));
-                const auto side = [&](int a, int b) {
-                    return std::hypot(q.pt[b].x - q.pt[a].x, q.pt[b].y - q.pt[a].y);
-                };
-                double least = (box.pt[2].x - box.pt[0].x) * (box.pt[2].y - box.pt[0].y);
-                const bool flat = least == 0;
-                // No direction beats those of the edges, which are among these.
-                for (I a : v)
-                    for (I b : v) {
-                        const double ex = b.x - a.x, ey = b.y - a.y;
-                        double u0 = 0, u1 = 0, v0 = 0, v1 = 0;
-                        for (I p : v) {
-                            const double u = (p.x - a.x) * ex + (p.y - a.y) * ey,
-                                         w = (p.y - a.y) * ex - (p.x - a.x) * ey;
-                            u0 = std::min(u0, u), u1 = std::max(u1, u), v0 = std::min(v0, w), v1 = std::max(v1, w);
-                        }
-                        if (u1 > 0) least = std::min(least, (u1 - u0) * (v1 - v0) / (ex * ex + ey * ey));
-                    }
-                EXPECT_NEAR(least, side(0, 1) * side(1, 2), 1e-9 * range * range);
-                EXPECT_NEAR(side(0, 2), side(1, 3), 1e-9 * range);
-                EXPECT_TRUE(!flat || !memcmp(&q, &box, sizeof q));
-                for (int k = 0; k < 4; ++k) { // all points inside, corners in order
-                    const auto &a = q.pt[k], &b = q.pt[(k + 1) % 4];
-                    for (I p : v)
-                        EXPECT_GE((b.y - a.y) * (p.x - a.x) - (b.x - a.x) * (p.y - a.y), -1e-9 * range * range);
+    for (int round = 0; round < 400; ++round) {
+        const int range = round % 2 ? 3 : round % 4 ? 40 : 1000; // edges of one unit, of many
+        const size_t n = round % 10 ? size_t(r.in(2, 9)) : size_t(r.in(40, 200));
+        const Points v = some_points(r, round % 5, n, range);
+        jorm_r2d_quad q, box;
+        ASSERT_EQ(&q, jorm_2d_ptv_minbquad_$r(&q, v.data(), int(n)));
+        jorm_2d_ptv_bquad_$r(&box, v.data(), int(n));
+        const auto side = [&](int a, int b) { return std::hypot(q.pt[b].x - q.pt[a].x, q.pt[b].y - q.pt[a].y); };
+        double least = (box.pt[2].x - box.pt[0].x) * (box.pt[2].y - box.pt[0].y);
+        const bool flat = least == 0;
+        // No direction beats those of the edges, which are among these.
+        for (I a : v)
+            for (I b : v) {
+                const double ex = b.x - a.x, ey = b.y - a.y;
+                double u0 = 0, u1 = 0, v0 = 0, v1 = 0;
+                for (I p : v) {
+                    const double u = (p.x - a.x) * ex + (p.y - a.y) * ey, w = (p.y - a.y) * ex - (p.x - a.x) * ey;
+                    u0 = std::min(u0, u), u1 = std::max(u1, u), v0 = std::min(v0, w), v1 = std::max(v1, w);
                 }
-                EXPECT_GT(q.pt[3].x - q.pt[0].x + 1e-9, std::fabs(q.pt[3].y - q.pt[0].y));
+                if (u1 > 0) least = std::min(least, (u1 - u0) * (v1 - v0) / (ex * ex + ey * ey));
             }
+        EXPECT_NEAR(least, side(0, 1) * side(1, 2), 1e-9 * range * range);
+        EXPECT_NEAR(side(0, 2), side(1, 3), 1e-9 * range);
+        EXPECT_TRUE(!flat || !memcmp(&q, &box, sizeof q));
+        for (int k = 0; k < 4; ++k) { // all points inside, corners in order
+            const auto &a = q.pt[k], &b = q.pt[(k + 1) % 4];
+            for (I p : v) EXPECT_GE((b.y - a.y) * (p.x - a.x) - (b.x - a.x) * (p.y - a.y), -1e-9 * range * range);
+        }
+        EXPECT_GT(q.pt[3].x - q.pt[0].x + 1e-9, std::fabs(q.pt[3].y - q.pt[0].y));
+    }
     jorm_f2d_quad f;
     const auto corners = [&](Points p) { return pairs(jorm_2d_ptv_minbquad_$f(&f, p.data(), int(p.size()))->pt, 4); };
     EXPECT_EQ((Pairs{{0, -5}, {-5, 0}, {0, 5}, {5, 0}}), corners({{0, -5}, {5, 0}, {0, 5}, {-5, 0}}));

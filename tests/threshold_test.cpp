@@ -252,7 +252,8 @@ TEST(Threshold, UstoFlattensTheGround) {
         int k = 0;
         src.fill([&] { // marks on a ramp
             const int ground = 60 + k++ * 150 / (full[0] * full[1] * full[2] * full[3]);
-            return (r.one_in(6) ? ground - r.in(30, 55) : ground + r.in(-4, 4)) / (real ? 256. : 1.);
+            const int mark = r.one_in(20) ? r.in(0, 1) * 255 : ground - r.in(30, 55); // at times beyond all bounds
+            return (r.one_in(6) ? mark : ground + r.in(-4, 4)) / (real ? 256. : 1.);
         });
         // Few bins that stay where they are tell where mid range is.
         const jorm_thhmethod method = some_method(r, JORM_THRESHOLD_USTO, {real ? 0.48 : 124, real ? 0.58 : 148}, 5);
