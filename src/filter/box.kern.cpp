@@ -155,11 +155,13 @@ void small_means_of(u8 *const *to, const u8 *const *rows, int64_t n, const ByteM
         const Words both = here.even + here.odd;
         Words first = both, second = both;
         if constexpr (Width == 3) {
-            first += AllWords::before(before.odd, here.odd);
-            second += AllWords::after(here.even, after.even);
+            first += bytes_from<register_bytes - 2>(before.odd, here.odd);
+            second += bytes_from<2>(here.even, after.even);
         } else {
-            first += AllWords::before(before.even + before.odd, both) + AllWords::after(here.even, after.even);
-            second += AllWords::before(before.odd, here.odd) + AllWords::after(both, after.even + after.odd);
+            first +=
+                bytes_from<register_bytes - 2>(before.even + before.odd, both) + bytes_from<2>(here.even, after.even);
+            second +=
+                bytes_from<register_bytes - 2>(before.odd, here.odd) + bytes_from<2>(both, after.even + after.odd);
         }
         const Words pairs = pair_of(mean(first), mean(second));
         __builtin_memcpy(at, &pairs, sizeof pairs);

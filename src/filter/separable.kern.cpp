@@ -253,7 +253,9 @@ template <class T> struct InOrder {
     // The register before the first one, and the one after the last.
     static Numbers before(Numbers last_before, Numbers) { return last_before; }
     static Numbers after(Numbers, Numbers first_after) { return first_after; }
-    template <int N> [[gnu::always_inline]] static Numbers from(Numbers a, Numbers b) { return numbers_from<N>(a, b); }
+    template <int N> [[gnu::always_inline]] static Numbers from(Numbers a, Numbers b) {
+        return bytes_from<4 * N>(a, b);
+    }
     static constexpr int most = lanes;
     [[gnu::always_inline]] static void store(T *to, const Numbers (&sums)[4]) { store_results<T, f32>(to, sums); }
 };
@@ -271,10 +273,10 @@ struct ByQuarters {
             });
     }
     [[gnu::always_inline]] static Numbers before(Numbers last_before, Numbers last) {
-        return numbers_from<lanes - 4>(last_before, last);
+        return bytes_from<register_bytes - 16>(last_before, last);
     }
     [[gnu::always_inline]] static Numbers after(Numbers first, Numbers first_after) {
-        return numbers_from<4>(first, first_after);
+        return bytes_from<16>(first, first_after);
     }
     template <int N> [[gnu::always_inline]] static Numbers from(Numbers a, Numbers b) {
 #if defined(JORM_LEVEL_avx512)
@@ -282,7 +284,7 @@ struct ByQuarters {
 #elif defined(JORM_LEVEL_avx2)
         return Numbers(_mm256_alignr_epi8(__m256i(b), __m256i(a), 4 * N));
 #else
-        return numbers_from<N>(a, b);
+        return bytes_from<4 * N>(a, b);
 #endif
     }
     static constexpr int most = 4;
@@ -373,10 +375,13 @@ void small_windows(void *to, const WeightedRows &down, const WeightedRows &along
     }
 }
 
+// Bytes whose weights no scale makes whole are too rare for rows of their own where there are scaled ones.
 #ifdef __x86_64__
-constexpr auto small_bytes = small_windows<u8, ByQuarters>;
-#else
+constexpr auto small_scaled_bytes = small_windows<u8, ByQuarters>;
 constexpr auto small_bytes = nullptr;
+#else
+constexpr auto small_scaled_bytes = nullptr;
+constexpr auto small_bytes = small_windows<u8, InOrder<u8>>;
 #endif
 
 } // namespace
@@ -385,8 +390,8 @@ constexpr auto small_bytes = nullptr;
     { sizeof(Sum), sizeof(Sum), down<T, Sum>, along<Sum, T>, along<Sum, Sum>, small, 12 * lanes }
 extern const SeparableRows separable_rows[];
 const SeparableRows separable_rows[] = {
-    {sizeof(f32), sizeof(s16), down_bytes, along<f32, u8>, along<f32, f32>, small_bytes, 12 * lanes},
-    LINE(u8, f32, (small_windows<u8, InOrder<u8>>)),
+    {sizeof(f32), sizeof(s16), down_bytes, along<f32, u8>, along<f32, f32>, small_scaled_bytes, 12 * lanes},
+    LINE(u8, f32, small_bytes),
     LINE(s16, f32, (small_windows<s16, InOrder<s16>>)),
     LINE(f32, f32, (small_windows<f32, InOrder<f32>>)),
     LINE(u8, f64, nullptr),

@@ -25,9 +25,12 @@ template <class V> [[gnu::always_inline]] inline V read(const void *from) {
     return v;
 }
 template <class To, int N, class From> [[gnu::always_inline]] inline VectorOf<To, N> converted(VectorOf<From, N> v) {
-#ifdef JORM_LEVEL_avx512 // the compiler would go by halves
+#if defined(JORM_LEVEL_avx512) // the compiler would go by halves
     if constexpr (same<To, f64> && same<From, f32> && N == 8)
         return VectorOf<To, N>(_mm512_maskz_cvtps_pd(0xff, __m256(v)));
+#elif defined(JORM_LEVEL_base) && defined(__x86_64__) // and by elements here
+    if constexpr (same<To, f64> && same<From, f32> && N == 2)
+        return VectorOf<To, N>(_mm_cvtps_pd(_mm_castsi128_ps(_mm_cvtsi64_si128(__builtin_bit_cast(s64, v)))));
 #endif
     if constexpr (N == 1)
         return To(v);
@@ -35,59 +38,41 @@ template <class To, int N, class From> [[gnu::always_inline]] inline VectorOf<To
         return __builtin_convertvector(v, VectorOf<To, N>);
 }
 
-// A register of the bytes from byte N on of two that lie side by side.
-template <int... I> struct ByteList {};
-template <int N, int... I> [[gnu::always_inline]] inline auto bytes_from(auto a, auto b, ByteList<I...>) {
-    return __builtin_shufflevector(a, b, (N + I)...);
-}
-template <int N, class V> [[gnu::always_inline]] inline V bytes_from(V a, V b) {
-    static_assert(sizeof(V) == register_bytes && N >= 0 && N <= 16);
-    if constexpr (N == 0) return a;
-#if defined(JORM_LEVEL_avx512)
-    const __m512i x = (__m512i)a, next = _mm512_maskz_alignr_epi64(0xff, (__m512i)b, x, 2);
-    return V(N == 16 ? next : _mm512_maskz_alignr_epi8(~__mmask64(0), next, x, N & 15));
-#elif defined(JORM_LEVEL_avx2)
-    const __m256i x = (__m256i)a, next = _mm256_permute2x128_si256(x, (__m256i)b, 0x21);
-    return V(N == 16 ? next : _mm256_alignr_epi8(next, x, N & 15));
-#elif defined(__x86_64__)
-    return V(_mm_or_si128(_mm_bsrli_si128((__m128i)a, N), _mm_bslli_si128((__m128i)b, 16 - N)));
-#else
-    using Bytes = VectorOf<u8, 16>;
-    using List = ByteList<0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15>;
-    return V(bytes_from<N>(Bytes(a), Bytes(b), List()));
-#endif
-}
-
-// A register of numbers, and those from number N on of two side by side.
 using Numbers = VectorOf<f32, register_bytes / 4>;
-template <int N> [[gnu::always_inline]] inline Numbers numbers_from(Numbers a, Numbers b) {
-#if defined(JORM_LEVEL_avx512)
-    return Numbers(_mm512_maskz_alignr_epi32(0xffff, __m512i(b), __m512i(a), N));
-#elif defined(JORM_LEVEL_avx2)
-    return __builtin_shufflevector(a, b, N, N + 1, N + 2, N + 3, N + 4, N + 5, N + 6, N + 7);
-#else
-    return __builtin_shufflevector(a, b, N, N + 1, N + 2, N + 3);
-#endif
-}
-
-// A register of words, and the words of two side by side that begin at the last one of `before`, or at the second one.
 using Words = VectorOf<uint16_t, register_bytes / 2>;
-template <int... I> struct WordList {
-    [[gnu::always_inline]] static Words before(Words before, Words w) {
-        return __builtin_shufflevector(before, w, (sizeof...(I) - 1 + I)...);
-    }
-    [[gnu::always_inline]] static Words after(Words w, Words after) {
-        return __builtin_shufflevector(w, after, (1 + I)...);
+
+// A register of the bytes from byte N on of two that lie side by side.
+template <int... I> struct Places {
+    template <int N, class V> [[gnu::always_inline]] static V from(V a, V b) {
+        return __builtin_shufflevector(a, b, (N + I)...);
     }
 };
+template <int N, class V> [[gnu::always_inline]] inline V bytes_from(V a, V b) {
+    static_assert(sizeof(V) == register_bytes && N >= 0 && N <= register_bytes);
 #if defined(JORM_LEVEL_avx512)
-using AllWords = WordList<0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25,
-                          26, 27, 28, 29, 30, 31>;
+    constexpr int part = N / 16, rest = N % 16;
+    const __m512i x = __m512i(a), y = __m512i(b);
+    if constexpr (N == register_bytes) return b;
+    if constexpr (N % 4 == 0) return V(_mm512_maskz_alignr_epi32(0xffff, y, x, N / 4 % 16));
+    const __m512i first = part == 0 ? x : _mm512_maskz_alignr_epi64(0xff, y, x, 2 * part);
+    const __m512i next = part == 3 ? y : _mm512_maskz_alignr_epi64(0xff, y, x, (2 * part + 2) % 8);
+    return V(_mm512_maskz_alignr_epi8(~__mmask64(0), next, first, rest));
 #elif defined(JORM_LEVEL_avx2)
-using AllWords = WordList<0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15>;
+    if constexpr (N == 0) return a;
+    if constexpr (N == register_bytes) return b;
+    const __m256i x = __m256i(a), y = __m256i(b), between = _mm256_permute2x128_si256(x, y, 0x21);
+    if constexpr (N == 16) return V(between);
+    return V(N < 16 ? _mm256_alignr_epi8(between, x, N % 16) : _mm256_alignr_epi8(y, between, N % 16));
 #else
-using AllWords = WordList<0, 1, 2, 3, 4, 5, 6, 7>;
+    if constexpr (N % 4 == 0) return V(Places<0, 1, 2, 3>::from<N / 4>(Numbers(a), Numbers(b)));
+#ifdef __x86_64__
+    return V(_mm_or_si128(_mm_bsrli_si128(__m128i(a), N), _mm_bslli_si128(__m128i(b), 16 - N)));
+#else
+    using Bytes = VectorOf<u8, 16>;
+    return V(Places<0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15>::from<N>(Bytes(a), Bytes(b)));
 #endif
+#endif
+}
 
 // The high halves of products.
 [[gnu::always_inline]] inline Words high_words(Words a, uint16_t b) {
