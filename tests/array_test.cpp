@@ -259,42 +259,38 @@ TEST(Overlap, CoarseAnswers) {
 }
 
 TEST(Toolkit, AccessorsAndCounts) {
-    const Index e = {2, -1, 3, 11}, s = {0, 64, 12, 2};
-    const int64_t values[][2] = {
-        {jorm_rowstride(JORM_WORD(4), s.data()), 64},
-        {jorm__rowstride(2, &s[2]), 0},
-        {jorm__rowstride2(2, &e[2], &s[2]), 36},
-        {jorm__pixpadding(3, &e[1], &s[1]), 12 - 4 * 2},
-        {jorm_rowpadding(JORM_WORD(3), &e[1], &s[1]), 64 - 36},
-        {jorm__rowpadding(2, &e[2], &s[2]), -36},
-        {jorm_volume__height(2, e.data()), 1},
-        {jorm_volume__nchannels(4, e.data()), 4},
-        {jorm_volume__capacity(3, e.data()), -6},
-        {jorm_volume__capacity_$Q(3, e.data()), 0},
-        {jorm_volume__capacity_$Q(0, nullptr), 1},
-        {jorm_volume__capacity(0, e.data()), 2},
-        {jorm_volume_pixcap(JORM_WORD(4), e.data()), -6},
-        {jorm_volume__empty(2, e.data()), 1},
-        {jorm_volume__empty(1, e.data()), 0},
-    };
-    for (const auto &[got, want] : values) EXPECT_EQ(got, want) << &got - values[0];
-    for (int n = 0; n <= 4; ++n) {
-        const auto agree = [&](auto counted, auto worded, auto... v) {
-            EXPECT_EQ(counted(n, v...), worded(JORM_WORD(n), v...)) << n;
-        };
-        const int32_t *const x = e.data(), *const y = s.data();
-        agree(jorm__elstride, jorm_elstride, y), agree(jorm__pixstride, jorm_pixstride, y);
-        agree(jorm__rowstride, jorm_rowstride, y), agree(jorm__rowstride2, jorm_rowstride2, x, y);
-        agree(jorm__pixpadding, jorm_pixpadding, x, y), agree(jorm__rowpadding, jorm_rowpadding, x, y);
-        agree(jorm_volume__height, jorm_volume_height, x), agree(jorm_volume__nchannels, jorm_volume_nchannels, x);
-        agree(jorm_volume__capacity, jorm_volume_capacity, x), agree(jorm_volume__pixcap, jorm_volume_pixcap, x);
-        agree(jorm_volume__capacity_$Q, jorm_volume_capacity_$Q, x);
-        agree(jorm_volume__pixcap_$Q, jorm_volume_pixcap_$Q, x), agree(jorm_volume__empty, jorm_volume_empty, x);
-    }
-    EXPECT_EQ(jorm__elstride(4, s.data()), 2);
-    EXPECT_EQ(jorm__pixstride(4, s.data()), 12);
-    EXPECT_EQ(jorm_volume__pixcap_$Q(3, Index{1 << 10, 1 << 10, 3}.data()), 1 << 20);
-    EXPECT_EQ(jorm_volume__pixcap_$Q(3, Index{1 << 20, 1 << 20, 3}.data()), 0);
+    const Index s = {0, 64, 12, 2};
+    for (const Index &e : {Index{2, -1, 3, 11}, {2, 3, 5, 3}, {1 << 10, 1 << 10, 3, 4}, {1 << 20, 1 << 20, 0, 12}})
+        for (int n = 0; n <= 4; ++n) {
+            const auto from_end = [n](const Index &v, int k, int none = 0) { return n < k ? none : v[size_t(n - k)]; };
+            const auto product = [&e](int count) { // modulo 2^32
+                uint32_t p = 1;
+                for (int i = 0; i < count; ++i) p *= uint32_t(e[size_t(i)]);
+                return int32_t(p);
+            };
+            const auto positive = [&e](int count, int least) {
+                return std::all_of(&e[0], &e[0] + count, [least](int v) { return v >= least; });
+            };
+            const auto check = [n](auto counted, auto worded, int32_t wanted, auto... v) {
+                EXPECT_EQ(counted(n, v...), wanted) << n;
+                EXPECT_EQ(worded(JORM_WORD(n), v...), wanted) << n;
+            };
+            const int32_t *const x = e.data(), *const y = s.data(), row = from_end(e, 2) * from_end(s, 2);
+            const int channels = (from_end(e, 1) & 7) + (from_end(e, 1) >> 3 & 1), pixels = std::max(n - 1, 0);
+            check(jorm__elstride, jorm_elstride, from_end(s, 1), y);
+            check(jorm__pixstride, jorm_pixstride, from_end(s, 2), y);
+            check(jorm__rowstride, jorm_rowstride, from_end(s, 3), y);
+            check(jorm__rowstride2, jorm_rowstride2, n < 3 ? row : from_end(s, 3), x, y);
+            check(jorm__pixpadding, jorm_pixpadding, from_end(s, 2) - channels * from_end(s, 1), x, y);
+            check(jorm__rowpadding, jorm_rowpadding, from_end(s, 3) - row, x, y);
+            check(jorm_volume__height, jorm_volume_height, from_end(e, 3, 1), x);
+            check(jorm_volume__nchannels, jorm_volume_nchannels, channels, x);
+            check(jorm_volume__capacity, jorm_volume_capacity, product(std::max(n, 1)), x);
+            check(jorm_volume__pixcap, jorm_volume_pixcap, product(std::max(n - 1, 1)), x);
+            check(jorm_volume__capacity_$Q, jorm_volume_capacity_$Q, positive(n, 0) * product(n), x);
+            check(jorm_volume__pixcap_$Q, jorm_volume_pixcap_$Q, positive(pixels, 0) * product(pixels), x);
+            check(jorm_volume__empty, jorm_volume_empty, !positive(n, 1), x);
+        }
     EXPECT_EQ(jorm_elpadding(), 0);
     Index v;
     EXPECT_EQ(slots(_jorm_Nvolume__$(v.data())), (Index{1, 1, 1, 1}));
