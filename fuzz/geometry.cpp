@@ -22,30 +22,23 @@ template <class T> constexpr bool is_whole = one_of<T, jorm_2d_pt, jorm_2d_rect,
 template <class T>
 using Coordinate = std::conditional_t<is_whole<T>, int32_t, std::conditional_t<is_single<T>, float, double>>;
 
-// Numbers of one call: of few values, so that points coincide and lie on lines, of common size, any bits, or hostile.
-class Numbers {
-public:
-    explicit Numbers(fuzz::ByteReader &reader) : r(reader), style_(r.in(0, 3)) {}
-    template <class T> T next() {
-        if (style_ < 2) return T(style_ ? r.in(-600, 600) : r.in(-2, 2));
-        if (style_ == 2) {
-            const uint64_t bits = r.wide();
-            T value;
-            return std::memcpy(&value, &bits, sizeof value), value;
-        }
-        if constexpr (std::is_same_v<T, int32_t>) return r.hostile_int();
-        return T(std::clamp(r.number(), -1e308, 1e308)); // NaN remains
+// A number of a call: in its style of few values, so that points coincide and lie on lines, of common size, of any
+// bits, or hostile.
+template <class T> T number(fuzz::ByteReader &r, int style) {
+    if (style < 2) return T(style ? r.in(-600, 600) : r.in(-2, 2));
+    if (style == 2) {
+        const uint64_t bits = r.wide();
+        T value;
+        return std::memcpy(&value, &bits, sizeof value), value;
     }
-    fuzz::ByteReader &r;
-
-private:
-    int style_;
-};
+    if constexpr (std::is_same_v<T, int32_t>) return r.hostile_int();
+    return T(std::clamp(r.number(), -1e308, 1e308)); // NaN remains
+}
 
 struct Call {
     const char *name;
-    Numbers numbers;
-    int n;          // of the points of vectors
+    fuzz::ByteReader &r;
+    int style, n;   // of the points of vectors
     struct Memory { // of an argument
         uint8_t *start;
         size_t size;
@@ -60,15 +53,15 @@ struct Call {
         using Bare = std::remove_pointer_t<T>;
         using Record = std::remove_const_t<Bare>;
         if constexpr (std::is_same_v<T, int32_t>)
-            return has_count ? n : numbers.next<T>();
+            return has_count ? n : number<T>(r, style);
         else if constexpr (!std::is_pointer_v<T>)
-            return numbers.next<T>();
+            return number<T>(r, style);
         else if constexpr (std::is_pointer_v<Bare>) {
             static Bare list;
             return &list;
         } else {
             constexpr bool vector = has_count && is_point<Record> && std::is_same_v<Next, int32_t>;
-            if (vector && numbers.r.one_in(16)) return nullptr;
+            if (vector && r.one_in(16)) return nullptr;
             int count = std::is_same_v<Record, double> ? 4 : 1;
             if (is_point<Record>)
                 count = vector                            ? std::max(n, 0)
@@ -82,7 +75,7 @@ struct Call {
             m.output = !std::is_const_v<Bare>;
             using C = Coordinate<Record>;
             for (size_t i = 0; i < m.size; i += sizeof(C)) {
-                const C value = numbers.next<C>();
+                const C value = number<C>(r, style);
                 std::memcpy(m.input + i, &value, sizeof value);
             }
             return reinterpret_cast<T>(m.start);
@@ -97,7 +90,8 @@ template <class R, class First, class... A, size_t... i>
 void call(const char *name, R (*f)(First, A...), fuzz::ByteReader &r, std::index_sequence<i...>) {
     constexpr bool has_count = int(one_of<First, int32_t>) + (0 + ... + int(one_of<A, int32_t>)) == 1;
     const bool on_first = std::strstr(name, "_$I");
-    Call c = {name, Numbers(r), r.one_in(8) ? r.hostile_int() | INT32_MIN : r.in(0, most_points)};
+    const int style = r.in(0, 3);
+    Call c = {name, r, style, r.one_in(8) ? r.hostile_int() | INT32_MIN : r.in(0, most_points)};
     std::tuple<First, A...> values{c.draw<std::tuple_element_t<i, std::tuple<First, A...>>,
                                           std::tuple_element_t<i, std::tuple<A..., void>>, has_count>()...};
     const auto prepare = [&](int filler) {

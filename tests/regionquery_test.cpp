@@ -122,8 +122,7 @@ TEST(Regions, NothingToDo) {
     const auto never = [](jorm_fwtsr *, void *, int32_t) -> int32_t { return ADD_FAILURE(), 1; };
     expect_each(0, {jorm_fwtsr_countcld(nullptr, 1), jorm_fwtsr_countcld_$mser(nullptr, 0),
                     jorm_fwtsr_countpix_$proper(nullptr), jorm_fwtsr_pixenum_$2d(&v, &region, nullptr, 1, 5),
-                    jorm_fwtsr_walk(nullptr, 1, never, nullptr), jorm_fwtsr_walk(&region, 4, never, nullptr),
-                    jorm_fwtsr_walk_$inorder(nullptr, never, nullptr)});
+                    jorm_fwtsr_walk(nullptr, 1, never, nullptr), jorm_fwtsr_walk(&region, 4, never, nullptr)});
     region.area = 7; // a region without words, and a picture without columns
     const uint32_t word = JORM_NO_PIXEL;
     jorm_fwtsr_fetchpix_$2d(&v, &region, nullptr, 0, 1, 5);
@@ -393,7 +392,7 @@ TEST(Gathering, FeaturesOfAnyKind) {
         EXPECT_EQ(JormMSERgatherFeatureOfRegion(&alone, &features[1], all[i], f.words.data(), f.width), &alone);
         EXPECT_EQ(alone, sum);
         JormMSERgatherFeatureOfRegion(&alone, &features[1], all[i], nullptr, f.width);
-        EXPECT_EQ(alone, 1000);
+        EXPECT_EQ(alone, 1000); // as it was made
         Bytes one(size_t(layout.block_size) + 8, 0xEE);
         EXPECT_EQ(JormMSERgatherFeaturesOfRegion(one.data(), &layout, all[i], f.words.data()), one.data());
         EXPECT_EQ(std::memcmp(one.data() + features[1].offset, &sum, sizeof sum), 0);
@@ -411,20 +410,18 @@ TEST(Gathering, SurvivesEveryFailure) {
     const uint64_t count = g.list.size();
     for (const auto run : {jorm_fmserf_regions, jorm_fmserf_pixreg_$2d, jorm_fmserf_brect_$2d, jorm_fmserf_ellipse_$f2d,
                            JormGatherMSERsFeatures}) {
-        uint64_t succeeded = 0;
+        uint64_t most = 0;
         const int requests = for_each_failure("query", [&] {
             Vector v;
-            succeeded = 0;
             for (int attempt = 0; attempt < 3; ++attempt) {
                 const uint64_t before = v.count;
                 run(&v, &g.mser, nullptr);
-                succeeded += v.count == before + count;
                 EXPECT_TRUE(v.count == before || v.count == before + count);
             }
+            most = v.count;
             if (run == JormGatherMSERsFeatures) JormMSERfreeFeatures(&v);
         });
-        EXPECT_GE(requests, 3);
-        EXPECT_EQ(succeeded, 3u); // once all requests are granted
+        EXPECT_TRUE(requests >= 3 && most == 3 * count); // once all requests are granted
     }
     const int requests = for_each_failure("pixels", [&] {
         Vector v;
