@@ -178,17 +178,6 @@ TEST_P(Layers, Thresholds) {
         Ways ways = typed(jorma__ethreshold, jorma_ethreshold, JormTGAthreshold, params, &method, pairs, 2);
         ways.push_back(WAY(m.second(xe, 0, SLICE, &method, pairs, 2)));
         expect_same(WAY(entry(src.a, &method, pairs, 2)), ways);
-        if (code != JORM_THRESHOLD_BLUR || !whole) continue;
-        // Of smoothed pixels, also in the planes of four axes.
-        const Picture smooth{r, type, extent};
-        const jorm_thhmethod otsu = {JORM_THRESHOLD_OTSU, 0, {}, {}};
-        EXPECT_EQ(JormGaussianFilter(xe, 0, &smooth.a, &src.a, nullptr, nullptr, nullptr, nullptr), JORM_OK);
-        jorm_array deep = dst.a, deep_src = src.a;
-        deep.ndims = deep_src.ndims = 4;
-        expect_same(WAY(entry(smooth.a, &otsu, nullptr, 0)),
-                    {WAY(entry(src.a, &method, nullptr, 0)),
-                     WAY(JormThreshold(xe, 0, &deep, &deep_src, nullptr, nullptr, &method, nullptr, 0))},
-                    {});
     }
     jorm_threshold_dispatcher *const kernels[2][2] = {{jorma__sheer_threshold_n1, jorma__sheer_threshold_n2},
                                                       {jorma__adaptive_threshold_n1, jorma__adaptive_threshold_n2}};

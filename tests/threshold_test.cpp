@@ -1,5 +1,6 @@
 // Otsu's thresholds and thresholding over random types, layouts, regions, thresholds and levels, against plain loops.
 #include "jorm/arith.h"
+#include "jorm/sepfilter.h"
 #include "jorm/threshold.h"
 #include "support/read_case.hpp"
 #include "support/window_case.hpp"
@@ -239,7 +240,8 @@ TEST(Threshold, AdaptiveComparesWithTheMean) {
     }
 }
 
-TEST(Threshold, UstoFlattensTheGround) {
+// Usto takes the ground away before Otsu's method, blur smooths; both plane by plane.
+TEST(Threshold, UstoAndBlurPrepareEachPlane) {
     Random r(77);
     Env xe;
     for (int round = 0; round < 40 && !HasFailure(); ++round) {
@@ -252,28 +254,32 @@ TEST(Threshold, UstoFlattensTheGround) {
         int k = 0;
         src.fill([&] { // marks on a ramp
             const int ground = 60 + k++ * 150 / (full[0] * full[1] * full[2] * full[3]);
-            const int mark = r.one_in(20) ? r.in(0, 1) * 255 : ground - r.in(30, 55); // at times beyond all bounds
+            const int mark = r.one_in(20) ? r.in(0, 1) * 255 : ground - r.in(30, 55); // or far away
             return (r.one_in(6) ? mark : ground + r.in(-4, 4)) / (real ? 256. : 1.);
         });
+        const bool blur = r.one_in(3);
+        const uint32_t word = blur ? JORM_THRESHOLD_BLUR : JORM_THRESHOLD_USTO;
         // Few bins that stay where they are tell where mid range is.
-        const jorm_thhmethod method = some_method(r, JORM_THRESHOLD_USTO, {real ? 0.48 : 124, real ? 0.58 : 148}, 5);
+        const jorm_thhmethod method = some_method(r, word, {real ? 0.48 : 124, real ? 0.58 : 148}, 5);
         ASSERT_EQ(JormThreshold(xe, 0, &dst.a, &src.a, nullptr, nullptr, &method, nullptr, 0), JORM_OK);
         for (int z = 0; z < full[0]; ++z) {
+            const auto in_plane = [z](const Index &i) { return Index{z, i[1], i[2], i[3]}; };
             const auto difference = [&](const Index &i) {
-                const Index at = {z, i[1], i[2], i[3]};
-                const double d = window_mean(src, full, at, 15) - src.get(at);
+                const double d = window_mean(src, full, in_plane(i), 15) - src.get(in_plane(i));
                 return real ? float(d) : d;
             };
             double shift[3] = {}, t[3];
             each(plane, [&](const Index &i) { shift[i[3]] -= difference(i) / (full[1] * full[2]); });
             Picture flat(r, type, plane, true);
             each(plane, [&](const Index &i) {
-                store(type, flat.at(i), converted(type, difference(i) + (real ? 0.5 : 128) + shift[i[3]]));
+                const double leveled = converted(type, difference(i) + (real ? 0.5 : 128) + shift[i[3]]);
+                store(type, flat.at(i), blur ? src.get(in_plane(i)) : leveled);
             });
+            if (blur) JormGaussianFilter(xe, 0, &flat.a, nullptr, nullptr, nullptr, nullptr, nullptr);
             otsu_of(xe, flat.a, method, t);
             each(plane, [&](const Index &i) {
-                const double largest = highest(dst.a.eltype);
-                ASSERT_EQ(dst.get({z, i[1], i[2], i[3]}), flat.get(i) > t[i[3]] ? 0 : largest);
+                const bool is_upper = (flat.get(i) > t[i[3]]) == blur;
+                ASSERT_EQ(dst.get(in_plane(i)), is_upper ? highest(dst.a.eltype) : 0);
             });
         }
     }
