@@ -54,6 +54,11 @@ template <int N, class V> [[gnu::always_inline]] inline V bytes_from(V a, V b) {
     const __m512i x = __m512i(a), y = __m512i(b);
     if constexpr (N == register_bytes) return b;
     if constexpr (N % 4 == 0) return V(_mm512_maskz_alignr_epi32(0xffff, y, x, N / 4 % 16));
+    if constexpr (same<V, Words> && N % 2 == 0) { // a permutation; of other types several N share registers
+        using All = Places<0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25,
+                           26, 27, 28, 29, 30, 31>;
+        return All::from<N / 2>(a, b);
+    }
     const __m512i first = part == 0 ? x : _mm512_maskz_alignr_epi64(0xff, y, x, 2 * part);
     const __m512i next = part == 3 ? y : _mm512_maskz_alignr_epi64(0xff, y, x, (2 * part + 2) % 8);
     return V(_mm512_maskz_alignr_epi8(~__mmask64(0), next, first, rest));

@@ -12,9 +12,8 @@ import subprocess
 import sys
 
 LIMIT = 1024  # KiB
-# Entries that choose among kernels of more than that at run time: conversions between all pairs of types, kinds of
-# filters, methods of thresholds.
-LARGER = {"JormConvert": 1280, "JormGain": 2048, "JormFilter": 1536, "JormMorphop": 1536, "JormThreshold": 4096}
+# The entry that chooses at run time among methods with filters, statistics and comparisons of their own.
+LARGER = {"JormThreshold": 2048}
 
 # The call, and what holds for byte or element i of the result then.
 ZIP, MAP = "xe, 0, &D, &A, &B, NULL, NULL, NULL", "xe, 0, &D, &A"
