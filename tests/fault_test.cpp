@@ -52,7 +52,8 @@ template <class... A> struct Calls {
     std::vector<uint8_t> choices = {}; // of the world
     static constexpr auto positions = std::index_sequence_for<A...>();
 
-    template <class Change> int64_t run(const std::string &what, Change change) {
+    using Change = std::function<void(World &, std::tuple<A...> &)>;
+    int64_t run(const std::string &what, const Change &change) {
         static World::State before, after;
         fuzz::ByteReader reader(choices.data(), choices.size());
         World world(reader, roles);
@@ -67,7 +68,7 @@ template <class... A> struct Calls {
         EXPECT_TRUE(status == JORM_OK || world.same(before, after)) << name << " wrote in spite of " << what;
         return status;
     }
-    template <class Change> void expect(char status, const std::string &what, Change change) {
+    void expect(char status, const std::string &what, const Change &change) {
         EXPECT_EQ(run(what, change), status_of(status)) << name << ": " << what;
     }
 
@@ -115,7 +116,7 @@ template <class... A> struct Calls {
             using T = std::tuple_element_t<i, std::tuple<A...>>;
             const std::string what = "argument " + std::to_string(i);
             const auto expect_with = [&](char status, T value) {
-                expect(status, what, [&](World &, auto &arguments) { std::get<i>(arguments) = value; });
+                expect(status, what, [=](World &, auto &arguments) { std::get<i>(arguments) = value; });
             };
             if constexpr (std::is_pointer_v<T>) {
                 expect_with(pointers < nulls.size() ? nulls[pointers] : '.', nullptr);
