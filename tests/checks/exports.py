@@ -12,6 +12,7 @@ import sys
 NAME_SPACE = re.compile(r"(_{0,2}Jorm|_{0,2}jorm|C_jorm_|_{0,2}Ul|_G_jorm_)[A-Za-z0-9_$]*")
 IDENTIFIER = re.compile(r"[A-Za-z_$][A-Za-z0-9_$]*")
 VISIBLE = re.compile(r'__attribute__\s*\(\(visibility\("default"\)\)\)([^;{]*)[;{]')
+ACCESS = re.compile(r"__attribute__\s*\(\(access\([^()]*\)\)\)")
 COMMENT = re.compile(r"/\*.*?\*/|//[^\n]*", re.S)
 SOURCES = {".h", ".hpp", ".c", ".cpp", ".inc", ".def"}
 
@@ -28,7 +29,7 @@ def declared(root, cc):
     text = subprocess.run([cc, "-E", "-P", "-x", "c", f"-I{root / 'include'}", str(root / "include/jorm.h")],
                           check=True, text=True, stdout=subprocess.PIPE).stdout
     names = set()
-    for declaration in VISIBLE.findall(text):
+    for declaration in VISIBLE.findall(ACCESS.sub("", text)):
         while "(" in declaration:
             declaration = re.sub(r"\([^()]*\)", "", declaration)
         names.update(IDENTIFIER.findall(declarator)[-1] for declarator in declaration.split(","))
