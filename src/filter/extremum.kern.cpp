@@ -157,7 +157,7 @@ template <class Kind, class T, int N> void along_n(void *to, const void *row, in
 // Gathers in registers, several of them for each look at the list.
 template <class Kind, class T> void gather(void *to, const void *const *rows, int64_t count, int64_t n) {
     if (n < lanes<T>) return columns_across<Kind, T, T>(to, rows, count, n);
-    each_register<T, 8>(
+    each_register<T, 4>(
         n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
             Lanes<T> best[C];
             const auto at = [&](int64_t k, int j) { return read<Lanes<T>>(elements<T>(rows[k]) + i + j * lanes<T>); };
@@ -186,7 +186,7 @@ void gather_nested(void *const *to, const void *const *rows, const int32_t *end,
         for (int64_t i = 0; i < n; ++i) each_group.template operator()<T>(Count<1>(), i);
         return;
     }
-    each_register<T, 8>(
+    each_register<T, 4>(
         n, [&]<int C>(Count<C> many, int64_t i)
                __attribute__((always_inline)) { each_group.template operator()<Lanes<T>>(many, i); });
 }
