@@ -97,20 +97,20 @@ struct Pile {
 
 template <int smallest, bool lists> class Flood {
 public:
-    Flood(jorm_fwtsres *store, const FloodSource &source, int64_t stride, const Coding &coding, uint32_t *words)
-        : source_(source), stride_(stride), coding_(coding), words_(words),
-          components_(store, uint32_t(stride), uint32_t(source.columns), words) {}
+    Flood(jorm_fwtsres *store, const FloodSource &source, int64_t stride, const Coding &coding, uint32_t *log)
+        : source_(source), stride_(stride), coding_(coding), log_(log),
+          components_(store, uint32_t(stride), uint32_t(source.columns), log) {}
 
     void build(uint8_t *memory);
     void lay_out(uint32_t *memory, const uint32_t *histogram);
     int64_t run();
-    void link(uint32_t *memory);
-    void complete_words();
+    void link(uint32_t *words);
+    void complete(uint32_t *words) const;
 
 private:
     // A pixel is done.
     void add(uint32_t pixel, uint32_t &done) {
-        if (lists) words_[done] = pixel;
+        if (lists) log_[done] = pixel;
         ++done;
     }
 
@@ -136,7 +136,7 @@ private:
     const int64_t stride_;
     const Coding coding_;
     uint8_t *plane_ = nullptr;
-    uint32_t *const words_;                       // of row 0, column 0; the log while the flood runs
+    uint32_t *const log_;                         // null without lists
     uint32_t *top_of_[levels], *base_of_[levels]; // what waits at each code; [seen] takes pixels that have been seen
     uint32_t seen_[4];
     Pile pair_[2]; // what waits at the two levels of the pair; what was pushed meanwhile waits under the code
@@ -345,31 +345,28 @@ template <int smallest, bool lists> int64_t Flood<smallest, lists>::run() {
     return components_.finish(top, p, done) ? JORM_OK : JORM_ENOMEM;
 }
 
-// Makes pixel lists of the log: while the flood runs, their words would be spread over too much memory. The log moves
-// to what the piles have left.
-template <int smallest, bool lists> void Flood<smallest, lists>::link(uint32_t *log) {
+// Makes pixel lists of the log: while the flood runs, their words would be spread over too much memory.
+template <int smallest, bool lists> void Flood<smallest, lists>::link(uint32_t *words) {
     const uint32_t padding = uint32_t(stride_ - source_.columns);
     const uint64_t row_reciprocal = ~uint64_t{0} / uint64_t(stride_) + 1; // rounded up: exact for pixel numbers
-    const auto row = [=](uint32_t entry) {
-        return uint32_t((unsigned __int128)(entry & log_pixel) * row_reciprocal >> 64);
-    };
-    for (uint32_t i = 0; i < done_; ++i) log[i] = padding ? words_[i] - row(words_[i]) * padding : words_[i];
-    std::fill_n(log + done_, linked_ahead, 0u);
+    for (uint32_t i = 0; padding && i < done_; ++i)
+        log_[i] -= uint32_t((unsigned __int128)(log_[i] & log_pixel) * row_reciprocal >> 64) * padding;
+    std::fill_n(log_ + done_, linked_ahead, 0u);
 
     uint32_t interrupted[levels + 1] = {}, *top = interrupted + 1; // lists
     uint32_t next = no_pixel;
     for (uint32_t i = 0; i < done_; ++i) {
-        __builtin_prefetch(words_ + (log[i + linked_ahead] & log_pixel), 1);
-        const uint32_t entry = log[i], pixel = entry & log_pixel;
+        __builtin_prefetch(words + (log_[i + linked_ahead] & log_pixel), 1);
+        const uint32_t entry = log_[i], pixel = entry & log_pixel;
         if (smallest > 1 && entry == pixel) { // otherwise marks are frequent and cannot be foretold
-            words_[pixel] = next;
+            words[pixel] = next;
             next = pixel;
             continue;
         }
         *top = next;
         select_equal(next, entry & log_begins, log_begins, no_pixel);
         top += (entry & log_begins) != 0;
-        words_[pixel] = next;
+        words[pixel] = next;
         next = pixel;
         select_equal(next, entry & log_resumes, log_resumes, top[-1]);
         select_equal(next, entry & log_renews, log_renews, no_pixel);
@@ -378,13 +375,13 @@ template <int smallest, bool lists> void Flood<smallest, lists>::link(uint32_t *
 }
 
 // Words of what is in no list: guards, border, rows left out, and pixels that the flood did not reach.
-template <int smallest, bool lists> void Flood<smallest, lists>::complete_words() {
+template <int smallest, bool lists> void Flood<smallest, lists>::complete(uint32_t *words) const {
     const FloodSource &s = source_;
     const size_t guard = size_t(s.columns) + 2;
-    std::memset(words_ - guard, 0, guard * sizeof *words_);
-    std::memset(words_ + s.pixels(), 0, guard * sizeof *words_);
+    std::memset(words - guard, 0, guard * sizeof *words);
+    std::memset(words + s.pixels(), 0, guard * sizeof *words);
     for (int64_t r = 0; r < s.rows; ++r) {
-        uint32_t *const to = words_ + r * s.columns;
+        uint32_t *const to = words + r * s.columns;
         const uint8_t *const from = s.row(r), *const left = plane_ + r * stride_;
         const uint32_t fresh = s.takes_part(r) ? fresh_bit : 0;
         to[0] = s.level(from[0]);
@@ -404,27 +401,28 @@ template <int smallest, bool lists> int64_t flood_with(jorm_xe *xe, jorm_fwtsres
     count_levels(histogram, source);
     const Coding coding = choose_coding(histogram);
     const int64_t stride = plane_stride(source.columns);
-    size_t entries = 2 * ahead + levels;
-    for (uint32_t l = 0; l < levels; ++l) entries += histogram[l];
+    size_t pixels = 0;
+    for (uint32_t l = 0; l < levels; ++l) pixels += histogram[l];
+    size_t entries = 2 * ahead + levels + pixels;
     if (coding.pair != none) entries += histogram[coding.pair] + histogram[coding.pair + 1];
-    const size_t bytes = entries * sizeof(uint32_t) + plane_bytes(source, stride);
+    const size_t logged = lists ? pixels + linked_ahead : 0;
+    const size_t bytes = (entries + logged) * sizeof(uint32_t) + plane_bytes(source, stride);
 
     void *const stack = xe ? JormXEmmstack(xe) : store->storage;
     void *const memory = jorm_mmstack_alloca(stack, bytes, 64);
     if (!memory) return JORM_ENOMEM;
     int64_t status;
     {
-        uint32_t *const words = lists ? store->buffer + source.columns + 2 : nullptr;
-        Flood<smallest, lists> flood(store, source, stride, coding, words);
-        auto *const waiting = static_cast<uint32_t *>(memory);
+        auto *const waiting = static_cast<uint32_t *>(memory), *const log = waiting + entries;
+        Flood<smallest, lists> flood(store, source, stride, coding, lists ? log : nullptr);
         std::fill_n(waiting, 2 * ahead, 0u); // what looks ahead may look below the lowest pile
         flood.lay_out(waiting + 2 * ahead, histogram);
-        flood.build(reinterpret_cast<uint8_t *>(waiting + entries));
+        flood.build(reinterpret_cast<uint8_t *>(log + logged));
         status = flood.run();
         if (status == JORM_OK && lists) {
-            flood.link(waiting);
-            flood.complete_words();
-            store->words = words;
+            store->words = store->buffer + source.columns + 2;
+            flood.link(store->words);
+            flood.complete(store->words);
         }
     }
     jorm_mmstack_freea(stack, memory);
