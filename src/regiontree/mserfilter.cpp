@@ -104,7 +104,7 @@ uint64_t keep_outermost(jorm_fwtsr **regions, uint64_t n) {
     for (uint64_t i = n; i-- > 0;) {
         if (from == n || !contains(regions[from], regions[i])) regions[--from] = regions[i];
     }
-    std::memmove(regions, regions + from, (n - from) * sizeof *regions);
+    std::memmove(regions, regions + from, (n - from) * sizeof(jorm_fwtsr *));
     return n - from;
 }
 
@@ -172,7 +172,7 @@ bool append_groups(jorm_vector &out, const Selection &kept) {
     jorm_vector fresh = {};
     const uint64_t bytes = groups * sizeof(jorm_pixgroup) + pixels * sizeof(Pixel);
     if (groups == out.count) return true;
-    if (!reserve(fresh, bytes, 1)) return false;
+    if (!reserve(fresh, bytes, 1) || !fresh.data) return false;
 
     auto *const group = static_cast<jorm_pixgroup *>(fresh.data);
     Pixel *to = reinterpret_cast<Pixel *>(group + groups);

@@ -25,7 +25,7 @@ template <class Entry> Entry *end_of(jorm_vector &v) { return static_cast<Entry 
 
 /// A vector that is freed at the end of the scope.
 struct LocalVector : jorm_vector {
-    LocalVector() : jorm_vector{} {}
+    LocalVector() : jorm_vector() {}
     ~LocalVector() { _UlMfree(data); }
     LocalVector(const LocalVector &) = delete;
     LocalVector &operator=(const LocalVector &) = delete;
