@@ -54,7 +54,7 @@ jorm_proc *look_up(Kernel *const (&procs)[N], uint32_t code, uint32_t type, int3
         outcome = JORM_EINVAL;
     else if (line < 0)
         outcome = other_type;
-    else if (group < 0 || size_t(group * 4 + line) >= N)
+    else if (group < 0 || size_t(group) * 4 + size_t(line) >= N)
         outcome = JORM_ENOTSUP;
     if (status) *status = outcome;
     return outcome == JORM_OK       ? to_proc(procs[group * 4 + line])

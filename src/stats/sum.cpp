@@ -65,7 +65,7 @@ int64_t sum(const StatSource &s, double *results) {
 
 int64_t mean(const StatSource &s, double *results) {
     StatShape shape;
-    double sums[4], count;
+    double sums[4] = {}, count;
     if (!results) return JORM_EINVAL;
     if (int64_t status = read_source(shape, s); status != JORM_OK) return status;
     if (int64_t status = sum(s, sums); status != JORM_OK) return status;
