@@ -6,33 +6,57 @@
 namespace jorm::JORM_LEVEL {
 namespace {
 
-// Gathers `Many` registers of results for each look at the list of rows; what is left of a row goes by single
-// registers, some elements of it twice. Loops that the compiler makes for every number of rows would take ten times the
-// code.
-template <class Op, class T, class Result, int N, int Many>
-[[gnu::always_inline]] inline void columns_across_at(Result *to, const void *const *rows, int64_t count, int64_t i) {
-    using V = VectorOf<Result, N>;
-    V all[Many];
-    const auto at = [&](int64_t k, int j) __attribute__((always_inline)) {
-        return converted<Result, N, T>(read<VectorOf<T, N>>(elements<T>(rows[k]) + i + j * N));
+// How many registers.
+template <int C> struct Count {};
+
+// Calls f(Count<C>, i) for C registers of `size` elements from element i on until all of at least a register's elements
+// have had their turn, some of them twice: what is left of a row costs a compiler's loop as much as a thousand
+// elements. C is Many, and for what is left the smallest of Many, Many / 2 ... 1 that covers it.
+template <int size, int Many, class F> [[gnu::always_inline]] inline void each_register(int64_t n, F f, int64_t i = 0) {
+    constexpr int64_t step = Many * size;
+    for (; i + step <= n; i += step) f(Count<Many>(), i);
+    if (i >= n) return;
+    if constexpr (Many == 1)
+        f(Count<1>(), n - step);
+    else if (2 * (n - i) > step && n >= step)
+        f(Count<Many>(), n - step);
+    else
+        each_register<size, Many / 2>(n, f, i);
+}
+
+// Of the same element of many rows, in nested groups: to[k] of the first end[k] ones. Gathers in registers, several for
+// each look at the list of rows; loops that the compiler makes for every number of rows would take ten times the code.
+template <class Op, class T, class Result>
+[[gnu::noinline]] void columns_across_nested(void *const *to, const void *const *rows, const int32_t *end,
+                                             int64_t groups, int64_t n) {
+    constexpr int size = register_bytes / int(sizeof(Result));
+    const auto gather = [&]<int N, int Many>(Count<N>, Count<Many>, int64_t i) __attribute__((always_inline)) {
+        using V = VectorOf<Result, N>;
+        V all[Many];
+        const auto at = [&](int64_t k, int j) __attribute__((always_inline)) {
+            return converted<Result, N, T>(read<VectorOf<T, N>>(elements<T>(rows[k]) + i + j * N));
+        };
+        for (int j = 0; j < Many; ++j) all[j] = at(0, j);
+        for (int64_t k = 1, group = 0; group < groups; ++group) {
+            for (; k < end[group]; ++k)
+                for (int j = 0; j < Many; ++j) all[j] = Op::of(all[j], at(k, j));
+            Result *const line = elements<Result>(to[group]) + i;
+            for (int j = 0; j < Many; ++j) {
+                const V v = all[j];
+                __builtin_memcpy(line + j * N, &v, sizeof v);
+            }
+        }
     };
-    for (int j = 0; j < Many; ++j) all[j] = at(0, j);
-    for (int64_t k = 1; k < count; ++k)
-        for (int j = 0; j < Many; ++j) all[j] = Op::of(all[j], at(k, j));
-    for (int j = 0; j < Many; ++j) {
-        const V v = all[j];
-        __builtin_memcpy(to + i + j * N, &v, sizeof v);
-    }
+    if (n < size)
+        for (int64_t i = 0; i < n; ++i) gather(Count<1>(), Count<1>(), i);
+    else
+        each_register<size, 4>(
+            n, [&](auto many, int64_t i) __attribute__((always_inline)) { gather(Count<size>(), many, i); });
 }
 template <class Op, class T, class Result>
 void columns_across(void *to, const void *const *rows, int64_t count, int64_t n) {
-    constexpr int size = register_bytes / int(sizeof(Result)), many = 8;
-    Result *const t = elements<Result>(to);
-    int64_t i = 0;
-    for (; i + many * size <= n; i += many * size) columns_across_at<Op, T, Result, size, many>(t, rows, count, i);
-    if (n < size)
-        for (; i < n; ++i) columns_across_at<Op, T, Result, 1, 1>(t, rows, count, i);
-    for (; i < n; i += size) columns_across_at<Op, T, Result, size, 1>(t, rows, count, i + size <= n ? i : n - size);
+    const int32_t end = int32_t(count);
+    columns_across_nested<Op, T, Result>(&to, rows, &end, 1, n);
 }
 
 template <class Op, class T, class Result> void columns_join(void *to, const void *row, const void *suffix, int64_t n) {

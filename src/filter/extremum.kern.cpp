@@ -26,8 +26,6 @@ template <bool Ordered> struct Largest {
 
 // ---- Small windows: down the columns and along the row in registers ----
 
-// How many registers.
-template <int C> struct Count {};
 template <class T> constexpr int lanes = register_bytes / int(sizeof(T));
 template <class T> using Lanes = VectorOf<T, lanes<T>>;
 
@@ -119,128 +117,34 @@ void small_windows(void *const *to, const void *const *rows, int64_t n, int64_t 
 
 // ---- Any windows ----
 
-// Calls f(Count<C>, i) for C registers from element i on until all of at least a register's elements have had their
-// turn, some of them twice: what is left of a row costs a compiler's loop as much as a thousand elements. C is Many,
-// and for what is left the smallest of Many, Many / 2 ... 1 that covers it.
-template <class T, int Many, class F> [[gnu::always_inline]] inline void each_register(int64_t n, F f, int64_t i = 0) {
-    constexpr int64_t step = Many * lanes<T>;
-    for (; i + step <= n; i += step) f(Count<Many>(), i);
-    if (i >= n) return;
-    if constexpr (Many == 1)
-        f(Count<1>(), n - step);
-    else if (2 * (n - i) > step && n >= step)
-        f(Count<Many>(), n - step);
-    else
-        each_register<T, Many / 2>(n, f, i);
-}
-
-// Windows of N elements.
-template <class Kind, class T, int N> void along_n(void *to, const void *row, int64_t n, int64_t step) {
-    T *__restrict t = elements<T>(to);
-    const T *__restrict r = elements<T>(row);
-    if (n >= lanes<T>)
-        return each_register<T, 2>(
-            n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
-                for (int j = 0; j < C; ++j, i += lanes<T>) {
-                    auto best = read<Lanes<T>>(r + i);
-                    for (int k = 1; k < N; ++k) best = Kind::of(best, read<Lanes<T>>(r + i + k * step));
-                    store_lanes(t + i, best);
-                }
-            });
-    for (int64_t i = 0; i < n; ++i) {
-        T best = r[i];
-        for (int k = 1; k < N; ++k) best = Kind::of(best, r[i + k * step]);
-        t[i] = best;
-    }
-}
-
-// Gathers in registers, several of them for each look at the list.
-template <class Kind, class T> void gather(void *to, const void *const *rows, int64_t count, int64_t n) {
-    if (n < lanes<T>) return columns_across<Kind, T, T>(to, rows, count, n);
-    each_register<T, 4>(
-        n, [&]<int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
-            Lanes<T> best[C];
-            const auto at = [&](int64_t k, int j) { return read<Lanes<T>>(elements<T>(rows[k]) + i + j * lanes<T>); };
-            for (int j = 0; j < C; ++j) best[j] = at(0, j);
-            for (int64_t k = 1; k < count; ++k)
-                for (int j = 0; j < C; ++j) best[j] = Kind::of(best[j], at(k, j));
-            for (int j = 0; j < C; ++j) store_lanes(elements<T>(to) + i + j * lanes<T>, best[j]);
-        });
-}
-
-template <class Kind, class T>
-void gather_nested(void *const *to, const void *const *rows, const int32_t *end, int64_t groups, int64_t n) {
-    const auto each_group = [&]<class V, int C>(Count<C>, int64_t i) __attribute__((always_inline)) {
-        constexpr int64_t size = sizeof(V) / sizeof(T);
-        V best[C];
-        const auto at = [&](int64_t k, int j) { return read<V>(elements<T>(rows[k]) + i + j * size); };
-        for (int j = 0; j < C; ++j) best[j] = at(0, j);
-        for (int64_t k = 1, group = 0; group < groups; ++group) {
-            for (; k < end[group]; ++k)
-                for (int j = 0; j < C; ++j) best[j] = Kind::of(best[j], at(k, j));
-            T *const line = elements<T>(to[group]);
-            for (int j = 0; j < C; ++j) __builtin_memcpy(line + i + j * size, &best[j], sizeof(V));
-        }
-    };
-    if (n < lanes<T>) {
-        for (int64_t i = 0; i < n; ++i) each_group.template operator()<T>(Count<1>(), i);
-        return;
-    }
-    each_register<T, 4>(
-        n, [&]<int C>(Count<C> many, int64_t i)
-               __attribute__((always_inline)) { each_group.template operator()<Lanes<T>>(many, i); });
+// Of windows of up to seven elements, `apart` from each other.
+template <class Kind, class T> void few_along(void *to, const void *row, int64_t n, int64_t k, int64_t apart) {
+    const void *places[7];
+    for (int64_t i = 0; i < k; ++i) places[i] = elements<T>(row) + i * apart;
+    columns_across<Kind, T, T>(to, places, k, n);
 }
 
 // Windows of twice and four times as many elements until two or four of them, overlapping, make the one wanted.
 template <class Kind, class T> void along(void *to, void *row, void *spare, int64_t n, int64_t k, int64_t step) {
-    switch (k) {
-    case 1:
-        return along_n<Kind, T, 1>(to, row, n, step);
-    case 2:
-        return along_n<Kind, T, 2>(to, row, n, step);
-    case 3:
-        return along_n<Kind, T, 3>(to, row, n, step);
-    case 4:
-        return along_n<Kind, T, 4>(to, row, n, step);
-    case 5:
-        return along_n<Kind, T, 5>(to, row, n, step);
-    case 6:
-        return along_n<Kind, T, 6>(to, row, n, step);
-    case 7:
-        return along_n<Kind, T, 7>(to, row, n, step);
-    default:
-        break;
-    }
+    if (k <= 7) return few_along<Kind, T>(to, row, n, k, step);
     int64_t size = 1;
     const int64_t all = n + (k - 1) * step;
     while (size * 4 < k) {
         size *= 4;
-        along_n<Kind, T, 4>(spare, row, all - (size - 1) * step, size / 4 * step);
+        few_along<Kind, T>(spare, row, all - (size - 1) * step, 4, size / 4 * step);
         void *const made = spare;
         spare = row;
         row = made;
     }
     // size < k <= 4 * size
-    T *__restrict t = elements<T>(to);
-    const T *__restrict r = elements<T>(row);
-    const int64_t last = (k - size) * step;
-    const int64_t second = size * step < last ? size * step : last,
-                  third = 2 * size * step < last ? 2 * size * step : last;
-    const auto best = [&](auto at) __attribute__((always_inline)) {
-        return Kind::of(Kind::of(at(0), at(second)), Kind::of(at(third), at(last)));
-    };
-    if (n < lanes<T>) {
-        for (int64_t i = 0; i < n; ++i) t[i] = best([&](int64_t k) { return r[i + k]; });
-        return;
-    }
-    each_register<T, 1>(
-        n, [&](Count<1>, int64_t i) __attribute__((always_inline)) {
-            store_lanes(t + i, best([&](int64_t k) { return read<Lanes<T>>(r + i + k); }));
-        });
+    const T *const first = elements<T>(row), *const last = first + (k - size) * step,
+                   *const second = first + size * step, *const third = second + size * step;
+    const void *const places[] = {first, last, second, third};
+    columns_across<Kind, T, T>(to, places, 2 + (second < last) + (third < last), n);
 }
 
 template <class Kind, class T> void pair(void *to, const void *row, int64_t n, int64_t apart) {
-    along_n<Kind, T, 2>(to, row, n, apart);
+    few_along<Kind, T>(to, row, n, 2, apart);
 }
 
 bool holds_nan(const void *row, int64_t n) {
@@ -268,7 +172,7 @@ template <class T> void subtract(void *to, const void *a, const void *b, int64_t
 
 #define LINE(Kind, T, small, unordered)                                                                                \
     {                                                                                                                  \
-        lanes<T>, small, column_rows<Kind, T, T>, gather<Kind, T>, gather_nested<Kind, T>, unordered, subtract<T>,     \
+        lanes<T>, small, column_rows<Kind, T, T>, columns_across_nested<Kind, T, T>, unordered, subtract<T>,           \
             pair<Kind, T>, along<Kind, T>                                                                              \
     }
 #define ORDERED(Kind, T, unordered) LINE(Kind<true>, T, (small_windows<Kind<true>, T>), unordered)

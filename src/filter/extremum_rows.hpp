@@ -26,10 +26,8 @@ struct ExtremumRows {
     // goes into to[1] unless that is null: of the rows from rows[1] on. Null where rows may hold NaN.
     void (*small_windows)(void *const *to, const void *const *rows, int64_t n, int64_t size, const RowEnds &ends);
     ColumnRows columns;
-    // Of the same element of many rows, one after the other.
-    void (*gather)(void *to, const void *const *rows, int64_t count, int64_t n);
-    // The same of groups of rows at once: to[k] of the first end[k] ones.
-    void (*gather_nested)(void *const *to, const void *const *rows, const int32_t *end, int64_t groups, int64_t n);
+    // Across nested groups of rows at once: to[k] of the first end[k] ones.
+    void (*across_nested)(void *const *to, const void *const *rows, const int32_t *end, int64_t groups, int64_t n);
     // Does a row ask for the exact rules of NaN? Null where all rows may come.
     bool (*unordered)(const void *row, int64_t n);
     // to = a - b, saturated.

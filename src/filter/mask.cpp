@@ -114,7 +114,7 @@ void MaskStage::produce(int64_t y, void *row) {
         const int64_t slot = first + r.row < c.extent[1] ? first + r.row : first + r.row - c.extent[1];
         list_[i] = line(r.plane, slot, r.line) + (r.start - runs_->first[r.line]) * c.pixel();
     }
-    rows_->gather(row, list_, runs_->count, c.row_elements());
+    rows_->columns.across(row, list_, runs_->count, c.row_elements());
 }
 
 } // namespace jorm

@@ -138,13 +138,13 @@ void NestedStage::produce(int64_t y, void *row) {
         const int64_t slot = first + mask_->row[i] - (first + mask_->row[i] < c.extent[1] ? 0 : c.extent[1]);
         row_list_[i] = ring_ + (mask_->plane[i] * c.extent[1] + slot) * pitch_;
     }
-    rows_->gather_nested(line_list_, row_list_, mask_->end, mask_->groups, in_->whole());
+    rows_->across_nested(line_list_, row_list_, mask_->end, mask_->groups, in_->whole());
     for (int32_t i = 0; i < mask_->doubled_lines; ++i) {
         const auto [from, apart] = mask_->doubled[i];
         rows_->pair(line_list_[mask_->groups + i], line_list_[from], in_->whole() - (2 * apart - 1) * c.channels,
                     apart * c.channels);
     }
-    rows_->gather(row, place_list_, mask_->places, c.row_elements());
+    rows_->columns.across(row, place_list_, mask_->places, c.row_elements());
 }
 
 } // namespace jorm
