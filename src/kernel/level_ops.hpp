@@ -107,11 +107,9 @@ template <class D, class C> [[gnu::always_inline]] inline D clamp(C x) {
 
 // Stores the exact result x: the low bits of it, or clamped to the type.
 template <class D, bool Clamp, class C> [[gnu::always_inline]] inline D store(C x) {
-    if constexpr (is_real<D>)
-        return D(x);
-    else if constexpr (is_real<C>)
+    if constexpr (!is_real<D> && is_real<C>)
         return store<D, Clamp>(round_s32(x));
-    else if constexpr (Clamp && sizeof(C) >= sizeof(D) && !same<C, D>)
+    else if constexpr (!is_real<D> && Clamp && sizeof(C) >= sizeof(D) && !same<C, D>)
         return clamp<D>(x);
     else
         return D(x);
