@@ -107,7 +107,7 @@ TEST(Watershed, LayersRegionsAndPlanes) {
     Samples part;
     each({1, 15, 16, 1}, [&](const Index &i) { part.push_back(*element(a, {1, i[1] + 3, i[2] + 4, 0})); });
     const jorm_site site = {{0, 3, 4, 0}, {2, 15, 16, 1}};
-    const int32_t *const s = a.stride + 1, from[] = {H + 3, 4, 0};
+    const int32_t place[] = {0, H + 3, 4, 0}, *const from = place + 1, *const s = a.stride + 1;
     const uint8_t *const base = samples.data(), *const data = element(a, {1, 3, 4, 0}), *const on = mask.data();
     const uint32_t w = JORM_WORD(3), u8 = JORM_U8;
     Store store;
