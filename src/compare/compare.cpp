@@ -2,6 +2,7 @@
 #include "compare/compare.hpp"
 
 #include "compare/compare_rows.hpp"
+#include "jorm/compare.h"
 #include "jorm/shapes.h"
 #include "kernel/level_table.hpp"
 
@@ -12,8 +13,24 @@
 
 namespace jorm {
 
-JORM_LEVEL_TABLE(const CompareRows, compare_rows);
+JORM_LEVEL_TABLE(const Row, equal_rows);
+JORM_LEVEL_TABLE(const Row, less_rows);
+JORM_LEVEL_TABLE(const Row, less_equal_rows);
+JORM_LEVEL_TABLE(const Row, constant_equal_rows);
+JORM_LEVEL_TABLE(const Row, constant_less_rows);
+JORM_LEVEL_TABLE(const Row, constant_less_equal_rows);
+JORM_LEVEL_TABLE(const Row, constant_greater_rows);
+JORM_LEVEL_TABLE(const Row, constant_greater_equal_rows);
 JORM_LEVEL_TABLE(const CompareHelpers, compare_helpers);
+
+#define RELATION(name, arrays, constant, ...)                                                                          \
+    constexpr Relation relation_##name = {JORM_AT_LEVELS(arrays), JORM_AT_LEVELS(constant), __VA_ARGS__}
+RELATION(equal, equal_rows, constant_equal_rows, false);
+RELATION(less, less_rows, constant_less_rows, false);
+RELATION(less_equal, less_equal_rows, constant_less_equal_rows, false);
+RELATION(greater, less_rows, constant_greater_rows, true);
+RELATION(greater_equal, less_equal_rows, constant_greater_equal_rows, true);
+RELATION(none, equal_rows, constant_equal_rows, false, true);
 
 namespace {
 
@@ -109,14 +126,14 @@ struct Pixel {
 };
 
 // The row for `count` channels from `first` on; what it takes goes to p.
-Row settle(Blocks &p, const CompareCall &call, const ComparePixels &pixels, int relation, int first, int count,
-           int64_t elements, Level which) {
+Row settle(Blocks &p, const CompareCall &call, const ComparePixels &pixels, const Relation &relation, int first,
+           int count, int64_t elements, Level which) {
     const Operand *const o = call.operand;
     const int size_log2 = std::countr_zero(unsigned(element_size(o[0].type)));
     const int first_type = compare_type(o[1].type);
     const int second_type = call.sources == 2 ? compare_type(o[2].type) : first_type;
     const int type = common_type(first_type, second_type);
-    const CompareRows &rows = JORM_OF_LEVEL(compare_rows, which)[size_log2 * compare_types + type];
+    const int line = size_log2 * compare_types + type;
     const CompareHelpers &helpers = JORM_OF_LEVEL(compare_helpers, which)[0];
     const Pixel constant(pixels.constant, o[1].type, first, count), yes(pixels.yes, o[0].type, first, count),
         no(pixels.no, o[0].type, first, count);
@@ -124,14 +141,8 @@ Row settle(Blocks &p, const CompareCall &call, const ComparePixels &pixels, int 
     p.by_channel = !constant.uniform();
     const bool selects = !yes.uniform() || !no.uniform();
     p.constant = constant.bits(0);
-    if (call.sources == 2)
-        p.compare = rows.arrays[relation];
-    else if (!p.by_channel)
-        p.compare = rows.constant[relation];
-    else {
-        p.constant_first = relation >= array_relations;
-        p.compare = rows.arrays[p.constant_first ? relation - 2 : relation];
-    }
+    p.constant_first = relation.exchanged;
+    p.compare = (call.sources == 2 || p.by_channel ? relation.arrays : relation.constant)[which][line];
     if (!selects) {
         p.yes = yes.bits(p.yes);
         p.no = no.bits(p.no);
@@ -163,16 +174,12 @@ int64_t check(Shape &shape, const CompareCall &call) {
 int64_t run(const Shape &shape, CompareCall &call, ComparePixels pixels) {
     static constexpr char zeros[16] = {};
     if (shape.rows < 1 || shape.pixels < 1) return JORM_OK;
-    int relation = int(call.op & 15) - 3;
-    if (relation < relation_equal || relation > relation_greater_equal) { // true is as false
+    const Relation &relation = call.relation;
+    if (relation.never) { // true is as false
         if (!pixels.no) pixels.no = zeros;
         pixels.yes = pixels.no;
-        relation = relation_equal;
     }
-    if (call.sources == 2 && relation >= array_relations) {
-        std::swap(call.operand[1], call.operand[2]);
-        relation -= 2;
-    }
+    if (call.sources == 2 && relation.exchanged) std::swap(call.operand[1], call.operand[2]);
     const int operands = 1 + call.sources;
     const Level which = level(call.options);
     if (channels_fold(shape, call.operand, operands)) {
@@ -191,6 +198,23 @@ int64_t run(const Shape &shape, CompareCall &call, ComparePixels pixels) {
 }
 
 } // namespace
+
+const Relation &relation_of(uint32_t op) {
+    switch (op & 15) {
+    case JORM_CMP_EQUAL:
+        return relation_equal;
+    case JORM_CMP_LESS:
+        return relation_less;
+    case JORM_CMP_LESS_EQUAL:
+        return relation_less_equal;
+    case JORM_CMP_GREATER:
+        return relation_greater;
+    case JORM_CMP_GREATER_EQUAL:
+        return relation_greater_equal;
+    default:
+        return relation_none;
+    }
+}
 
 int compare_line(bool chosen, uint32_t dst_type, uint32_t src_type) {
     const int source = compare_type(src_type);

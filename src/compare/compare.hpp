@@ -1,8 +1,18 @@
 // One comparison of up to three axes.
 #pragma once
 #include "kernel/call.hpp"
+#include "kernel/row.hpp"
 
 namespace jorm {
+
+// An operator and its rows at every level. Who names one holds no other's rows.
+struct Relation {
+    const Row *arrays[level_count], *constant[level_count];
+    bool exchanged;     // the rows of arrays take the second source first
+    bool never = false; // nothing stands in it, whatever the rows say
+};
+extern const Relation relation_equal, relation_less, relation_less_equal, relation_greater, relation_greater_equal;
+const Relation &relation_of(uint32_t op);
 
 struct CompareCall {
     uint64_t options;
@@ -11,7 +21,7 @@ struct CompareCall {
     Operand operand[3]; // the destination, the source, the second source
     int sources;        // 1: with constants
     bool chosen;        // writes given values instead of masks
-    uint32_t op;
+    const Relation &relation;
 };
 
 // Elements for each channel, of the source's type (constant) and of the destination's (what is written).

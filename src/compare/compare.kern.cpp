@@ -47,21 +47,21 @@ template <class C, class A> void widen(void *dst, const void *const *src, int64_
 
 } // namespace
 
-#define ARRAYS(D, A) arrays<D, A, Equal>, arrays<D, A, Less>, arrays<D, A, LessEqual>
-#define CONSTANT(D, A)                                                                                                 \
-    constant<D, A, Equal>, constant<D, A, Less>, constant<D, A, LessEqual>, constant<D, A, Exchanged<Less>>,           \
-        constant<D, A, Exchanged<LessEqual>>
-#define ROWS(D, A)                                                                                                     \
-    {                                                                                                                  \
-        {ARRAYS(D, A)}, { CONSTANT(D, A) }                                                                             \
-    }
-#define DESTINATION(D)                                                                                                 \
-    ROWS(D, u8), ROWS(D, s8), ROWS(D, s16), ROWS(D, s32), ROWS(D, f32), {                                              \
-        {ARRAYS(D, f64)}, {}                                                                                           \
-    }
-
-extern const CompareRows compare_rows[];
-const CompareRows compare_rows[] = {DESTINATION(u8), DESTINATION(u16), DESTINATION(u32)};
+#define SOURCES(row, D, Relation)                                                                                      \
+    row<D, u8, Relation>, row<D, s8, Relation>, row<D, s16, Relation>, row<D, s32, Relation>, row<D, f32, Relation>
+#define ARRAYS(D, Relation) SOURCES(arrays, D, Relation), arrays<D, f64, Relation>
+#define CONSTANT(D, Relation) SOURCES(constant, D, Relation), nullptr
+#define TABLE(name, ROWS, ...)                                                                                         \
+    extern const Row name[];                                                                                           \
+    const Row name[] = {ROWS(u8, __VA_ARGS__), ROWS(u16, __VA_ARGS__), ROWS(u32, __VA_ARGS__)};
+TABLE(equal_rows, ARRAYS, Equal)
+TABLE(less_rows, ARRAYS, Less)
+TABLE(less_equal_rows, ARRAYS, LessEqual)
+TABLE(constant_equal_rows, CONSTANT, Equal)
+TABLE(constant_less_rows, CONSTANT, Less)
+TABLE(constant_less_equal_rows, CONSTANT, LessEqual)
+TABLE(constant_greater_rows, CONSTANT, Exchanged<Less>)
+TABLE(constant_greater_equal_rows, CONSTANT, Exchanged<LessEqual>)
 
 extern const CompareHelpers compare_helpers[];
 const CompareHelpers compare_helpers[] = {{

@@ -10,17 +10,11 @@ struct CompareParams : RowParams {
     uint32_t yes = 0xFFFFFFFFu, no = 0; // of the destination's type
 };
 
-// Operators 3 to 7, less 3. Two arrays are exchanged for the last two.
-enum Relation : int { relation_equal, relation_less, relation_less_equal, relation_greater, relation_greater_equal };
-constexpr int array_relations = 3, constant_relations = 5;
-
 // The types that are compared. The last one serves only sources that have no narrower type in common.
 enum CompareType : int { compare_u8, compare_s8, compare_s16, compare_s32, compare_f32, compare_f64, compare_types };
 
-// The rows of a destination's size, at size_log2 * compare_types + type of the table compare_rows.
-struct CompareRows {
-    Row arrays[array_relations], constant[constant_relations];
-};
+// Each relation has tables of its own, of two arrays and of an array with a constant: equal_rows and
+// constant_equal_rows. The row of a destination's size and a type stands at size_log2 * compare_types + type.
 
 // What else comparisons take: the only line of the table compare_helpers.
 struct CompareHelpers {

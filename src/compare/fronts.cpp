@@ -87,9 +87,9 @@ JORM_API const char *jorm_cmpop_str(uint32_t op) {
 #define ARRAYS(L) L##_PARAMS(, dst), L##_PARAMS(const, src), L##_PARAMS(const, src2)
 #define ONE_ARRAY(L) L##_PARAMS(, dst), L##_PARAMS(const, src)
 #define OF_ARRAYS(L, chosen, op)                                                                                       \
-    { options, word, size, {L##_OPERAND(dst), L##_OPERAND(src), L##_OPERAND(src2)}, 2, chosen, op }
+    { options, word, size, {L##_OPERAND(dst), L##_OPERAND(src), L##_OPERAND(src2)}, 2, chosen, relation_of(op) }
 #define OF_ONE_ARRAY(L, chosen, op)                                                                                    \
-    { options, word, size, {L##_OPERAND(dst), L##_OPERAND(src)}, 1, chosen, op }
+    { options, word, size, {L##_OPERAND(dst), L##_OPERAND(src)}, 1, chosen, relation_of(op) }
 
 #define COMPARE(name, L)                                                                                               \
     JORM_API int64_t name(LEAD, ARRAYS(L), uint32_t op) { return compare_mask(OF_ARRAYS(L, false, op), nullptr); }

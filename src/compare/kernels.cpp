@@ -26,9 +26,9 @@ jorm_proc *find(Kernel *const (&kernels)[N], bool chosen, uint32_t dst_type, uin
 #define ARRAYS K_PARAMS(, dst), K_PARAMS(const, src), K_PARAMS(const, src2)
 #define ONE_ARRAY K_PARAMS(, dst), K_PARAMS(const, src)
 #define OF_ARRAYS(chosen)                                                                                              \
-    { options, word, size, {K_OPERAND(dst), K_OPERAND(src), K_OPERAND(src2)}, 2, chosen, op }
+    { options, word, size, {K_OPERAND(dst), K_OPERAND(src), K_OPERAND(src2)}, 2, chosen, relation_of(op) }
 #define OF_ONE_ARRAY(chosen)                                                                                           \
-    { options, word, size, {K_OPERAND(dst), K_OPERAND(src)}, 1, chosen, op }
+    { options, word, size, {K_OPERAND(dst), K_OPERAND(src)}, 1, chosen, relation_of(op) }
 
 #define COMPARE(name, D, S)                                                                                            \
     JORM_API int64_t name(LEAD, ARRAYS, uint32_t op) { return compare_as(D, S, OF_ARRAYS(false), {}); }

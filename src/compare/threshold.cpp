@@ -2,7 +2,6 @@
 
 #include "compare/compare.hpp"
 #include "compare/threshold_rows.hpp"
-#include "jorm/compare.h"
 #include "jorm/shapes.h"
 #include "kernel/level_table.hpp"
 
@@ -127,7 +126,7 @@ int64_t sheer_threshold(const ThresholdCall &call, const double *pairs, bool two
     constexpr double lower[4] = {};
     for (int c = 0; c < shape.channels; ++c) least[c] = intervals.of[c].lo;
     std::fill_n(upper, 4, upper_class(call.dst.type));
-    return compare({call.options, call.word, call.size, {call.dst, call.src}, 1, true, JORM_CMP_GREATER_EQUAL}, least,
+    return compare({call.options, call.word, call.size, {call.dst, call.src}, 1, true, relation_greater_equal}, least,
                    inverted ? lower : upper, inverted ? upper : lower);
 }
 
