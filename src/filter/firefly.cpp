@@ -48,7 +48,9 @@ public:
         in_ = &in;
         const WindowCall &c = in.call();
         for (int i = 0; i < 3; ++i) own_ *= weights.axis[i] ? weights.axis[i][c.before[i]] : 1;
-        if (const int64_t status = sums_.open(in, weights, true); status != JORM_OK) return status;
+        if (const int64_t status = sums_.open(in, weights, JORM_OF_LEVEL(separable_rows, c.which), true);
+            status != JORM_OK)
+            return status;
         row_.emplace(c.xe, scratch_bytes(c.row_elements(), sums_.sum_bytes()), 64);
         return *row_ ? JORM_OK : JORM_ENOMEM;
     }

@@ -124,7 +124,7 @@ SeparableStage::Taps SeparableStage::make_taps(int64_t places, const double *wei
     return {{row, weight, pairs, places - 2 * pairs}, row, place};
 }
 
-int64_t SeparableStage::open(WindowRows &in, const SeparableWeights &w, bool precise) {
+int64_t SeparableStage::open(WindowRows &in, const SeparableWeights &w, const SeparableRows *table, bool precise) {
     in_ = &in;
     const WindowCall &c = in.call();
     const size_t rows = scratch_bytes(c.extent[0], c.extent[1], 3 * int64_t(sizeof(double)));
@@ -148,8 +148,7 @@ int64_t SeparableStage::open(WindowRows &in, const SeparableWeights &w, bool pre
         const double left = 1.0 / 260 - across.error(255) * plan.magnitude / across.magnitude;
         scale = scale_of(down, height, plan.whole, left / (255 * across.magnitude));
     }
-    rows_ = JORM_OF_LEVEL(separable_rows, c.which) +
-            (scale > 0 ? scaled_u8 : line_of(c, !precise && single_serves(c, plan)));
+    rows_ = table + (scale > 0 ? scaled_u8 : line_of(c, !precise && single_serves(c, plan)));
     const double one = 1, factor = scale > 0 ? scale : 1;
     down_ = make_taps(height, down, factor, rows_->weight_bytes, memory);
     along_ = make_taps(c.extent[2], w.axis[2] ? w.axis[2] : &one, 1 / factor, rows_->sum_bytes, memory);
@@ -235,13 +234,13 @@ void SeparableStage::produce_sums(int64_t y, void *row) {
     rows_->along_sums(row, along_.rows, in_->call().row_elements());
 }
 
-int64_t separable(WindowCall &c, const SeparableWeights &weights) {
+int64_t separable(WindowCall &c, const SeparableWeights &weights, const SeparableRows *table) {
     PreparedCall prepared;
     if (const int64_t status = prepared.prepare(c); status != JORM_OK) return status;
     WindowRows rows;
     if (const int64_t status = rows.open(c, SeparableStage::together - 1); status != JORM_OK) return status;
     SeparableStage stage;
-    const int64_t status = stage.open(rows, weights);
+    const int64_t status = stage.open(rows, weights, table);
     return status == JORM_OK ? run_stage(c, stage) : status;
 }
 

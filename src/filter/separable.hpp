@@ -19,9 +19,9 @@ public:
     // Windows of so many rows go down the columns together, so each element is fetched for all of them at once.
     static constexpr int64_t together = 2;
 
-    // `in` keeps a history of together - 1 rows.
+    // `in` keeps a history of together - 1 rows. The table has the lines that the types and weights of calls ask for.
     // Precise: in double precision whatever the weights, but for single precision itself.
-    int64_t open(WindowRows &in, const SeparableWeights &weights, bool precise = false);
+    int64_t open(WindowRows &in, const SeparableWeights &weights, const SeparableRows *table, bool precise = false);
     void begin_plane(int64_t z) override {
         in_->begin_plane(z);
         first_ = last_ = 0;
@@ -55,6 +55,6 @@ private:
 };
 
 // Runs the convolution over a call that has been checked.
-int64_t separable(WindowCall &c, const SeparableWeights &weights);
+int64_t separable(WindowCall &c, const SeparableWeights &weights, const SeparableRows *table);
 
 } // namespace jorm

@@ -322,9 +322,10 @@ template <class Order, int Width, bool Mirrored> struct Across {
 };
 
 template <class T, class Order, int Width, bool Mirrored>
-void small_windows_of(void *to, const WeightedRows &rows, const f32 *weight, int64_t n) {
+void small_windows_of(void *to, const WeightedRows &rows, const WeightedRows &along, int64_t n) {
     constexpr int block = 4 * lanes;
     T *const t = elements<T>(to);
+    const f32 *const weight = elements<f32>(along.weight);
     Across<Order, Width, Mirrored> across;
     for (int k = 0; k < across.weights; ++k) across.weight[k] = weight[k] - Numbers{};
     const auto store = [&](int64_t i, Numbers last_before, const Numbers(&s)[4], Numbers first_after)
@@ -360,42 +361,45 @@ void small_windows_of(void *to, const WeightedRows &rows, const f32 *weight, int
 
 template <class T, class Order>
 void small_windows(void *to, const WeightedRows &down, const WeightedRows &along, int64_t n) {
-    const f32 *const weight = elements<f32>(along.weight);
     const bool mirrored = along.pairs > 0;
     switch (2 * along.pairs + along.singles) {
     case 3:
-        return mirrored ? small_windows_of<T, Order, 3, true>(to, down, weight, n)
-                        : small_windows_of<T, Order, 3, false>(to, down, weight, n);
+        return mirrored ? small_windows_of<T, Order, 3, true>(to, down, along, n)
+                        : small_windows_of<T, Order, 3, false>(to, down, along, n);
     case 5:
-        return mirrored ? small_windows_of<T, Order, 5, true>(to, down, weight, n)
-                        : small_windows_of<T, Order, 5, false>(to, down, weight, n);
+        return mirrored ? small_windows_of<T, Order, 5, true>(to, down, along, n)
+                        : small_windows_of<T, Order, 5, false>(to, down, along, n);
     default:
-        return mirrored ? small_windows_of<T, Order, 7, true>(to, down, weight, n)
-                        : small_windows_of<T, Order, 7, false>(to, down, weight, n);
+        return mirrored ? small_windows_of<T, Order, 7, true>(to, down, along, n)
+                        : small_windows_of<T, Order, 7, false>(to, down, along, n);
     }
 }
 
 // Bytes whose weights no scale makes whole are too rare for rows of their own where there are scaled ones.
 #ifdef __x86_64__
-constexpr auto small_scaled_bytes = small_windows<u8, ByQuarters>;
-constexpr auto small_bytes = nullptr;
+constexpr auto small_scaled_bytes = small_windows<u8, ByQuarters>,
+               blur_scaled_bytes = small_windows_of<u8, ByQuarters, 5, true>;
+constexpr auto small_bytes = nullptr, blur_bytes = nullptr;
 #else
-constexpr auto small_scaled_bytes = nullptr;
-constexpr auto small_bytes = small_windows<u8, InOrder<u8>>;
+constexpr auto small_scaled_bytes = nullptr, blur_scaled_bytes = nullptr;
+constexpr auto small_bytes = small_windows<u8, InOrder<u8>>, blur_bytes = small_windows_of<u8, InOrder<u8>, 5, true>;
 #endif
 
 } // namespace
 
 #define LINE(T, Sum, small)                                                                                            \
     { sizeof(Sum), sizeof(Sum), down<T, Sum>, along<Sum, T>, along<Sum, Sum>, small, 12 * lanes }
-extern const SeparableRows separable_rows[];
-const SeparableRows separable_rows[] = {
-    {sizeof(f32), sizeof(s16), down_bytes, along<f32, u8>, along<f32, f32>, small_scaled_bytes, 12 * lanes},
-    LINE(u8, f32, small_bytes),
-    LINE(s16, f32, (small_windows<s16, InOrder<s16>>)),
-    LINE(f32, f32, (small_windows<f32, InOrder<f32>>)),
-    LINE(u8, f64, nullptr),
-    LINE(s16, f64, nullptr),
-    LINE(s32, f64, nullptr)};
+#define SCALED_LINE(small)                                                                                             \
+    { sizeof(f32), sizeof(s16), down_bytes, along<f32, u8>, along<f32, f32>, small, 12 * lanes }
+extern const SeparableRows separable_rows[], blur_rows[];
+const SeparableRows separable_rows[] = {SCALED_LINE(small_scaled_bytes),
+                                        LINE(u8, f32, small_bytes),
+                                        LINE(f32, f32, (small_windows<f32, InOrder<f32>>)),
+                                        LINE(s16, f32, (small_windows<s16, InOrder<s16>>)),
+                                        LINE(u8, f64, nullptr),
+                                        LINE(s16, f64, nullptr),
+                                        LINE(s32, f64, nullptr)};
+const SeparableRows blur_rows[] = {SCALED_LINE(blur_scaled_bytes), LINE(u8, f32, blur_bytes),
+                                   LINE(f32, f32, (small_windows_of<f32, InOrder<f32>, 5, true>))};
 
 } // namespace jorm::JORM_LEVEL

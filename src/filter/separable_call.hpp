@@ -21,7 +21,7 @@ inline int64_t weights_serve(WindowCall &c) {
 
 inline int64_t run_weights(WindowCall &c, const SeparableWeights &weights) {
     if (const int64_t status = weights_serve(c); status != JORM_OK || check_only(c)) return status;
-    return separable(c, weights);
+    return separable(c, weights, JORM_OF_LEVEL(separable_rows, c.which));
 }
 
 // The Gaussian weights of a call's window.

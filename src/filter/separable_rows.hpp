@@ -27,8 +27,11 @@ struct SeparableRows {
     int64_t small_row;
 };
 // Scaled: whole weights of 16 bits down the columns, an odd number of them followed by a 0.
-enum SeparableLine : int { scaled_u8, single_u8, single_s16, single_f32, double_u8, double_s16, double_s32 };
+enum SeparableLine : int { scaled_u8, single_u8, single_f32, single_s16, double_u8, double_s16, double_s32 };
 
 JORM_LEVEL_TABLE(const SeparableRows, separable_rows);
+// The lines up to single_f32, for windows of 5 columns whose weights mirror each other and keep bytes in single
+// precision.
+JORM_LEVEL_TABLE(const SeparableRows, blur_rows);
 
 } // namespace jorm

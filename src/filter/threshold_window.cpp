@@ -4,9 +4,8 @@
 #include "compare/threshold.hpp"
 #include "compare/threshold_rows.hpp"
 #include "filter/box.hpp"
-#include "filter/chain.hpp"
+#include "filter/separable_call.hpp"
 #include "jorm/arith.h"
-#include "jorm/sepfilter.h"
 #include "kernel/level_table.hpp"
 #include "xe/scratch.hpp"
 
@@ -75,6 +74,12 @@ int64_t mean_of_window(const ThresholdCall &call, const Shape &s, const Operand 
     const int32_t size[3] = {s.rows, s.pixels, 1};
     return run_bordered(call.xe, inner(call.options), three_axes, size, to.type, to.start, to.stride, from.start,
                         from.stride, &window, nullptr, nullptr, box);
+}
+
+int64_t blur(WindowCall &c) {
+    GaussianWeights weights;
+    const int64_t status = weights.open(c, nullptr);
+    return status == JORM_OK ? separable(c, weights, JORM_OF_LEVEL(blur_rows, c.which)) : status;
 }
 
 bool empty(const Shape &s) { return s.rows < 1 || s.pixels < 1; }
@@ -173,8 +178,8 @@ int64_t blur_threshold(const ThresholdCall &call, const jorm_thhmethod *method) 
     const int64_t status = each_channel(call, s, blurred, [&](const Operand &from, const Operand &to) {
         const jorm_seshape window = square(5);
         const int32_t size[3] = {s.rows, s.pixels, 1};
-        return jorma__efilter_gaussian(call.xe, inner(call.options), three_axes, size, to.type, to.start, to.stride,
-                                       from.start, from.stride, &window, nullptr, nullptr, nullptr);
+        return run_bordered(call.xe, inner(call.options), three_axes, size, to.type, to.start, to.stride, from.start,
+                            from.stride, &window, nullptr, nullptr, blur);
     });
     return status == JORM_OK ? classify(call, s, blurred, method, false) : status;
 }
