@@ -74,11 +74,9 @@ int64_t settle(Look &look, const StatSource &s, const StatShape &shape) {
 
 int64_t otsu_thresholds(const StatSource &s, double *thresholds, vrng *ranges, uint32_t *bins) {
     StatShape shape;
-    int32_t status;
     if (!thresholds) return JORM_EINVAL;
     if (const int64_t read = read_source(shape, s); read != JORM_OK) return read;
-    jorma__histofun_imp(1, s.samples.type, &status);
-    if (status != JORM_OK) return status;
+    if (const int64_t served = check_histogram_type(s.samples.type); served != JORM_OK) return served;
 
     Look look;
     for (int c = 0; c < shape.channels; ++c) {

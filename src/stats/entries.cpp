@@ -6,10 +6,9 @@ namespace jorm {
 namespace {
 
 // Every statistic as a function of source, results and where the source begins.
-int64_t sum_at(const StatSource &s, double *results, const int32_t *) { return sum(s, results); }
-int64_t mean_at(const StatSource &s, double *results, const int32_t *) { return mean(s, results); }
-int64_t compute_range_at(const StatSource &s, vrng *ranges, const int32_t *) { return compute_range(s, ranges); }
-int64_t adjust_range_at(const StatSource &s, vrng *ranges, const int32_t *) { return adjust_range(s, ranges); }
+template <auto run, class Result> int64_t anywhere(const StatSource &s, Result *results, const int32_t *) {
+    return run(s, results);
+}
 
 } // namespace
 } // namespace jorm
@@ -20,7 +19,7 @@ using namespace jorm;
 #define MASK(start) true, operand(JORM_U8, start, mask_stride)
 #define TYPED_MASK true, operand(mask_type, mask, mask_stride)
 
-#define ENTRY(name, ex_name, slice, ex_slice, run, Result)                                                             \
+#define ENTRY(name, ex_name, slice, ex_slice, run, masked_run, Result)                                                 \
     JORM_API int64_t name(jorm_xe *xe, uint64_t options, const jorm_array *src, const jorm_site *roi,                  \
                           Result *results) {                                                                           \
         StatFront front;                                                                                               \
@@ -33,7 +32,7 @@ using namespace jorm;
         StatFront front;                                                                                               \
         if (!results) return JORM_EINVAL;                                                                              \
         const int64_t status = front.negotiate(xe, options, src, roi, mask, at_mask);                                  \
-        return status == JORM_OK ? run(front.source, results, front.origin) : status;                                  \
+        return status == JORM_OK ? masked_run(front.source, results, front.origin) : status;                           \
     }                                                                                                                  \
     JORM_API int64_t slice(jorm_xe *xe, uint64_t options, Result *results, uint32_t word, const int32_t *size,         \
                            uint32_t type, const void *data, const int32_t *stride) {                                   \
@@ -42,11 +41,11 @@ using namespace jorm;
     JORM_API int64_t ex_slice(jorm_xe *xe, uint64_t options, Result *results, uint32_t word, const int32_t *size,      \
                               uint32_t type, const void *data, const int32_t *stride, uint32_t mask_type,              \
                               const void *mask, const int32_t *mask_stride) {                                          \
-        return run({SOURCE(data), TYPED_MASK}, results, nullptr);                                                      \
+        return masked_run({SOURCE(data), TYPED_MASK}, results, nullptr);                                               \
     }
-ENTRY(JormSum, JormSumEx, JormTGAsum, JormTGAsumEx, sum_at, double)
-ENTRY(JormMean, JormMeanEx, JormTGAmean, JormTGAmeanEx, mean_at, double)
-ENTRY(JormMinmax, JormMinmaxEx, JormTGAminmax, JormTGAminmaxEx, extrema, jorm_minmax)
+ENTRY(JormSum, JormSumEx, JormTGAsum, JormTGAsumEx, anywhere<sum>, anywhere<masked_sum>, double)
+ENTRY(JormMean, JormMeanEx, JormTGAmean, JormTGAmeanEx, anywhere<mean>, anywhere<masked_mean>, double)
+ENTRY(JormMinmax, JormMinmaxEx, JormTGAminmax, JormTGAminmaxEx, extrema, masked_extrema, jorm_minmax)
 
 #define LAYERS(adapter, dispatcher, run, Result)                                                                       \
     JORM_API int64_t adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t type,         \
@@ -57,11 +56,11 @@ ENTRY(JormMinmax, JormMinmaxEx, JormTGAminmax, JormTGAminmaxEx, extrema, jorm_mi
                                 const void *data, const int32_t *stride, Result *results) {                            \
         return run({SOURCE(data)}, results, nullptr);                                                                  \
     }
-LAYERS(jorma_sum, jorma__sum, sum_at, double)
-LAYERS(jorma_mean, jorma__mean, mean_at, double)
+LAYERS(jorma_sum, jorma__sum, anywhere<sum>, double)
+LAYERS(jorma_mean, jorma__mean, anywhere<mean>, double)
 LAYERS(jorma_minmax, jorma__minmax, extrema, jorm_minmax)
-LAYERS(jorma_compute_vrange, jorma__compute_vrange, compute_range_at, vrng)
-LAYERS(jorma_adjust_vrange, jorma__adjust_vrange, adjust_range_at, vrng)
+LAYERS(jorma_compute_vrange, jorma__compute_vrange, anywhere<compute_range>, vrng)
+LAYERS(jorma_adjust_vrange, jorma__adjust_vrange, anywhere<adjust_range>, vrng)
 
 #define XM_LAYERS(adapter, dispatcher, run, Result)                                                                    \
     JORM_API int64_t adapter(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t type,         \
@@ -76,8 +75,8 @@ LAYERS(jorma_adjust_vrange, jorma__adjust_vrange, adjust_range_at, vrng)
                                 Result *results) {                                                                     \
         return run({SOURCE(data), MASK(mask)}, results, nullptr);                                                      \
     }
-XM_LAYERS(jorma_sum_xm, jorma__sum_xm, sum_at, double)
-XM_LAYERS(jorma_mean_xm, jorma__mean_xm, mean_at, double)
-XM_LAYERS(jorma_minmax_xm, jorma__minmax_xm, extrema, jorm_minmax)
-XM_LAYERS(jorma_compute_vrange_xm, jorma__compute_vrange_xm, compute_range_at, vrng)
-XM_LAYERS(jorma_adjust_vrange_xm, jorma__adjust_vrange_xm, adjust_range_at, vrng)
+XM_LAYERS(jorma_sum_xm, jorma__sum_xm, anywhere<masked_sum>, double)
+XM_LAYERS(jorma_mean_xm, jorma__mean_xm, anywhere<masked_mean>, double)
+XM_LAYERS(jorma_minmax_xm, jorma__minmax_xm, masked_extrema, jorm_minmax)
+XM_LAYERS(jorma_compute_vrange_xm, jorma__compute_vrange_xm, anywhere<compute_masked_range>, vrng)
+XM_LAYERS(jorma_adjust_vrange_xm, jorma__adjust_vrange_xm, anywhere<adjust_masked_range>, vrng)

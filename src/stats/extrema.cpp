@@ -1,4 +1,3 @@
-#include "jorm/vrng.h"
 #include "stats/extrema_rows.hpp"
 #include "stats/gather.hpp"
 
@@ -42,20 +41,12 @@ void store(jorm_extremum &entry, const Extremum &e, const StatShape &shape, uint
     entry.plane = int32_t(row / shape.rows) + (origin ? origin[0] : 0);
 }
 
-int64_t check_type(uint32_t type) {
-    return stat_line(type) >= 0 ? JORM_OK : well_formed(type) ? JORM_ENOTSUP : JORM_EINVAL;
-}
-
-} // namespace
-
-int64_t extrema(const StatSource &s, jorm_minmax *record, const int32_t *origin) {
+int64_t extrema_by(const Row *rows, const StatSource &s, jorm_minmax *record, const int32_t *origin) {
     StatShape shape;
     if (!record) return JORM_EINVAL;
     if (int64_t status = read_source(shape, s); status != JORM_OK) return status;
     const uint32_t type = s.samples.type;
-    if (int64_t status = check_type(type); status != JORM_OK) return status;
-    const Level at = level(s.options);
-    const Row *rows = s.masked ? JORM_OF_LEVEL(masked_extrema_rows, at) : JORM_OF_LEVEL(extrema_rows, at);
+    if (int64_t status = check_ordered(type); status != JORM_OK) return status;
     Gathering<ExtremaState> g(rows + stat_line(type) * stat_line_length, shape.selected, s.options);
     if (int64_t status = gather(g, s, shape, opcode); status != JORM_OK) return status;
     for (int c = 0; c < shape.channels; ++c) {
@@ -68,32 +59,13 @@ int64_t extrema(const StatSource &s, jorm_minmax *record, const int32_t *origin)
     return JORM_OK;
 }
 
-int64_t compute_range(const StatSource &s, vrng *ranges) {
-    StatShape shape;
-    jorm_minmax record;
-    record.request = JORM_WANT_MIN | JORM_WANT_MAX;
-    if (!ranges) return JORM_EINVAL;
-    if (int64_t status = read_source(shape, s); status != JORM_OK) return status;
-    if (int64_t status = extrema(s, &record, nullptr); status != JORM_OK) return status;
-    for (int c = 0; c < shape.channels; ++c)
-        if (shape.is_selected(c)) ranges[c] = {record.min[c].f, record.max[c].f};
-    return JORM_OK;
-}
+} // namespace
 
-int64_t adjust_range(const StatSource &s, vrng *ranges) {
-    StatShape shape;
-    vrng measured[4];
-    if (!ranges) return JORM_EINVAL;
-    if (int64_t status = read_source(shape, s); status != JORM_OK) return status;
-    if (int64_t status = check_type(s.samples.type); status != JORM_OK) return status;
-    bool measure = false;
-    for (int c = 0; c < shape.channels; ++c)
-        measure |= shape.is_selected(c) && (std::isinf(ranges[c].lo) || ranges[c].lo > ranges[c].hi);
-    if (measure)
-        if (int64_t status = compute_range(s, measured); status != JORM_OK) return status;
-    for (int c = 0; c < shape.channels; ++c)
-        if (shape.is_selected(c)) jorm_vrng_normalize_$IQ(s.samples.type, &ranges[c], measure ? &measured[c] : nullptr);
-    return JORM_OK;
+int64_t extrema(const StatSource &s, jorm_minmax *record, const int32_t *origin) {
+    return extrema_by(JORM_OF_LEVEL(extrema_rows, level(s.options)), s, record, origin);
+}
+int64_t masked_extrema(const StatSource &s, jorm_minmax *record, const int32_t *origin) {
+    return extrema_by(JORM_OF_LEVEL(masked_extrema_rows, level(s.options)), s, record, origin);
 }
 
 } // namespace jorm

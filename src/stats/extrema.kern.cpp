@@ -191,12 +191,45 @@ template <class T, int C, bool Masked> void extrema(void *dst, const void *const
     state.pixels += n / C;
 }
 
+// The lanes alone: the same rows for every number of channels.
+template <class T> void bounds(void *dst, const void *const *src, int64_t n, const RowParams &) {
+    constexpr int width = lane_bytes / int(sizeof(T));
+    static_assert(lane_bytes <= BoundsState::bytes && width % 12 == 0);
+    BoundsState &state = *elements<BoundsState>(dst);
+    const T *const x = elements<T>(src[0]);
+    T lo[width], hi[width];
+    if (state.lanes == 0) {
+        for (int k = 0; k < width; ++k) lo[k] = top<T>;
+        for (int k = 0; k < width; ++k) hi[k] = bottom<T>;
+        state.lanes = width;
+    } else {
+        __builtin_memcpy(lo, state.least, sizeof lo);
+        __builtin_memcpy(hi, state.largest, sizeof hi);
+    }
+    const auto gather = [&](int64_t from, int count) __attribute__((always_inline)) {
+        for (int k = 0; k < count; ++k) {
+            lo[k] = better<Least>(x[from + k], lo[k]);
+            hi[k] = better<Largest>(x[from + k], hi[k]);
+        }
+    };
+    int64_t i = 0;
+    for (; n - i >= width; i += width) gather(i, width);
+    if (n < width)
+        gather(0, int(n));
+    else if (i < n)
+        gather(n - width, width); // some samples twice
+    __builtin_memcpy(state.least, lo, sizeof lo);
+    __builtin_memcpy(state.largest, hi, sizeof hi);
+}
+
 } // namespace
 
 #define LINE(T) extrema<T, 1, false>, nullptr, extrema<T, 3, false>, extrema<T, 4, false>
 #define MASKED_LINE(T) extrema<T, 1, true>, nullptr, nullptr, nullptr
-extern const Row extrema_rows[], masked_extrema_rows[];
+#define BOUNDS_LINE(T) bounds<T>, bounds<T>, bounds<T>, bounds<T>
+extern const Row extrema_rows[], masked_extrema_rows[], bounds_rows[];
 const Row extrema_rows[] = {LINE(u8), LINE(s16), LINE(s32), LINE(f32)};
 const Row masked_extrema_rows[] = {MASKED_LINE(u8), MASKED_LINE(s16), MASKED_LINE(s32), MASKED_LINE(f32)};
+const Row bounds_rows[] = {BOUNDS_LINE(u8), BOUNDS_LINE(s16), BOUNDS_LINE(s32), BOUNDS_LINE(f32)};
 
 } // namespace jorm::JORM_LEVEL

@@ -16,6 +16,11 @@ constexpr int stat_line(uint32_t type) {
 // A line holds the rows for 1 to 4 interleaved channels, null where they are taken one by one.
 constexpr int stat_line_length = 4;
 
+// Are samples of the type put in order?
+constexpr int64_t check_ordered(uint32_t type) {
+    return stat_line(type) >= 0 ? JORM_OK : well_formed(type) ? JORM_ENOTSUP : JORM_EINVAL;
+}
+
 struct StatShape {
     int64_t planes, rows, pixels;
     int32_t channels;
@@ -80,8 +85,7 @@ private:
                              const Operand *mask) {
         Shape shape;
         const int64_t status = read_shape(shape, word, size);
-        if (status == JORM_OK)
-            static_cast<Gathering *>(const_cast<void *>(gathering))->add(shape, samples, mask);
+        if (status == JORM_OK) static_cast<Gathering *>(const_cast<void *>(gathering))->add(shape, samples, mask);
         return status;
     }
 };

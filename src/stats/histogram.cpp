@@ -11,6 +11,7 @@ namespace jorm {
 JORM_LEVEL_TABLE(const Row, histogram_rows);
 JORM_LEVEL_TABLE(const Row, masked_histogram_rows);
 JORM_LEVEL_TABLE(const Row, byte_rows);
+JORM_LEVEL_TABLE(const Row, masked_byte_rows);
 JORM_LEVEL_TABLE(const Row, fold_rows);
 
 static void begin(HistogramState &state, int, uint8_t unselected) { state.unselected = unselected; }
@@ -134,28 +135,41 @@ private:
     bool by_value_ = false;
 };
 
-} // namespace
-
-int64_t histogram(const StatSource &s, jorm_histogram *records) {
+// The rows for samples by bin, a line for each type, and for bytes by value.
+int64_t histogram_by(const Row *rows, const Row *byte_rows, const StatSource &s, jorm_histogram *records) {
     StatShape shape;
     if (!records) return JORM_EINVAL;
     if (int64_t status = read_source(shape, s); status != JORM_OK) return status;
     const uint32_t type = s.samples.type;
-    const int line = line_of(type);
-    if (line < 0 || (s.masked && type == JORM_S8)) return well_formed(type) ? JORM_ENOTSUP : JORM_EINVAL;
+    if (int64_t status = check_histogram_type(type); status != JORM_OK) return status;
+    rows += line_of(type) * stat_line_length;
+    if (!rows[0]) return JORM_ENOTSUP;
     const double samples = double(shape.planes) * double(shape.rows) * double(shape.pixels);
-    const Level which = level(s.options);
     for (int c = 0; c < shape.channels; ++c) {
         if (!shape.is_selected(c) || !records[c].bins || records[c].nbins == 0) continue;
         Gathering<HistogramState> g(nullptr, 1u << c, s.options);
         Filling filling(g.state[c], records[c], s, samples);
-        g.rows = filling.by_value() ? JORM_OF_LEVEL(byte_rows, which) + (s.masked ? stat_line_length : 0)
-                 : s.masked         ? JORM_OF_LEVEL(masked_histogram_rows, which) + line * stat_line_length
-                                    : JORM_OF_LEVEL(histogram_rows, which) + line * stat_line_length;
+        g.rows = filling.by_value() ? byte_rows : rows;
         if (int64_t status = gather(g, s, shape, s.masked ? masked_opcode : opcode); status != JORM_OK) return status;
-        filling.finish(which);
+        filling.finish(level(s.options));
     }
     return JORM_OK;
+}
+
+} // namespace
+
+int64_t check_histogram_type(uint32_t type) {
+    return line_of(type) >= 0 ? JORM_OK : well_formed(type) ? JORM_ENOTSUP : JORM_EINVAL;
+}
+
+int64_t histogram(const StatSource &s, jorm_histogram *records) {
+    const Level which = level(s.options);
+    return histogram_by(JORM_OF_LEVEL(histogram_rows, which), JORM_OF_LEVEL(byte_rows, which), s, records);
+}
+int64_t masked_histogram(const StatSource &s, jorm_histogram *records) {
+    const Level which = level(s.options);
+    return histogram_by(JORM_OF_LEVEL(masked_histogram_rows, which), JORM_OF_LEVEL(masked_byte_rows, which), s,
+                        records);
 }
 
 } // namespace jorm

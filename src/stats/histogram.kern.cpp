@@ -134,13 +134,13 @@ template <int Ways> void fold(void *dst, const void *const *src, int64_t n, cons
 } // namespace
 
 #define LINE(row) row, nullptr, nullptr, nullptr
-extern const Row histogram_rows[], masked_histogram_rows[], byte_rows[], fold_rows[];
+extern const Row histogram_rows[], masked_histogram_rows[], byte_rows[], masked_byte_rows[], fold_rows[];
 const Row histogram_rows[] = {LINE((count_samples<u8, false>)), LINE((count_samples<s8, false>)),
                               LINE((count_samples<s16, false>)), LINE((count_samples<s32, false>)),
                               LINE((count_samples<f32, false>))};
 const Row masked_histogram_rows[] = {LINE((count_samples<u8, true>)), LINE(nullptr), LINE((count_samples<s16, true>)),
                                      LINE((count_samples<s32, true>)), LINE((count_samples<f32, true>))};
-const Row byte_rows[] = {LINE(count_bytes), LINE(count_masked_bytes)};
+const Row byte_rows[] = {LINE(count_bytes)}, masked_byte_rows[] = {LINE(count_masked_bytes)};
 const Row fold_rows[] = {fold<byte_ways>, fold<bin_ways>};
 
 } // namespace jorm::JORM_LEVEL

@@ -11,9 +11,11 @@ namespace {
 
 int64_t check_kind(uint32_t kind) { return kind == 0 ? JORM_OK : kind <= 3 ? JORM_ENOTIMP : JORM_EINVAL; }
 
-int64_t histogram_of_kind(const StatSource &s, uint32_t kind, jorm_histogram *records) {
+using Histogram = decltype(histogram);
+
+int64_t histogram_of_kind(Histogram run, const StatSource &s, uint32_t kind, jorm_histogram *records) {
     const int64_t status = check_kind(kind);
-    return status == JORM_OK ? histogram(s, records) : status;
+    return status == JORM_OK ? run(s, records) : status;
 }
 
 } // namespace
@@ -25,25 +27,25 @@ int64_t JormHistogram(jorm_xe *xe, uint64_t options, const jorm_array *src, cons
     StatFront front;
     if (!records) return JORM_EINVAL;
     const int64_t status = front.negotiate(xe, options, src, roi);
-    return status == JORM_OK ? histogram_of_kind(front.source, kind, records) : status;
+    return status == JORM_OK ? histogram_of_kind(histogram, front.source, kind, records) : status;
 }
 int64_t JormHistogramEx(jorm_xe *xe, uint64_t options, const jorm_array *src, const jorm_array *mask,
                         const jorm_site *roi, const int32_t *at_mask, uint32_t kind, jorm_histogram *records) {
     StatFront front;
     if (!records) return JORM_EINVAL;
     const int64_t status = front.negotiate(xe, options, src, roi, mask, at_mask);
-    return status == JORM_OK ? histogram_of_kind(front.source, kind, records) : status;
+    return status == JORM_OK ? histogram_of_kind(masked_histogram, front.source, kind, records) : status;
 }
 
 int64_t JormTGAhistogram(jorm_xe *xe, uint64_t options, const jorm_histparams *params, uint32_t word,
                          const int32_t *size, uint32_t type, const void *data, const int32_t *stride) {
-    return params ? histogram_of_kind({SOURCE(data)}, params->kind, params->records) : int64_t(JORM_EINVAL);
+    return params ? histogram_of_kind(histogram, {SOURCE(data)}, params->kind, params->records) : int64_t(JORM_EINVAL);
 }
 int64_t JormTGAhistogramEx(jorm_xe *xe, uint64_t options, const jorm_histparams *params, uint32_t word,
                            const int32_t *size, uint32_t type, const void *data, const int32_t *stride,
                            uint32_t mask_type, const void *mask, const int32_t *mask_stride) {
     const StatSource source = {SOURCE(data), true, operand(mask_type, mask, mask_stride)};
-    return params ? histogram_of_kind(source, params->kind, params->records) : int64_t(JORM_EINVAL);
+    return params ? histogram_of_kind(masked_histogram, source, params->kind, params->records) : int64_t(JORM_EINVAL);
 }
 
 int64_t jorma_histogram(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t type,
@@ -54,7 +56,8 @@ int64_t jorma_histogram_xm(jorm_xe *xe, uint64_t options, uint32_t word, const i
                            const void *base, const int32_t *origin, const int32_t *stride, const void *mask,
                            const int32_t *mask_origin, const int32_t *mask_stride, jorm_histogram *records) {
     const void *const by = start_of(word, mask, mask_origin, mask_stride);
-    return histogram({SOURCE(start_of(word, base, origin, stride)), true, operand(JORM_U8, by, mask_stride)}, records);
+    return masked_histogram({SOURCE(start_of(word, base, origin, stride)), true, operand(JORM_U8, by, mask_stride)},
+                            records);
 }
 int64_t jorma__histogram(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t type,
                          const void *data, const int32_t *stride, jorm_histogram *records) {
@@ -63,7 +66,7 @@ int64_t jorma__histogram(jorm_xe *xe, uint64_t options, uint32_t word, const int
 int64_t jorma__histogram_xm(jorm_xe *xe, uint64_t options, uint32_t word, const int32_t *size, uint32_t type,
                             const void *data, const int32_t *stride, const void *mask, const int32_t *mask_stride,
                             jorm_histogram *records) {
-    return histogram({SOURCE(data), true, operand(JORM_U8, mask, mask_stride)}, records);
+    return masked_histogram({SOURCE(data), true, operand(JORM_U8, mask, mask_stride)}, records);
 }
 
 // ---- Kernels ----
@@ -75,7 +78,7 @@ int64_t jorma__histogram_xm(jorm_xe *xe, uint64_t options, uint32_t word, const 
     }
 #define MASKED(name, T)                                                                                                \
     int64_t name(LEAD, const void *mask, const int32_t *mask_stride, jorm_histogram *record) {                         \
-        return histogram(                                                                                              \
+        return masked_histogram(                                                                                       \
             {xe, options, word, size, operand(T, data, stride), true, operand(JORM_U8, mask, mask_stride), 1},         \
             record);                                                                                                   \
     }

@@ -81,13 +81,16 @@ bool fast(uint64_t options) { return (options & JORM_OPT_FAST) != 0; }
 #define SUM(name, fast_name, xm_name, fast_xm_name, channels, T)                                                       \
     PLAIN(name, sum, double, channels, T)                                                                              \
     PLAIN(fast_name, sum, double, channels, T)                                                                         \
-    MASKED(xm_name, sum, double, channels, T)                                                                          \
-    MASKED(fast_xm_name, sum, double, channels, T)
+    MASKED(xm_name, masked_sum, double, channels, T)                                                                   \
+    MASKED(fast_xm_name, masked_sum, double, channels, T)
 JORM_SUM_KERNELS(SUM)
 
 static int64_t extrema_from_start(const StatSource &s, jorm_minmax *record) { return extrema(s, record, nullptr); }
+static int64_t masked_extrema_from_start(const StatSource &s, jorm_minmax *record) {
+    return masked_extrema(s, record, nullptr);
+}
 #define MINMAX(name, channels, T) PLAIN(name, extrema_from_start, jorm_minmax, channels, T)
-#define MINMAX_XM(name, channels, T) MASKED(name, extrema_from_start, jorm_minmax, channels, T)
+#define MINMAX_XM(name, channels, T) MASKED(name, masked_extrema_from_start, jorm_minmax, channels, T)
 JORM_MINMAX_KERNELS(MINMAX)
 JORM_MINMAX_XM_KERNELS(MINMAX_XM)
 

@@ -27,17 +27,26 @@ struct StatSource {
     int32_t channels = 0; // what a kernel's name says; 0: what the size vector says
 };
 
+// A statistic of masked samples has a name of its own, so that the other one brings no rows for masks into a program.
 int64_t sum(const StatSource &s, double *results);
+int64_t masked_sum(const StatSource &s, double *results);
 int64_t mean(const StatSource &s, double *results);
+int64_t masked_mean(const StatSource &s, double *results);
 
 // Places are counted from `origin` (plane, row, column; null for zeros), where the samples begin.
 int64_t extrema(const StatSource &s, jorm_minmax *record, const int32_t *origin);
+int64_t masked_extrema(const StatSource &s, jorm_minmax *record, const int32_t *origin);
 
 // Per selected channel the measured range; the caller's range, repaired.
 int64_t compute_range(const StatSource &s, vrng *ranges);
+int64_t compute_masked_range(const StatSource &s, vrng *ranges);
 int64_t adjust_range(const StatSource &s, vrng *ranges);
+int64_t adjust_masked_range(const StatSource &s, vrng *ranges);
 
 // Counts the samples of each selected channel into its record.
 int64_t histogram(const StatSource &s, jorm_histogram *records);
+int64_t masked_histogram(const StatSource &s, jorm_histogram *records);
+// Are samples of the type counted?
+int64_t check_histogram_type(uint32_t type);
 
 } // namespace jorm

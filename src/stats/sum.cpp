@@ -31,6 +31,10 @@ double result(const Gathering<SumState> &g, uint32_t type, int channels, int c) 
     return sum[0];
 }
 
+int64_t count_all(const StatSource &, const StatShape &shape, double &count) {
+    count = double(shape.planes) * double(shape.rows) * double(shape.pixels);
+    return JORM_OK;
+}
 // How many pixels the mask selects.
 int64_t count_selected(const StatSource &s, StatShape shape, double &count) {
     StatSource mask = {s.xe, s.options, s.word, s.size, s.mask};
@@ -46,16 +50,12 @@ int64_t count_selected(const StatSource &s, StatShape shape, double &count) {
     return status;
 }
 
-} // namespace
-
-int64_t sum(const StatSource &s, double *results) {
+int64_t sum_by(const Row *rows, const StatSource &s, double *results) {
     StatShape shape;
     if (!results) return JORM_EINVAL;
     if (int64_t status = read_source(shape, s); status != JORM_OK) return status;
     const int line = stat_line(s.samples.type);
     if (line < 0) return JORM_EINVAL;
-    const Level at = level(s.options);
-    const Row *rows = s.masked ? JORM_OF_LEVEL(masked_sum_rows, at) : JORM_OF_LEVEL(sum_rows, at);
     Gathering<SumState> g(rows + line * stat_line_length, shape.selected, s.options);
     if (int64_t status = gather(g, s, shape, opcode); status != JORM_OK) return status;
     for (int c = 0; c < shape.channels; ++c)
@@ -63,18 +63,29 @@ int64_t sum(const StatSource &s, double *results) {
     return JORM_OK;
 }
 
-int64_t mean(const StatSource &s, double *results) {
+// Sums become means of as many samples as `count_samples` finds.
+template <class Sum, class Count> int64_t mean_by(Sum sum, Count count_samples, const StatSource &s, double *results) {
     StatShape shape;
     double sums[4] = {}, count;
     if (!results) return JORM_EINVAL;
     if (int64_t status = read_source(shape, s); status != JORM_OK) return status;
     if (int64_t status = sum(s, sums); status != JORM_OK) return status;
-    count = double(shape.planes) * double(shape.rows) * double(shape.pixels);
-    if (s.masked)
-        if (int64_t status = count_selected(s, shape, count); status != JORM_OK) return status;
+    if (int64_t status = count_samples(s, shape, count); status != JORM_OK) return status;
     for (int c = 0; c < shape.channels; ++c)
         if (shape.is_selected(c)) results[c] = count > 0 ? sums[c] / count : 0;
     return JORM_OK;
 }
+
+} // namespace
+
+int64_t sum(const StatSource &s, double *results) {
+    return sum_by(JORM_OF_LEVEL(sum_rows, level(s.options)), s, results);
+}
+int64_t masked_sum(const StatSource &s, double *results) {
+    return sum_by(JORM_OF_LEVEL(masked_sum_rows, level(s.options)), s, results);
+}
+
+int64_t mean(const StatSource &s, double *results) { return mean_by(sum, count_all, s, results); }
+int64_t masked_mean(const StatSource &s, double *results) { return mean_by(masked_sum, count_selected, s, results); }
 
 } // namespace jorm
