@@ -68,6 +68,7 @@ void check_case(Random &r, int rows, int pixels) {
                                                    : c.at_slice(nullptr, tga, tga_ex, out);
         };
         double sums[4] = {-7, -7, -7, -7}, means[4] = {-7, -7, -7, -7};
+        vrng ranges[4] = {};
         jorm_minmax mm;
         std::memset(&mm, 0x55, sizeof mm);
         const jorm_minmax untouched = mm;
@@ -77,13 +78,17 @@ void check_case(Random &r, int rows, int pixels) {
                               call(JormMean, JormMeanEx, jorma_mean, jorma_mean_xm, jorma__mean, jorma__mean_xm,
                                    JormTGAmean, JormTGAmeanEx, means),
                               call(JormMinmax, JormMinmaxEx, jorma_minmax, jorma_minmax_xm, jorma__minmax,
-                                   jorma__minmax_xm, JormTGAminmax, JormTGAminmaxEx, &mm)});
+                                   jorma__minmax_xm, JormTGAminmax, JormTGAminmaxEx, &mm),
+                              c.at_dispatcher(nullptr, jorma__compute_vrange, jorma__compute_vrange_xm, ranges)});
         for (int k = 0; k < 4; ++k) {
             const Expected e = c.selects(k) ? expected(c, k, layer > ReadCase::adapter ? Index{} : c.o) : Expected{};
             SCOPED_TRACE(testing::Message() << "type " << c.type << " channel " << k << " level " << level << " layer "
                                             << layer << " size " << testing::PrintToString(c.n));
             ASSERT_PRED2(same, sums[k], e.sum);
             ASSERT_PRED2(same, means[k], e.mean);
+            const vrng range = c.selects(k) ? vrng{e.min.f, e.max.f} : vrng{};
+            ASSERT_TRUE(std::isnan(range.lo) ? std::isnan(ranges[k].lo) : ranges[k].lo == range.lo);
+            ASSERT_TRUE(std::isnan(range.hi) ? std::isnan(ranges[k].hi) : ranges[k].hi == range.hi);
             const bool min = c.selects(k) && (mm.request & JORM_WANT_MIN);
             const bool max = c.selects(k) && (mm.request & JORM_WANT_MAX);
             ASSERT_EQ(parts(mm.min[k]), parts(min ? e.min : untouched.min[k]));

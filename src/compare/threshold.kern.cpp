@@ -40,11 +40,13 @@ template <class D, class A> void move(void *dst, const void *const *src, int64_t
 
 } // namespace
 
-#define SOURCES(row, D) row<D, u8>, row<D, s8>, row<D, s16>, row<D, s32>, row<D, f32>
-#define ROWS(row) SOURCES(row, u8), SOURCES(row, u16), SOURCES(row, u32), row<u32, f32>
+#define SOURCES(row, D, of_s8) row<D, u8>, of_s8, row<D, s16>, row<D, s32>, row<D, f32>
+#define BETWEEN(D) SOURCES(between, D, (between<D, s8>))
+// No windows have means of s8.
+#define EXCESS(D) SOURCES(excess, D, nullptr)
 extern const Row between_rows[], excess_rows[];
-const Row between_rows[] = {ROWS(between)};
-const Row excess_rows[] = {ROWS(excess)};
+const Row between_rows[] = {BETWEEN(u8), BETWEEN(u16), BETWEEN(u32), between<u32, f32>};
+const Row excess_rows[] = {EXCESS(u8), EXCESS(u16), EXCESS(u32), excess<u32, f32>};
 extern const GroundRows ground_rows[];
 const GroundRows ground_rows[] = {{subtract<s16, u8>, move<u8, s16>}, {subtract<f32, f32>, move<f32, f32>}};
 

@@ -78,11 +78,19 @@ template <class T, BinRule rule>
     }
 }
 
-template <class T> [[gnu::always_inline]] inline void find_bins(u32 *bin, const T *x, int n, const HistogramState &s) {
+template <class T> [[gnu::noinline]] void find_bins(u32 *bin, const T *x, int n, const HistogramState &s) {
     if (s.rule == BinRule::wide) return find_bins<T, BinRule::wide>(bin, x, n, s);
     if (!is_real<T> && s.rule == BinRule::unit) return find_bins<T, BinRule::unit>(bin, x, n, s);
     find_bins<T, BinRule::scaled>(bin, x, n, s);
 }
+// Bytes that are not counted by their values are few.
+template <class T> void find_bins_of_bytes(u32 *bin, const T *x, int n, const HistogramState &s) {
+    s16 wide[block];
+    for (int i = 0; i < n; ++i) wide[i] = x[i];
+    find_bins(bin, wide, n, s);
+}
+void find_bins(u32 *bin, const u8 *x, int n, const HistogramState &s) { find_bins_of_bytes(bin, x, n, s); }
+void find_bins(u32 *bin, const s8 *x, int n, const HistogramState &s) { find_bins_of_bytes(bin, x, n, s); }
 
 // Adds up the samples that count.
 [[gnu::always_inline]] inline void add_up(HistogramState &s, const f32 *x, const u32 *counts, int n) {
