@@ -52,7 +52,7 @@ template <class Kind, int C, int N, class T> [[gnu::always_inline]] inline void 
         else
             best[0] = word;
     } else {
-        constexpr int parts = N % 3 == 0 && C != 3 ? 3 : 2, M = N / parts;
+        constexpr int parts = N % 3 == 0 && C % 3 != 0 ? 3 : 2, M = N / parts;
         T some[M];
         for (int k = 0; k < M; ++k) {
             some[k] = better<Kind>(lane[k + M], lane[k]);
@@ -194,7 +194,7 @@ template <class T, int C, bool Masked> void extrema(void *dst, const void *const
 // The lanes alone: the same rows for every number of channels.
 template <class T> void bounds(void *dst, const void *const *src, int64_t n, const RowParams &) {
     constexpr int width = lane_bytes / int(sizeof(T));
-    static_assert(lane_bytes <= BoundsState::bytes && width % 12 == 0);
+    static_assert(lane_bytes <= BoundsState::bytes && width % BoundsState::fewest == 0);
     BoundsState &state = *elements<BoundsState>(dst);
     const T *const x = elements<T>(src[0]);
     T lo[width], hi[width];
@@ -222,14 +222,29 @@ template <class T> void bounds(void *dst, const void *const *src, int64_t n, con
     __builtin_memcpy(state.largest, hi, sizeof hi);
 }
 
+// As few lanes as serve every number of channels.
+template <class T> void fold_bounds(void *dst, const void *const *, int64_t, const RowParams &) {
+    constexpr int width = lane_bytes / int(sizeof(T)), few = BoundsState::fewest;
+    BoundsState &state = *elements<BoundsState>(dst);
+    T lo[width], hi[width], least[few], largest[few];
+    __builtin_memcpy(lo, state.least, sizeof lo);
+    __builtin_memcpy(hi, state.largest, sizeof hi);
+    fold<Least, few, width>(lo, least);
+    fold<Largest, few, width>(hi, largest);
+    __builtin_memcpy(state.least, least, sizeof least);
+    __builtin_memcpy(state.largest, largest, sizeof largest);
+    state.lanes = few;
+}
+
 } // namespace
 
 #define LINE(T) extrema<T, 1, false>, nullptr, extrema<T, 3, false>, extrema<T, 4, false>
 #define MASKED_LINE(T) extrema<T, 1, true>, nullptr, nullptr, nullptr
 #define BOUNDS_LINE(T) bounds<T>, bounds<T>, bounds<T>, bounds<T>
-extern const Row extrema_rows[], masked_extrema_rows[], bounds_rows[];
+extern const Row extrema_rows[], masked_extrema_rows[], bounds_rows[], fold_bounds_rows[];
 const Row extrema_rows[] = {LINE(u8), LINE(s16), LINE(s32), LINE(f32)};
 const Row masked_extrema_rows[] = {MASKED_LINE(u8), MASKED_LINE(s16), MASKED_LINE(s32), MASKED_LINE(f32)};
 const Row bounds_rows[] = {BOUNDS_LINE(u8), BOUNDS_LINE(s16), BOUNDS_LINE(s32), BOUNDS_LINE(f32)};
+const Row fold_bounds_rows[] = {fold_bounds<u8>, fold_bounds<s16>, fold_bounds<s32>, fold_bounds<f32>};
 
 } // namespace jorm::JORM_LEVEL

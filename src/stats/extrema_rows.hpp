@@ -20,7 +20,7 @@ struct ExtremaState {
 // Extrema without their places. Lane k holds those of the samples that lie k beyond a multiple of the lanes, which are
 // a multiple of every number of channels.
 struct BoundsState {
-    static constexpr int bytes = 192;
+    static constexpr int bytes = 192, fewest = 12;
     alignas(64) unsigned char least[bytes], largest[bytes];
     int32_t lanes; // 0 before the first row
 };

@@ -78,19 +78,25 @@ template <class T, BinRule rule>
     }
 }
 
-template <class T> [[gnu::noinline]] void find_bins(u32 *bin, const T *x, int n, const HistogramState &s) {
+template <class T> [[gnu::always_inline]] inline void find_bins(u32 *bin, const T *x, int n, const HistogramState &s) {
     if (s.rule == BinRule::wide) return find_bins<T, BinRule::wide>(bin, x, n, s);
     if (!is_real<T> && s.rule == BinRule::unit) return find_bins<T, BinRule::unit>(bin, x, n, s);
     find_bins<T, BinRule::scaled>(bin, x, n, s);
 }
-// Bytes that are not counted by their values are few.
-template <class T> void find_bins_of_bytes(u32 *bin, const T *x, int n, const HistogramState &s) {
-    s16 wide[block];
-    for (int i = 0; i < n; ++i) wide[i] = x[i];
-    find_bins(bin, wide, n, s);
+// Bytes that are not counted by their values are few: loops for words do.
+[[gnu::noinline]] void find_bins_of_words(u32 *bin, const s16 *x, int n, const HistogramState &s) {
+    find_bins(bin, x, n, s);
 }
-void find_bins(u32 *bin, const u8 *x, int n, const HistogramState &s) { find_bins_of_bytes(bin, x, n, s); }
-void find_bins(u32 *bin, const s8 *x, int n, const HistogramState &s) { find_bins_of_bytes(bin, x, n, s); }
+template <class T>
+[[gnu::always_inline]] inline void find_any_bins(u32 *bin, const T *x, int n, const HistogramState &s) {
+    if constexpr (sizeof(T) > 1)
+        find_bins(bin, x, n, s);
+    else {
+        s16 word[block];
+        for (int i = 0; i < n; ++i) word[i] = x[i];
+        find_bins_of_words(bin, word, n, s);
+    }
+}
 
 // Adds up the samples that count.
 [[gnu::always_inline]] inline void add_up(HistogramState &s, const f32 *x, const u32 *counts, int n) {
@@ -114,7 +120,7 @@ template <class T, bool Masked> void count_samples(void *state, const void *cons
     u32 bin[block], counts[block]; // how often a sample counts: once, or not at all
     for (int64_t i = 0; i < n; i += block, x += block) {
         const int m = n - i < block ? int(n - i) : block;
-        find_bins(bin, x, m, s);
+        find_any_bins(bin, x, m, s);
         if (Masked || is_real<T>)
             for (int k = 0; k < m; ++k) counts[k] = (!Masked || mask[i + k] != unselected) && x[k] == x[k];
         const auto count = [&](int k, int w) __attribute__((always_inline)) {

@@ -9,6 +9,7 @@
 namespace jorm {
 
 JORM_LEVEL_TABLE(const Row, bounds_rows);
+JORM_LEVEL_TABLE(const Row, fold_bounds_rows);
 
 static void begin(BoundsState &state, int, uint8_t) { state.lanes = 0; }
 
@@ -17,7 +18,7 @@ namespace {
 constexpr uint32_t opcode = fourcc("mima");
 
 // Of every `step`-th lane from `first` on. Where there is no sample, the range of none holds nothing.
-template <class T> vrng fold(const BoundsState &state, int first, int step) {
+template <class T> vrng range_of(const BoundsState &state, int first, int step) {
     using Limits = std::numeric_limits<T>;
     T lo = Limits::has_infinity ? Limits::infinity() : Limits::max();
     T hi = Limits::has_infinity ? -Limits::infinity() : Limits::min();
@@ -31,12 +32,8 @@ template <class T> vrng fold(const BoundsState &state, int first, int step) {
     if (Limits::has_infinity && lo > hi) return {std::nan(""), std::nan("")};
     return {float(lo) + 0.0, float(hi) + 0.0}; // no -0, which is as good as 0 and may lie in any lane
 }
-constexpr auto fold_of(uint32_t type) {
-    return type == JORM_U8    ? fold<uint8_t>
-           : type == JORM_S16 ? fold<int16_t>
-           : type == JORM_S32 ? fold<int32_t>
-                              : fold<float>;
-}
+constexpr vrng (*ranges_of[])(const BoundsState &, int, int) = {range_of<uint8_t>, range_of<int16_t>, range_of<int32_t>,
+                                                                range_of<float>}; // by stat_line()
 
 template <class Compute> int64_t adjust_by(Compute compute, const StatSource &s, vrng *ranges) {
     StatShape shape;
@@ -62,12 +59,18 @@ int64_t compute_range(const StatSource &s, vrng *ranges) {
     if (int64_t status = read_source(shape, s); status != JORM_OK) return status;
     const uint32_t type = s.samples.type;
     if (int64_t status = check_ordered(type); status != JORM_OK) return status;
-    const Row *const rows = JORM_OF_LEVEL(bounds_rows, level(s.options)) + stat_line(type) * stat_line_length;
-    Gathering<BoundsState> g(rows, shape.selected, s.options);
+    const Level which = level(s.options);
+    const int line = stat_line(type);
+    Gathering<BoundsState> g(JORM_OF_LEVEL(bounds_rows, which) + line * stat_line_length, shape.selected, s.options);
     if (int64_t status = gather(g, s, shape, opcode); status != JORM_OK) return status;
+    for (int c = 0; c < shape.channels; ++c) {
+        BoundsState &state = g.state[c];
+        const bool used = g.interleaved ? c == 0 : shape.is_selected(c);
+        if (used && state.lanes > 0) JORM_OF_LEVEL(fold_bounds_rows, which)[line](&state, nullptr, 0, RowParams{});
+    }
     for (int c = 0; c < shape.channels; ++c)
         if (shape.is_selected(c))
-            ranges[c] = fold_of(type)(g.state_of(c), g.index_of(c), g.interleaved ? shape.channels : 1);
+            ranges[c] = ranges_of[line](g.state_of(c), g.index_of(c), g.interleaved ? shape.channels : 1);
     return JORM_OK;
 }
 
