@@ -3,10 +3,11 @@
 set(JORM_LEVELS base)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
     list(APPEND JORM_LEVELS avx2 avx512)
+    # Words that the compiler keeps in MMX registers would stand in the way of the caller's long doubles.
+    set(JORM_FLAGS_base -mno-mmx)
 endif()
-set(JORM_FLAGS_base "")
-set(JORM_FLAGS_avx2 -mavx2)
-set(JORM_FLAGS_avx512 -mavx512f -mavx512bw -mavx512dq -mavx512vl -mprefer-vector-width=512)
+set(JORM_FLAGS_avx2 -mavx2 -mno-mmx)
+set(JORM_FLAGS_avx512 -mno-mmx -mavx512f -mavx512bw -mavx512dq -mavx512vl -mprefer-vector-width=512)
 
 # Compiles the sources once per level and appends the objects to the variable.
 function(jorm_add_level_sources variable)
