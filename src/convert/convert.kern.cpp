@@ -14,14 +14,12 @@ template <class D, class S> [[gnu::always_inline]] inline D clamped(S x) {
 }
 
 template <class D, class S> [[gnu::always_inline]] inline D convert_element(S x) {
-    if constexpr (is_real<D>)
+    if constexpr (is_real<D> || (!is_real<S> && sizeof(S) <= sizeof(D)))
         return D(x);
     else if constexpr (is_real<S>)
         return convert_element<D>(round_s32(x));
-    else if constexpr (sizeof(S) > sizeof(D))
-        return clamped<D>(x);
     else
-        return D(x);
+        return clamped<D>(x);
 }
 
 template <class D, class S> void plain(void *dst, const void *const *src, int64_t n, const RowParams &) {

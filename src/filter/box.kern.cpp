@@ -64,7 +64,7 @@ template <bool Even, class W>
 // columns is looked at as the registers gather, or every width would have loops of its own.
 template <bool OddWidth, bool EvenArea, class W, int Many>
 [[gnu::always_inline]] inline void mean_pairs(u8 *to, const u16 *even, const u16 *odd, int64_t i, const ByteMean &m) {
-    constexpr int size = int(sizeof(W) / sizeof(u16));
+    constexpr int size = int(sizeof(W)) / int(sizeof(u16));
     const u16 half = m.area / 2, area = m.area, factor = m.factor, shift = m.shift;
     const int64_t last = m.width / 2;
     const u16 *const e = even + i, *const o = odd + i;

@@ -93,10 +93,9 @@ void small_windows_of(void *const *to_rows, const void *const *all_rows, int64_t
                 store_lanes(to[r] + left + i + j * size, windows_of<Kind, T, K>(a.of[r][0], next.of[r][j]));
                 a.of[r][0] = next.of[r][j];
             }
-        i += Many * size;
     };
-    while (i + 3 * size <= n) inner(Count<2>());
-    while (i + 2 * size <= n) inner(Count<1>());
+    for (; i + 3 * size <= n; i += 2 * size) inner(Count<2>());
+    for (; i + 2 * size <= n; i += size) inner(Count<1>());
     if (i < last) {
         i = last - size;
         a = Columns(rows, i);

@@ -44,7 +44,7 @@ template <class Sum, int N, class In> [[gnu::always_inline]] inline VectorOf<Sum
 // Sums of vectors of elements from element i on. They gather in registers, so the vectors share each weight.
 template <class In, class Weight, class Sum, class V, int Count>
 [[gnu::always_inline]] inline void weigh(V (&sum)[Count], const WeightedRows &rows, int64_t i) {
-    constexpr int size = sizeof(V) / sizeof(Sum);
+    constexpr int size = int(sizeof(V)) / int(sizeof(Sum));
     const void *const *row = rows.row;
     const Weight *weight = elements<Weight>(rows.weight);
     for (V &s : sum) s = -V{}; // -0 adds nothing, not even a sign
@@ -135,13 +135,14 @@ template <class Out, class Sum> [[gnu::always_inline]] inline Out result_of(Sum 
 template <class Out, class Sum, class V, int Count>
 [[gnu::always_inline]] inline void store_results(Out *to, const V (&sums)[Count]) {
     if constexpr (same<Out, Sum>) {
-        for (int j = 0; j < Count; ++j) __builtin_memcpy(to + j * int(sizeof(V) / sizeof(Out)), &sums[j], sizeof(V));
+        for (int j = 0; j < Count; ++j)
+            __builtin_memcpy(to + j * (int(sizeof(V)) / int(sizeof(Out))), &sums[j], sizeof(V));
         return;
     }
 #ifdef __x86_64__
-    constexpr int vectors = int(sizeof(Sum) / sizeof(Out));
+    constexpr int vectors = int(sizeof(Sum)) / int(sizeof(Out));
     if constexpr (same<Sum, f32> && !is_real<Out> && sizeof(V) == register_bytes && Count % vectors == 0) {
-        for (int j = 0; j < Count; j += vectors) store_register(to + j * int(sizeof(V) / sizeof(Sum)), sums + j);
+        for (int j = 0; j < Count; j += vectors) store_register(to + j * (int(sizeof(V)) / int(sizeof(Sum))), sums + j);
         return;
     }
 #endif
