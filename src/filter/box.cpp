@@ -28,23 +28,18 @@ template <class Enter, class Slide> void slide_columns(WindowRows &in, int64_t y
 
 // ---- Windows of bytes ----
 
-bool divides(const ByteMean &m, int64_t q) {
-    const int64_t area = m.area, half = area / 2;
-    const auto mean = [&](int64_t t) { return ((t * m.factor >> 16) * m.shift) >> 16; };
-    return mean(q * area) == q && mean(q * area + area - 1) == q && (q + 1) * area - 1 <= 255 * area + half + area;
-}
-
-// Finds factor and shift; false when there are none that divide all sums.
+// Finds factor and shift; false when there are none that divide all sums. Of a sum t the factor makes t / area and
+// t * excess / (area * scale) more, which reaches no other integer while t * excess < scale: sums of a full remainder,
+// of which 255 * area - 1 is the largest, come nearest.
 bool find_factors(ByteMean &m, int64_t area) {
     if (area < 3 || area > 256) return false;
     int shift = 1;
     while (((int64_t(1) << (17 + shift)) + area - 1) / area < 65536) ++shift;
+    const int64_t scale = int64_t(1) << (16 + shift), factor = (scale + area - 1) / area;
     m.area = uint16_t(area);
-    m.factor = uint16_t(((int64_t(1) << (16 + shift)) + area - 1) / area);
+    m.factor = uint16_t(factor);
     m.shift = uint16_t(1 << (16 - shift));
-    for (int64_t q = 0; q < 256; ++q)
-        if (!divides(m, q)) return false;
-    return true;
+    return (255 * area - 1) * (factor * area - scale) < scale;
 }
 
 class ByteBoxStage : public RowStage {
@@ -55,7 +50,8 @@ public:
         rows_ = JORM_OF_LEVEL(byte_mean_rows, in.call().which);
         // Pairs of columns are pairs of bytes of the bare part, wherever that begins.
         mean_.phase = int32_t(in.left & 1);
-        half_ = ring_pitch((in.whole() + 4) / 2 * int64_t(sizeof(uint16_t)));
+        // Registers may read beyond the last column.
+        half_ = ring_pitch((in.whole() + 4) / 2 * int64_t(sizeof(uint16_t)) + line);
         sums_.emplace(in.call().xe, scratch_bytes(mean.factor ? 2 : 4, half_), line);
         return *sums_ ? JORM_OK : JORM_ENOMEM;
     }

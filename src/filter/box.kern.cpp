@@ -102,8 +102,12 @@ void mean_bytes_of(u8 *to, const u16 *even, const u16 *odd, int64_t n, const Byt
     const int64_t words = n / 2;
     int64_t i = 0;
     for (; i + many * size <= words; i += many * size) mean_pairs<OddWidth, EvenArea, Words, many>(to, even, odd, i, m);
-    if (words < size)
-        for (; i < words; ++i) mean_pairs<OddWidth, EvenArea, u16, 1>(to, even, odd, i, m);
+    if (words < size) {
+        u8 room[register_bytes];
+        mean_pairs<OddWidth, EvenArea, Words, 1>(room, even, odd, 0, m);
+        __builtin_memcpy(to, room, size_t(2 * words));
+        i = words;
+    }
     for (; i < words; i += size) // some of them twice
         mean_pairs<OddWidth, EvenArea, Words, 1>(to, even, odd, i + size <= words ? i : words - size, m);
     if (n & 1) to[n - 1] = u8(single(words));

@@ -29,7 +29,7 @@ template <int size, int Many, class F> [[gnu::always_inline]] inline void each_r
 template <class Op, class T, class Result>
 [[gnu::noinline]] void columns_across_nested(void *const *to, const void *const *rows, const int32_t *end,
                                              int64_t groups, int64_t n) {
-    constexpr int size = register_bytes / int(sizeof(Result));
+    constexpr int size = register_bytes / int(sizeof(Result)), narrow = 16 / int(sizeof(Result));
     const auto gather = [&]<int N, int Many>(Count<N>, Count<Many>, int64_t i) __attribute__((always_inline)) {
         using V = VectorOf<Result, N>;
         V all[Many];
@@ -47,11 +47,16 @@ template <class Op, class T, class Result>
             }
         }
     };
-    if (n < size)
-        for (int64_t i = 0; i < n; ++i) gather(Count<1>(), Count<1>(), i);
+    const auto all = [&]<int N>(Count<N>) __attribute__((always_inline)) {
+        each_register<N, 4>(
+            n, [&](auto many, int64_t i) __attribute__((always_inline)) { gather(Count<N>(), many, i); });
+    };
+    if (n >= size)
+        all(Count<size>());
+    else if (n >= narrow)
+        all(Count<narrow>());
     else
-        each_register<size, 4>(
-            n, [&](auto many, int64_t i) __attribute__((always_inline)) { gather(Count<size>(), many, i); });
+        for (int64_t i = 0; i < n; ++i) gather(Count<1>(), Count<1>(), i);
 }
 template <class Op, class T, class Result>
 void columns_across(void *to, const void *const *rows, int64_t count, int64_t n) {

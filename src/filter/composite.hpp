@@ -51,8 +51,8 @@ template <class Stage, class OpenPass> int64_t run_composite(WindowCall &c, Comp
     const Extreme other = is_closing(which) ? Extreme::least : Extreme::largest;
     const NeutralPixel neutral(c, other);
     const bool deep = c.extent[0] > 1;
-    // In the order in which they take scratch memory. One row more than windows have stays readable between the passes:
-    // a stage may make two rows at a time.
+    // In the order in which they take scratch memory. One row more than windows have stays readable: a stage may make two
+    // rows at a time. A hat looks at its source when the first pass is that far ahead of the second.
     PreparedCall prepared;
     BetweenPasses between;
     PreparedCall prepared_between;
@@ -73,7 +73,7 @@ template <class Stage, class OpenPass> int64_t run_composite(WindowCall &c, Comp
         }
         if (status == JORM_OK) status = prepared_between.prepare(between.second);
     }
-    if (status == JORM_OK) status = source.open(c, is_hat(which) ? c.extent[1] : 0);
+    if (status == JORM_OK) status = source.open(c, is_hat(which) ? c.extent[1] + 1 : 1);
     if (status == JORM_OK && !deep) status = open_pass(first, source, one);
     if (status == JORM_OK) status = deep ? rows.open(between.second, 1) : rows.open(c, first, neutral.bytes, 1);
     if (status == JORM_OK) status = open_pass(second, rows, other);

@@ -1,5 +1,7 @@
 #include "filter/extremum.hpp"
 
+#include <algorithm>
+
 namespace jorm {
 
 int64_t ExtremumStage::open(WindowRows &in, Extreme which) {
@@ -21,10 +23,11 @@ bool ExtremumStage::find_ends() {
     const WindowCall &c = in_->call();
     const int64_t left = in_->left, bare = in_->bare, lanes = rows_->lanes, k = c.extent[2];
     const bool square = c.extent[0] == 1 && c.extent[1] == k && (k == 3 || k == 5);
-    if (!square || c.channels != 1 || bare < 2 * lanes) return false;
+    if (!square || c.channels != 1 || bare < lanes || c.size[2] < lanes) return false;
     ends_.left = left;
     ends_.right = in_->right;
-    const int64_t from_end = in_->whole() - (3 * lanes + k - 1);
+    ends_.last = std::min(c.size[2] - lanes, 2 * lanes);
+    const int64_t from_end = c.size[2] - lanes - ends_.last;
     bool near = true;
     const auto place = [&](int64_t column) {
         near = near && (column < left + lanes || column >= left + bare - lanes);

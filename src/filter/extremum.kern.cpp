@@ -71,14 +71,21 @@ void small_windows_of(void *const *to_rows, const void *const *all_rows, int64_t
     alignas(register_bytes) T line[N][4 * size];
     Columns a(rows, 0);
     const int64_t left = e.left, last = n - size, after_left = K - 1 - left, before_right = K - 1 - e.right;
-    const Columns after_first(rows, after_left), before_last(rows, last - before_right), at_last(rows, last);
+    const bool two_registers = n >= 2 * size;
+    const Columns at_last(rows, last);
     for (int r = 0; r < N; ++r) {
         store_lanes(line[r] + left, a.of[r][0]);
-        store_lanes(line[r] + K - 1, after_first.of[r][0]);
-        store_lanes(line[r] + 2 * size, before_last.of[r][0]);
-        store_lanes(line[r] + 2 * size + before_right, at_last.of[r][0]);
-        for (int64_t i = 0; i < left + e.right; ++i) line[r][e.copy[i].to] = line[r][e.copy[i].from];
+        store_lanes(line[r] + e.last + before_right, at_last.of[r][0]);
     }
+    if (two_registers) {
+        const Columns after_first(rows, after_left), before_last(rows, last - before_right);
+        for (int r = 0; r < N; ++r) {
+            store_lanes(line[r] + K - 1, after_first.of[r][0]);
+            store_lanes(line[r] + e.last, before_last.of[r][0]);
+        }
+    }
+    for (int r = 0; r < N; ++r)
+        for (int64_t i = 0; i < left + e.right; ++i) line[r][e.copy[i].to] = line[r][e.copy[i].from];
     const auto at_end = [&](int64_t i, int r, const T *from) __attribute__((always_inline)) {
         const auto x = read<Lanes<T>>(from), next = read<Lanes<T>>(from + size);
         store_lanes(to[r] + i, windows_of<Kind, T, K>(x, next));
@@ -96,14 +103,14 @@ void small_windows_of(void *const *to_rows, const void *const *all_rows, int64_t
     };
     for (; i + 3 * size <= n; i += 2 * size) inner(Count<2>());
     for (; i + 2 * size <= n; i += size) inner(Count<1>());
-    if (i < last) {
+    if (two_registers && i < last) {
         i = last - size;
         a = Columns(rows, i);
         inner(Count<1>());
     }
     for (int r = 0; r < N; ++r) {
-        if (left > 0) at_end(0, r, line[r]);
-        at_end(left + last - before_right, r, line[r] + 2 * size);
+        if (left > 0 || !two_registers) at_end(0, r, line[r]);
+        at_end(left + last - before_right, r, line[r] + e.last);
     }
 }
 template <class Kind, class T>

@@ -9,21 +9,21 @@ namespace jorm {
 
 // The ends of rows of which windows read columns that do not exist. Each of these is a copy of another one; both are
 // places in a line of four registers: the row as windows see it, `left` columns before it and `right` ones after it,
-// begins there, and ends a window less one column behind the third register.
+// begins there, and its last windows begin at `last`, a register of them.
 struct RowEnds {
     static constexpr int64_t most = 4;
     struct Copy {
         int32_t to, from;
     };
-    int64_t left, right;
+    int64_t left, right, last;
     Copy copy[most];
 };
 
 // NaN never hides another value. Lengths are in elements; nothing is in place.
 struct ExtremumRows {
     int64_t lanes; // elements of a register
-    // Of windows of 3 by 3 or 5 by 5 in rows of n elements, which are two registers at least. A second row of results
-    // goes into to[1] unless that is null: of the rows from rows[1] on. Null where rows may hold NaN.
+    // Of windows of 3 by 3 or 5 by 5 in rows of n elements, no fewer than a register, as are the results. A second row of
+    // results goes into to[1] unless that is null: of the rows from rows[1] on. Null where rows may hold NaN.
     void (*small_windows)(void *const *to, const void *const *rows, int64_t n, int64_t size, const RowEnds &ends);
     ColumnRows columns;
     // Across nested groups of rows at once: to[k] of the first end[k] ones.

@@ -23,7 +23,7 @@ struct ByteMeanRows {
     // Column sums, those of even and of odd columns apart, of n columns: a row comes in, another one goes.
     void (*enter)(uint16_t *even, uint16_t *odd, const uint8_t *row, int64_t n);
     void (*slide)(uint16_t *even, uint16_t *odd, const uint8_t *in, const uint8_t *out, int64_t n);
-    // Windows that factors divide, at most 2 * max_half + 1 columns wide.
+    // Windows that factors divide, at most 2 * max_half + 1 columns wide; a register beyond the sums is readable.
     void (*mean)(uint8_t *to, const uint16_t *even, const uint16_t *odd, int64_t n, const ByteMean &m);
     // All others: `before` becomes the sums of the pairs of columns before each of n pairs; n is a multiple of 16.
     void (*add_up)(uint32_t *before, const uint16_t *even, const uint16_t *odd, int64_t n);

@@ -145,7 +145,9 @@ int64_t WindowRows::open_ring(int64_t history, const void *constant) {
     const int64_t pixels = c.size[2] + c.extent[2] - 1;
     ring_ = true;
     history_ = history;
-    capacity_ = std::min(c.extent[1] + history, stage_ ? c.size[1] : c.last[1] - c.first[1]);
+    // A stage runs ahead by a row.
+    capacity_ = stage_ ? std::min(c.extent[1] + history + 1, c.size[1])
+                       : std::min(c.extent[1] + history, c.last[1] - c.first[1]);
     pitch_ = ring_pitch(pixels * c.pixel());
     ring_block_.emplace(c.xe, scratch_bytes(capacity_ + (constant ? 1 : 0), pitch_), line);
     if (!*ring_block_) return JORM_ENOMEM;
@@ -168,15 +170,15 @@ void WindowRows::begin_plane(int64_t z) {
     z_ = z;
     if (stage_) {
         stage_->begin_plane(z);
-        ring_first_ = 0;
+        lowest_ = 0;
     } else {
         plane_ = c.src + stands_for(c, 0, z) * c.src_stride[0];
         if (!ring_) plane_ += (columns_[0] - c.before[2]) * c.src_stride[2];
         // The mirror image at the lower edge may ask for rows above the first window.
         const int64_t mirrored = 2 * (c.last[1] - 1) - (c.size[1] - 1 + c.after(1));
-        ring_first_ = std::max(c.first[1], std::min(-c.before[1], mirrored));
+        lowest_ = std::max(c.first[1], std::min(-c.before[1], mirrored));
     }
-    loaded_ = ring_first_ - 1;
+    loaded_ = lowest_ - 1;
 }
 
 const char *WindowRows::row(int64_t d, int64_t v) {
@@ -191,14 +193,22 @@ const char *WindowRows::distant_row(int64_t v) {
     const int64_t r = stage_ ? (v >= 0 && v < c.size[1] ? v : none) : stands_for(c, 1, v);
     if (r == none) return constant_row_;
     if (!ring_) return plane_ + r * c.src_stride[1];
-    while (loaded_ < r) load(++loaded_);
+    while (loaded_ < r) load();
     return slot(r);
 }
 
-void WindowRows::load(int64_t r) {
-    char *const to = slot(r);
-    if (stage_) return stage_->produce(r, to + columns_[0] * call_->pixel());
-    make_row(to, plane_ + r * call_->src_stride[1]);
+char *WindowRows::next_slot() {
+    if (++loaded_ - lowest_ == capacity_) lowest_ = loaded_;
+    return slot(loaded_);
+}
+
+// The next row of the picture, or the next two that a stage makes.
+void WindowRows::load() {
+    char *const to = next_slot();
+    if (!stage_) return make_row(to, plane_ + loaded_ * call_->src_stride[1]);
+    const int64_t y = loaded_, skip = columns_[0] * call_->pixel();
+    if (y + 1 == call_->size[1]) return stage_->produce(y, to + skip);
+    stage_->produce_two(y, to + skip, next_slot() + skip);
 }
 
 // A whole row from the picture's; `from` is its column 0.

@@ -97,9 +97,10 @@ private:
     int64_t find_columns();
     int64_t open_ring(int64_t history, const void *constant);
     const char *distant_row(int64_t v);
-    void load(int64_t r);
+    char *next_slot();
+    void load();
     void make_row(char *to, const char *from) const;
-    char *slot(int64_t r) const { return ring_start_ + (r - ring_first_) % capacity_ * pitch_; }
+    char *slot(int64_t r) const { return ring_start_ + (r - lowest_ + (r < lowest_ ? capacity_ : 0)) * pitch_; }
 
     const WindowCall *call_ = nullptr;
     RowStage *stage_ = nullptr;
@@ -108,7 +109,9 @@ private:
     int64_t columns_[2] = {};             // how many to complete on either side
     const int64_t *stands_for_ = nullptr; // the column of the picture for each of them, `none` for a constant
     bool ring_ = false;
-    int64_t history_ = 0, capacity_ = 0, pitch_ = 0, ring_first_ = 0, loaded_ = 0;
+    // The last row that was loaded, and the last one that was loaded into the first slot.
+    int64_t loaded_ = 0, lowest_ = 0;
+    int64_t history_ = 0, capacity_ = 0, pitch_ = 0;
     char *ring_start_ = nullptr, *constant_row_ = nullptr;
     char constant_[16] = {};
     std::optional<Scratch> column_block_, ring_block_;

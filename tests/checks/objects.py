@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""No object of an instruction-set level shares code with another one.
+"""No object of an instruction-set level shares code with another one, or leaves the processor in another state.
 
 A weak or unique symbol could be merged by the linker into the copy of a wider level, which an older processor cannot
-run; a start-up array would run wide code before anything is asked.
+run; a start-up array would run wide code before anything is asked. After MMX the caller's x87 registers are not empty.
 
 Usage: objects.py OBJECT...     (an argument may be a list separated by ';')
 """
@@ -26,6 +26,10 @@ def main():
         if ".init_array" in sections or ".ctors" in sections:
             bad += 1
             print(f"{obj}: runs code at load time")
+        code = subprocess.run(["objdump", "-d", "--no-show-raw-insn", obj], capture_output=True, text=True)
+        if "%mm" in code.stdout:
+            bad += 1
+            print(f"{obj}: uses MMX registers")
     print(f"{len(objects)} objects, {bad} faults")
     return 1 if bad else 0
 
