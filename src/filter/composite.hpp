@@ -51,8 +51,8 @@ template <class Stage, class OpenPass> int64_t run_composite(WindowCall &c, Comp
     const Extreme other = is_closing(which) ? Extreme::least : Extreme::largest;
     const NeutralPixel neutral(c, other);
     const bool deep = c.extent[0] > 1;
-    // In the order in which they take scratch memory. One row more than windows have stays readable: a stage may make two
-    // rows at a time. A hat looks at its source when the first pass is that far ahead of the second.
+    // In the order in which they take scratch memory. One row more than windows have stays readable: a stage may make
+    // two rows at a time. A hat looks at its source when the first pass is that far ahead of the second.
     PreparedCall prepared;
     BetweenPasses between;
     PreparedCall prepared_between;

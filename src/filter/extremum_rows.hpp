@@ -22,8 +22,8 @@ struct RowEnds {
 // NaN never hides another value. Lengths are in elements; nothing is in place.
 struct ExtremumRows {
     int64_t lanes; // elements of a register
-    // Of windows of 3 by 3 or 5 by 5 in rows of n elements, no fewer than a register, as are the results. A second row of
-    // results goes into to[1] unless that is null: of the rows from rows[1] on. Null where rows may hold NaN.
+    // Of windows of 3 by 3 or 5 by 5 in rows of n elements, no fewer than a register, as are the results. A second row
+    // of results goes into to[1] unless that is null: of the rows from rows[1] on. Null where rows may hold NaN.
     void (*small_windows)(void *const *to, const void *const *rows, int64_t n, int64_t size, const RowEnds &ends);
     ColumnRows columns;
     // Across nested groups of rows at once: to[k] of the first end[k] ones.
