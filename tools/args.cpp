@@ -137,7 +137,7 @@ std::pair<int, int> Args::size(const char *option) const {
 }
 
 std::string Args::output() const {
-    const std::string out = text("output");
+    std::string out = text("output");
     if (out != "-" && !known_suffix(out))
         throw Failure("cannot tell from the name what to write to '" + out + "': .png, .jpg, .pgm or .ppm");
     return out;
@@ -158,7 +158,7 @@ namespace {
 
 // 1 value for all colours, or 1 for each, or (where alpha may have one) 1 for each channel.
 std::vector<double> values_for(const Args &args, const char *option, const Picture &picture, bool alpha) {
-    const std::vector<double> values = args.reals(option);
+    std::vector<double> values = args.reals(option);
     const size_t colours = size_t(picture.colour_count()), channels = size_t(picture.channels), n = values.size();
     alpha = alpha && picture.has_alpha();
     if (n == 1 || n == colours || (alpha && n == channels)) return values;

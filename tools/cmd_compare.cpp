@@ -77,8 +77,8 @@ std::vector<double> otsu_levels(Picture &picture) {
     check(JormComputeThresholdByOtsu(env(), 0, &src, nullptr, thresholds, own ? m.ranges : nullptr,
                                      own ? m.bins : nullptr),
           "otsu");
-    std::vector<double> levels;
-    for (int c = 0; c < picture.colour_count(); ++c) levels.push_back(std::floor(thresholds[c]));
+    std::vector<double> levels(thresholds, thresholds + picture.colour_count());
+    for (double &level : levels) level = std::floor(level);
     return levels;
 }
 
@@ -89,7 +89,7 @@ void run_otsu(const Args &args) {
         Picture picture = read_picture(path);
         std::string list;
         for (const double level : otsu_levels(picture))
-            list += (list.empty() ? "" : json ? ", " : ",") + std::to_string(int(level));
+            list.append(list.empty() ? "" : json ? ", " : ",").append(std::to_string(int(level)));
         if (json)
             all += (all.empty() ? "[" : ",\n ") + ("{\"picture\": " + quoted(path)) +
                    ", \"depth\": " + std::to_string(picture.depth()) + ", \"levels\": [" + list + "]}";

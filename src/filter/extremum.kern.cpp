@@ -125,8 +125,8 @@ void small_windows(void *const *to, const void *const *rows, int64_t n, int64_t 
 
 // Of windows of up to seven elements, `apart` from each other.
 template <class Kind, class T> void few_along(void *to, const void *row, int64_t n, int64_t k, int64_t apart) {
-    const void *places[7];
-    for (int64_t i = 0; i < k; ++i) places[i] = elements<T>(row) + i * apart;
+    const void *places[7] = {row};
+    for (int64_t i = 1; i < k; ++i) places[i] = elements<T>(row) + i * apart;
     columns_across<Kind, T, T>(to, places, k, n);
 }
 
