@@ -94,7 +94,7 @@ void run_otsu(const Args &args) {
             all += (all.empty() ? "[" : ",\n ") + ("{\"picture\": " + quoted(path)) +
                    ", \"depth\": " + std::to_string(picture.depth()) + ", \"levels\": [" + list + "]}";
         else
-            all += (args.files.size() > 1 ? path + ": " : "") + list + "\n";
+            all.append(args.files.size() > 1 ? path + ": " : "").append(list).append("\n");
     }
     std::printf("%s%s", all.c_str(), json ? "]\n" : "");
 }
