@@ -55,16 +55,19 @@ public:
         sums_.emplace(in.call().xe, scratch_bytes(mean.factor ? 2 : 4, half_), line);
         return *sums_ ? JORM_OK : JORM_ENOMEM;
     }
-    void begin_plane(int64_t z) override {
-        in_->begin_plane(z);
-        std::memset(sums_->get(), 0, size_t(2 * half_));
-    }
+    void begin_plane(int64_t z) override { in_->begin_plane(z); }
     void produce(int64_t y, void *row) override {
         uint16_t *const sums[] = {plane(0), plane(1)};
         const int64_t n = in_->bare, skip = (in_->left + mean_.phase) / 2;
+        const uint8_t *first[ByteMean::max_height];
+        int64_t count = 0;
         slide_columns(
-            *in_, y, [&](auto *in) { rows_->enter(sums[0] + skip, sums[1] + skip, bytes(in), n); },
+            *in_, y, [&](auto *in) { first[count++] = bytes(in); },
             [&](auto *in, auto *out) { rows_->slide(sums[0] + skip, sums[1] + skip, bytes(in), bytes(out), n); });
+        if (count > 0) {
+            sums[0][0] = 0; // of the column before the first window, where there is one
+            rows_->gather(sums[0] + skip, sums[1] + skip, first, count, n);
+        }
         in_->each_to_complete([&](int64_t column, int64_t from) {
             column += mean_.phase;
             from += mean_.phase;

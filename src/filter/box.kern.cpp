@@ -26,14 +26,28 @@ template <class W> [[gnu::always_inline]] inline W odd_of(W w) { return W(w >> 8
 template <class W> [[gnu::always_inline]] inline W pair_of(W even, W odd) { return W(even | odd << 8); }
 #endif
 
-void enter_bytes(u16 *even, u16 *odd, const u8 *row, int64_t n) {
-    u16 *__restrict e = even, *__restrict o = odd;
-    for (int64_t i = 0; i < n / 2; ++i) {
-        const u16 w = word_at(row, i);
-        e[i] = u16(e[i] + even_of(w));
-        o[i] = u16(o[i] + odd_of(w));
+void gather_bytes(u16 *even, u16 *odd, const u8 *const *rows, int64_t count, int64_t n) {
+    const auto both = [&]<int N>(Count<N>, int64_t i) __attribute__((always_inline)) { // columns 2 i and 2 i + 1
+        using V = VectorOf<u16, N>;
+        V e[1] = {}, o[1] = {};
+        for (int64_t k = 0; k < count; ++k) {
+            const V w = read<V>(rows[k] + 2 * i);
+            e[0] += even_of(w);
+            o[0] += odd_of(w);
+        }
+        __builtin_memcpy(even + i, e, sizeof e);
+        __builtin_memcpy(odd + i, o, sizeof o);
+    };
+    constexpr int words = register_bytes / 2;
+    if (n >= register_bytes)
+        each_register<words, 1>(
+            n / 2, [&](Count<1>, int64_t i) __attribute__((always_inline)) { both(Count<words>(), i); });
+    else
+        for (int64_t i = 0; i < n / 2; ++i) both(Count<1>(), i);
+    if (n & 1) {
+        even[n / 2] = 0;
+        for (int64_t k = 0; k < count; ++k) even[n / 2] = u16(even[n / 2] + rows[k][n - 1]);
     }
-    if (n & 1) e[n / 2] = u16(e[n / 2] + row[n - 1]);
 }
 
 void slide_bytes(u16 *even, u16 *odd, const u8 *in, const u8 *out, int64_t n) {
@@ -381,7 +395,7 @@ struct Add {
 
 extern const ByteMeanRows byte_mean_rows[];
 const ByteMeanRows byte_mean_rows[] = {
-    {small_means, 3 * register_bytes, enter_bytes, slide_bytes, mean_bytes, add_up, wide_mean}};
+    {small_means, 3 * register_bytes, gather_bytes, slide_bytes, mean_bytes, add_up, wide_mean}};
 
 #define LINE(T, Sum, mean_row)                                                                                         \
     { sizeof(Sum), enter<T, Sum>, slide<T, Sum>, along<Sum>, mean_row }

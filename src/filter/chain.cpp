@@ -51,6 +51,7 @@ int64_t read_call(WindowCall &c, WINDOW_PARAMS, const jorm_seshape *shape) {
     }
     c.border = {JORM_BORDER_REFLECT101, 0, {}};
     c.in_place = false;
+    c.folded = {};
     return JORM_OK;
 }
 

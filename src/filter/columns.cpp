@@ -3,7 +3,8 @@
 namespace jorm {
 namespace {
 
-constexpr int64_t side_by_side = 7; // rows
+constexpr int64_t side_by_side = 7; // rows of a window
+constexpr int64_t few_results = 2;  // for which blocks do not pay
 constexpr int64_t line = 64;
 
 } // namespace
@@ -13,7 +14,7 @@ int64_t Columns::open(WindowRows &in, const ColumnRows &rows) {
     rows_ = &rows;
     const WindowCall &c = in.call();
     const int64_t height = c.extent[0] * c.extent[1];
-    const bool blocks = c.extent[0] == 1 && height > side_by_side;
+    const bool blocks = c.extent[0] == 1 && height > side_by_side && c.size[1] > few_results;
     pitch_ = ring_pitch(in.bare * rows.result_bytes);
     memory_.emplace(c.xe, scratch_bytes(height, blocks ? pitch_ : int64_t(sizeof(void *))), line);
     if (!*memory_) return JORM_ENOMEM;

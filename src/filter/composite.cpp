@@ -65,9 +65,15 @@ int64_t BetweenPasses::open(const WindowCall &c, Extreme against) {
     second.src = block_->as<char>();
     std::memcpy(first.dst_stride, dense, sizeof dense);
     std::memcpy(second.src_stride, dense, sizeof dense);
+    if (c.folded.rows > 0) { // what the first pass makes lies in memory as it is; the second one folds it again
+        second.size[1] = c.folded.rows;
+        second.size[2] = c.folded.pixels;
+        second.src_stride[1] = c.folded.pitch * c.pixel();
+        first.folded = second.folded = {};
+    }
     for (int i = 0; i < 3; ++i) {
         second.first[i] = 0;
-        second.last[i] = c.size[i];
+        second.last[i] = second.size[i];
     }
     second.border.mode = JORM_BORDER_CONST;
     for (double &value : second.border.values) value = NeutralPixel(c, against).value;

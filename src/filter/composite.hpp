@@ -34,7 +34,7 @@ private:
     std::optional<Scratch> rows_; // two
 };
 
-// The picture between two passes of a window with several planes.
+// The picture between two passes where one follows the other: with windows of several planes, or folded.
 class BetweenPasses {
 public:
     int64_t open(const WindowCall &c, Extreme second);
@@ -44,13 +44,12 @@ private:
     std::optional<Scratch> block_;
 };
 
-// Both passes in one go: the second takes the rows of the first as they come. Windows with several planes take them one
-// after the other, with the picture between them in scratch memory. open_pass(stage, rows, extreme) readies a Stage.
+// Both passes in one go: the second takes the rows of the first as they come. Windows with several planes and small
+// pictures that go as a row take them one after the other, with the picture between them in scratch memory. open_pass(stage, rows, extreme) readies a Stage.
 template <class Stage, class OpenPass> int64_t run_composite(WindowCall &c, Composite which, OpenPass open_pass) {
     const Extreme one = is_closing(which) ? Extreme::largest : Extreme::least;
     const Extreme other = is_closing(which) ? Extreme::least : Extreme::largest;
     const NeutralPixel neutral(c, other);
-    const bool deep = c.extent[0] > 1;
     // In the order in which they take scratch memory. One row more than windows have stays readable: a stage may make
     // two rows at a time. A hat looks at its source when the first pass is that far ahead of the second.
     PreparedCall prepared;
@@ -62,20 +61,21 @@ template <class Stage, class OpenPass> int64_t run_composite(WindowCall &c, Comp
     Stage second;
     HatStage hat;
     int64_t status = prepared.prepare(c);
-    if (status == JORM_OK && deep) {
+    const bool apart = c.extent[0] > 1 || c.folded.rows > 0;
+    if (status == JORM_OK && apart) {
         status = between.open(c, other);
         if (status == JORM_OK) {
-            WindowRows deep_source;
-            Stage deep_first;
-            status = deep_source.open(between.first);
-            if (status == JORM_OK) status = open_pass(deep_first, deep_source, one);
-            if (status == JORM_OK) status = run_stage(between.first, deep_first);
+            WindowRows first_source;
+            Stage first_stage;
+            status = first_source.open(between.first);
+            if (status == JORM_OK) status = open_pass(first_stage, first_source, one);
+            if (status == JORM_OK) status = run_stage(between.first, first_stage);
         }
         if (status == JORM_OK) status = prepared_between.prepare(between.second);
     }
     if (status == JORM_OK) status = source.open(c, is_hat(which) ? c.extent[1] + 1 : 1);
-    if (status == JORM_OK && !deep) status = open_pass(first, source, one);
-    if (status == JORM_OK) status = deep ? rows.open(between.second, 1) : rows.open(c, first, neutral.bytes, 1);
+    if (status == JORM_OK && !apart) status = open_pass(first, source, one);
+    if (status == JORM_OK) status = apart ? rows.open(between.second, 1) : rows.open(c, first, neutral.bytes, 1);
     if (status == JORM_OK) status = open_pass(second, rows, other);
     if (status != JORM_OK || !is_hat(which)) return status == JORM_OK ? run_stage(c, second) : status;
     status = hat.open(source, second, which);

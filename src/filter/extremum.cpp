@@ -10,11 +10,14 @@ int64_t ExtremumStage::open(WindowRows &in, Extreme which) {
     rows_.open(c, which);
     small_ = find_ends();
     if (const int64_t status = columns_.open(in, rows_->columns); status != JORM_OK || c.extent[2] == 1) return status;
-    const int64_t pitch = ring_pitch(in.whole() * c.element());
-    buffers_.emplace(c.xe, scratch_bytes(2, pitch), 64);
+    const bool folded = c.folded.rows > 0;
+    const int64_t all = in.whole() + (folded ? (c.extent[1] - 1) * c.folded.pitch * c.channels : 0);
+    const int64_t pitch = ring_pitch(all * c.element());
+    buffers_.emplace(c.xe, scratch_bytes(folded ? 3 : 2, pitch), 64);
     if (!*buffers_) return JORM_ENOMEM;
     made_ = buffers_->as<char>();
     spare_ = made_ + pitch;
+    other_ = folded ? spare_ + pitch : made_;
     return JORM_OK;
 }
 
@@ -63,9 +66,13 @@ void ExtremumStage::produce(int64_t y, void *row) {
     if (small_) return make_small(y, row, nullptr);
     columns_.use(rows_->columns);
     if (c.extent[2] == 1) return columns_.gather(y, row);
-    columns_.gather(y, made_ + in_->left * c.element());
+    if (c.folded.rows > 0) // the columns lie in memory at one step
+        rows_->along(made_, in_->row(-c.before[1]), spare_, other_, in_->bare, c.extent[1],
+                     c.folded.pitch * c.channels);
+    else
+        columns_.gather(y, made_ + in_->left * c.element());
     in_->complete(made_, c.element());
-    rows_->along(row, made_, spare_, c.row_elements(), c.extent[2], c.channels);
+    rows_->along(row, made_, spare_, made_, c.row_elements(), c.extent[2], c.channels);
 }
 
 void ExtremumStage::produce_two(int64_t y, void *row, void *next) {

@@ -46,7 +46,7 @@ private:
     RowEnds ends_ = {};
     Columns columns_;
     std::optional<Scratch> buffers_;
-    char *made_ = nullptr, *spare_ = nullptr;
+    char *made_ = nullptr, *spare_ = nullptr, *other_ = nullptr;
 };
 
 } // namespace jorm

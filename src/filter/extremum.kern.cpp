@@ -131,16 +131,17 @@ template <class Kind, class T> void few_along(void *to, const void *row, int64_t
 }
 
 // Windows of twice and four times as many elements until two or four of them, overlapping, make the one wanted.
-template <class Kind, class T> void along(void *to, void *row, void *spare, int64_t n, int64_t k, int64_t step) {
+template <class Kind, class T>
+void along(void *to, const void *row, void *spare, void *other, int64_t n, int64_t k, int64_t step) {
     if (k <= 7) return few_along<Kind, T>(to, row, n, k, step);
     int64_t size = 1;
     const int64_t all = n + (k - 1) * step;
     while (size * 4 < k) {
         size *= 4;
         few_along<Kind, T>(spare, row, all - (size - 1) * step, 4, size / 4 * step);
-        void *const made = spare;
-        spare = row;
-        row = made;
+        row = spare;
+        spare = other;
+        other = const_cast<void *>(row);
     }
     // size < k <= 4 * size
     const T *const first = elements<T>(row), *const last = first + (k - size) * step,

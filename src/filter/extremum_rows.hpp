@@ -34,9 +34,9 @@ struct ExtremumRows {
     void (*subtract)(void *to, const void *a, const void *b, int64_t n);
     // to = of each of n elements and the one `apart` further.
     void (*pair)(void *to, const void *row, int64_t n, int64_t apart);
-    // Of windows of k elements, `step` apart, along a row of n + (k - 1) * step; `spare` is as long. Both are
-    // destroyed.
-    void (*along)(void *to, void *row, void *spare, int64_t n, int64_t k, int64_t step);
+    // Of windows of k elements, `step` apart, along a row of n + (k - 1) * step; `spare` and `other`, which may be the
+    // row, are as long. Both are destroyed.
+    void (*along)(void *to, const void *row, void *spare, void *other, int64_t n, int64_t k, int64_t step);
 };
 
 // In the order u8, s16, s32, f32 without NaN, f32; minima, then maxima.

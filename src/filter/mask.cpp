@@ -10,10 +10,18 @@ namespace jorm {
 // Calls f(plane, row, start, length) for every run.
 template <class F> static void each_run(const jorm_strel &s, const WindowCall &c, F f) {
     for (int64_t row = 0; row < c.extent[0] * c.extent[1]; ++row) {
-        for (int64_t x = 0, length; x < c.extent[2]; x += length + 1) {
-            for (length = 0; x + length < c.extent[2] && in_mask(s, c, row, x + length);) ++length;
-            if (length > 0) f(int32_t(row / c.extent[1]), int32_t(row % c.extent[1]), int32_t(x), int32_t(length));
-        }
+        int32_t start = -1;
+        const auto end_run = [&](int64_t x) {
+            if (start >= 0) f(int32_t(row / c.extent[1]), int32_t(row % c.extent[1]), start, int32_t(x) - start);
+            start = -1;
+        };
+        each_in_row(s, c, row, [&](int64_t x, bool belongs) {
+            if (!belongs)
+                end_run(x);
+            else if (start < 0)
+                start = int32_t(x);
+        });
+        end_run(c.extent[2]);
     }
 }
 

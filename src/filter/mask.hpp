@@ -4,11 +4,14 @@
 
 namespace jorm {
 
-// Does an element of a mask belong to the window? Its rows are counted through all planes.
-inline bool in_mask(const jorm_strel &s, const WindowCall &c, int64_t row, int64_t x) {
-    const char *const start = static_cast<const char *>(s.mask.base) + s.mask.loff;
-    return uint8_t(start[row / c.extent[1] * s.mask.stride[0] + row % c.extent[1] * s.mask.stride[1] +
-                         x * s.mask.stride[2]]) == 255;
+// Calls f(x, does it belong to the window?) for the elements of a row of a mask; rows are counted through all planes.
+template <class F> void each_in_row(const jorm_strel &s, const WindowCall &c, int64_t row, F f) {
+    const auto *const start = static_cast<const uint8_t *>(s.mask.base) + s.mask.loff +
+                              row / c.extent[1] * s.mask.stride[0] + row % c.extent[1] * s.mask.stride[1];
+    if (const int64_t step = s.mask.stride[2]; step == 1)
+        for (int64_t x = 0; x < c.extent[2]; ++x) f(x, start[x] == 255);
+    else
+        for (int64_t x = 0; x < c.extent[2]; ++x) f(x, start[x * step] == 255);
 }
 
 // A run of mask elements that belong to the window, in a row of it.

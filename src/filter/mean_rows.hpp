@@ -20,8 +20,8 @@ struct ByteMeanRows {
     // results goes into to[1] unless that is null, of the rows from rows[1] on. Columns beside the n count as anything.
     void (*small)(uint8_t *const *to, const uint8_t *const *rows, int64_t height, int64_t n, const ByteMean &m);
     int64_t small_row; // n is not less
-    // Column sums, those of even and of odd columns apart, of n columns: a row comes in, another one goes.
-    void (*enter)(uint16_t *even, uint16_t *odd, const uint8_t *row, int64_t n);
+    // Column sums, those of even and of odd columns apart, of n columns: of so many rows; a row comes in, another goes.
+    void (*gather)(uint16_t *even, uint16_t *odd, const uint8_t *const *rows, int64_t count, int64_t n);
     void (*slide)(uint16_t *even, uint16_t *odd, const uint8_t *in, const uint8_t *out, int64_t n);
     // Windows that factors divide, at most 2 * max_half + 1 columns wide; a register beyond the sums is readable.
     void (*mean)(uint8_t *to, const uint16_t *even, const uint16_t *odd, int64_t n, const ByteMean &m);

@@ -24,17 +24,16 @@ int64_t NestedColumns::open(jorm_xe *xe, const jorm_strel &strel, const WindowCa
 
     std::fill(count, count + columns, 0);
     for (int64_t r = 0; r < all_rows; ++r)
-        for (int64_t x = 0; x < columns; ++x) count[x] += in_mask(strel, c, r, x);
+        each_in_row(strel, c, r, [=](int64_t x, bool belongs) { count[x] += belongs; });
     for (int64_t r = 0; r < all_rows; ++r) {
-        int32_t without = 0;
-        least[r] = INT32_MAX;
-        for (int64_t x = 0; x < columns; ++x)
-            if (in_mask(strel, c, r, x))
-                least[r] = std::min(least[r], count[x]);
-            else
-                without = std::max(without, count[x]);
-        if (without >= least[r]) return JORM_OK;
-        if (least[r] < INT32_MAX) order[rows++] = int32_t(r);
+        int32_t within = INT32_MAX, without = 0;
+        each_in_row(strel, c, r, [&](int64_t x, bool belongs) {
+            within = std::min(within, belongs ? count[x] : INT32_MAX);
+            without = std::max(without, belongs ? 0 : count[x]);
+        });
+        if (without >= within) return JORM_OK;
+        least[r] = within;
+        if (within < INT32_MAX) order[rows++] = int32_t(r);
     }
     std::sort(order, order + rows,
               [&](int32_t a, int32_t b) { return least[a] != least[b] ? least[a] < least[b] : a < b; });
@@ -96,8 +95,9 @@ int64_t NestedStage::open(WindowRows &in, Extreme which, const NestedColumns &ma
     const WindowCall &c = in.call();
     rows_.open(c, which);
     pitch_ = ring_pitch(in.whole() * c.element());
+    whole_ = in.left == 0 && in.right == 0;
     const int32_t lines = mask.groups + mask.doubled_lines;
-    const size_t ring = scratch_bytes(c.extent[0], c.extent[1], pitch_), made = scratch_bytes(lines, pitch_),
+    const size_t ring = whole_ ? 0 : scratch_bytes(c.extent[0], c.extent[1], pitch_), made = scratch_bytes(lines, pitch_),
                  lists = scratch_bytes(lines + mask.rows + mask.places, sizeof(void *));
     if (ring > SIZE_MAX / 4 || made > SIZE_MAX / 4) return JORM_ENOMEM;
     memory_.emplace(c.xe, ring + made + lists, 64);
@@ -118,10 +118,14 @@ void NestedStage::begin_plane(int64_t z) {
     taken_ = -in_->call().before[1];
 }
 
-// Row v of every plane of the window, whole.
+// Row v of every plane of the window, made whole where it does not come so.
 void NestedStage::take(int64_t v) {
     const WindowCall &c = in_->call();
     for (int64_t d = 0; d < c.extent[0]; ++d) {
+        if (whole_) {
+            rows_.meet(in_->row(d, v), in_->bare);
+            continue;
+        }
         char *const to = ring_ + (d * c.extent[1] + (v + c.before[1]) % c.extent[1]) * pitch_;
         char *const bare = to + in_->left * c.element();
         std::memcpy(bare, in_->row(d, v), size_t(in_->bare * c.element()));
@@ -135,6 +139,10 @@ void NestedStage::produce(int64_t y, void *row) {
     while (taken_ <= y + c.after(1)) take(taken_++);
     const int64_t first = y % c.extent[1]; // slot of the window's first row
     for (int32_t i = 0; i < mask_->rows; ++i) {
+        if (whole_) {
+            row_list_[i] = in_->row(mask_->plane[i], y - c.before[1] + mask_->row[i]);
+            continue;
+        }
         const int64_t slot = first + mask_->row[i] - (first + mask_->row[i] < c.extent[1] ? 0 : c.extent[1]);
         row_list_[i] = ring_ + (mask_->plane[i] * c.extent[1] + slot) * pitch_;
     }

@@ -47,6 +47,7 @@ private:
     ExtremumChoice rows_;
     const NestedColumns *mask_ = nullptr;
     int64_t pitch_ = 0, taken_ = 0;
+    bool whole_ = false; // as rows come
     char *ring_ = nullptr, *lines_ = nullptr;
     void **line_list_ = nullptr;
     const void **row_list_ = nullptr, **place_list_ = nullptr;

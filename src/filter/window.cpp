@@ -1,6 +1,7 @@
 #include "filter/window.hpp"
 
 #include "convert/copy_block.hpp"
+#include "filter/folded_rows.hpp"
 #include "filter/shape.hpp"
 
 #include <algorithm>
@@ -11,6 +12,8 @@ namespace {
 
 constexpr int64_t none = INT64_MIN;
 constexpr int64_t line = 64;
+// Bytes of a row of a picture that is folded, of the picture with its border.
+constexpr int64_t most_of_row = 256, most_folded = 1 << 15;
 
 // The position of [first, last) that stands for v under a border mode, `none` for a constant. Mirror images repeat.
 int64_t stands_for(uint32_t mode, int64_t v, int64_t first, int64_t last) {
@@ -39,6 +42,8 @@ int64_t stands_for(uint32_t mode, int64_t v, int64_t first, int64_t last) {
 int64_t stands_for(const WindowCall &c, int axis, int64_t v) {
     return stands_for(c.border.mode, v, c.first[axis], c.last[axis]);
 }
+
+const FoldedRows &folded_rows_of(const WindowCall &c) { return JORM_OF_LEVEL(folded_rows, c.which)[0]; }
 
 bool dense_source(const WindowCall &c) {
     return c.src_stride[2] == c.pixel() && (c.channels == 1 || c.src_stride[3] == c.element());
@@ -92,6 +97,32 @@ template <class U> void complete_side(char *row, int64_t at, int64_t n, const in
     for (int64_t i = 0; i < n; ++i) std::memcpy(row + (at + i) * size, row + (from[i] - origin) * size, size);
 }
 template <int N> struct Unit { char bytes[N]; };
+
+// Calls f(a unit of so many bytes): a pixel of up to four channels, in elements or in sums of them.
+template <class F> void with_unit(int64_t bytes, F f) {
+    switch (bytes) {
+    case 1:
+        return f(Unit<1>());
+    case 2:
+        return f(Unit<2>());
+    case 3:
+        return f(Unit<3>());
+    case 4:
+        return f(Unit<4>());
+    case 6:
+        return f(Unit<6>());
+    case 8:
+        return f(Unit<8>());
+    case 12:
+        return f(Unit<12>());
+    case 16:
+        return f(Unit<16>());
+    case 24:
+        return f(Unit<24>());
+    default: // four channels of 8 bytes
+        return f(Unit<32>());
+    }
+}
 
 } // namespace
 
@@ -211,13 +242,21 @@ void WindowRows::load() {
     stage_->produce_two(y, to + skip, next_slot() + skip);
 }
 
-// A whole row from the picture's; `from` is its column 0.
+// The bare part of a whole row from the picture's; `from` is its column 0.
+void WindowRows::make_bare(char *to, const char *from) const {
+    const WindowCall &c = *call_;
+    const int64_t dense[2] = {c.pixel(), c.element()}, n = c.size[2] + c.extent[2] - 1 - columns_[0] - columns_[1];
+    copy_pixels(c, to + columns_[0] * c.pixel(), dense, from + (columns_[0] - c.before[2]) * c.src_stride[2],
+                c.src_stride + 2, n);
+}
+
+// All of it.
 void WindowRows::make_row(char *to, const char *from) const {
     const WindowCall &c = *call_;
-    const int64_t pixel = c.pixel(), step = c.src_stride[2], begin = -c.before[2];
+    const int64_t pixel = c.pixel(), step = c.src_stride[2];
     const int64_t dense[2] = {pixel, c.element()},
                   bare_pixels = c.size[2] + c.extent[2] - 1 - columns_[0] - columns_[1];
-    copy_pixels(c, to + columns_[0] * pixel, dense, from + (begin + columns_[0]) * step, c.src_stride + 2, bare_pixels);
+    make_bare(to, from);
     for (int64_t i = 0; i < columns_[0] + columns_[1]; ++i) {
         char *const at = to + (i < columns_[0] ? i : i + bare_pixels) * pixel;
         if (stands_for_[i] == none)
@@ -231,39 +270,73 @@ void WindowRows::complete(void *row, int32_t element) const {
     if (left == 0 && right == 0) return;
     const WindowCall &c = *call_;
     const int64_t right_at = columns_[0] + bare / c.channels, origin = -c.before[2];
-    const auto both = [&]<int N>(Unit<N>) {
+    with_unit(c.channels * element, [&]<int N>(Unit<N>) {
         complete_side<Unit<N>>(static_cast<char *>(row), 0, columns_[0], stands_for_, origin);
         complete_side<Unit<N>>(static_cast<char *>(row), right_at, columns_[1], stands_for_ + columns_[0], origin);
-    };
-    switch (c.channels * element) {
-    case 1:
-        return both(Unit<1>());
-    case 2:
-        return both(Unit<2>());
-    case 3:
-        return both(Unit<3>());
-    case 4:
-        return both(Unit<4>());
-    case 6:
-        return both(Unit<6>());
-    case 8:
-        return both(Unit<8>());
-    case 12:
-        return both(Unit<12>());
-    case 16:
-        return both(Unit<16>());
-    case 24:
-        return both(Unit<24>());
-    default: // four channels of 8 bytes
-        return both(Unit<32>());
+    });
+}
+
+// The rows that windows read of a plane, bare or whole; those that a constant stands for are left out.
+void WindowRows::make_plane(char *to, int64_t pitch, const char *plane, bool bare_rows) const {
+    const WindowCall &c = *call_;
+    const int64_t begin = -c.before[1], end = c.size[1] + c.after(1), step = c.src_stride[1];
+    const int64_t from = std::clamp(c.first[1], begin, end), until = std::clamp(c.last[1], from, end);
+    const bool together = bare_rows && dense_source(c) && bare * c.element() <= most_of_row;
+    for (int64_t v = begin, n; v < end; v += n) {
+        n = together && v == from && from < until ? until - from : 1;
+        const int64_t y = stands_for(c, 1, v);
+        if (y == none) continue;
+        char *const row = to + (v - begin) * pitch;
+        const char *const source = plane + y * step;
+        if (together)
+            folded_rows_of(c).copy(row + left * c.element(), pitch, source + (columns_[0] - c.before[2]) * c.pixel(),
+                                 step, n, bare * c.element());
+        else if (bare_rows)
+            make_bare(row, source);
+        else
+            make_row(row, source);
     }
+}
+
+// Finds what lies between two bare rows; false where it does not come from their ends.
+bool WindowRows::find_gap(FoldGap &gap) const {
+    const int64_t pixel = call_->pixel(), bytes = bare / call_->channels * pixel, begin = columns_[0] * pixel;
+    gap.bytes = (columns_[0] + columns_[1]) * pixel;
+    if (gap.bytes > gap.most) return false;
+    for (int64_t i = 0; i < gap.most + 16; ++i) gap.from[i] = uint8_t(16 + (i - gap.bytes) % 16);
+    bool serve = true;
+    each_to_complete([&](int64_t column, int64_t from) {
+        const bool after = column < columns_[0]; // the gap
+        const int64_t to = after ? columns_[1] * pixel + column * pixel : column * pixel - begin - bytes;
+        const int64_t place = from * pixel - begin + (after ? 16 : 16 - bytes);
+        serve = serve && (after ? place + pixel <= 32 : place >= 0);
+        for (int64_t k = 0; k < pixel; ++k) gap.from[to + k] = uint8_t(place + k);
+    });
+    return serve;
+}
+
+// Completes all rows of a block. Up to a cache line before and after it may be written.
+void WindowRows::complete_all(char *block, int64_t pitch, int64_t rows) const {
+    const WindowCall &c = *call_;
+    const auto fill_gaps = folded_rows_of(c).fill_gaps;
+    FoldGap gap;
+    if (fill_gaps && find_gap(gap)) return fill_gaps(block + (left + bare) * c.element() - pitch, pitch, rows + 1, gap);
+    if (rows * pitch > most_folded) {
+        for (int64_t r = 0; r < rows; ++r) complete(block + r * pitch, c.element());
+        return;
+    }
+    with_unit(c.pixel(), [&]<int N>(Unit<N>) {
+        each_to_complete([&](int64_t to, int64_t from) {
+            for (int64_t r = 0; r < rows; ++r) std::memcpy(block + r * pitch + to * N, block + r * pitch + from * N, N);
+        });
+    });
 }
 
 // ---- Rows of results ----
 
 int64_t OutputRows::open(const WindowCall &call) {
     call_ = &call;
-    if (dense_destination(call)) return JORM_OK;
+    if (call.folded.rows == 0 && dense_destination(call)) return JORM_OK;
     bounce_.emplace(call.xe, scratch_bytes(call.size[2], call.pixel()), line);
     return *bounce_ ? JORM_OK : JORM_ENOMEM;
 }
@@ -274,9 +347,15 @@ void *OutputRows::begin(int64_t z, int64_t y) const {
 
 void OutputRows::finish(int64_t z, int64_t y) const {
     if (!bounce_) return;
-    const int64_t dense[2] = {call_->pixel(), call_->element()};
-    copy_pixels(*call_, call_->dst + z * call_->dst_stride[0] + y * call_->dst_stride[1], call_->dst_stride + 2,
-                bounce_->as<char>(), dense, call_->size[2]);
+    const WindowCall &c = *call_;
+    char *const to = c.dst + z * c.dst_stride[0] + y * c.dst_stride[1];
+    const char *const from = bounce_->as<char>();
+    const int64_t dense[2] = {c.pixel(), c.element()}, pitch = c.folded.pitch * c.pixel();
+    if (c.folded.rows == 0) return copy_pixels(c, to, c.dst_stride + 2, from, dense, c.size[2]);
+    if (dense_destination(c))
+        return folded_rows_of(c).copy(to, c.dst_stride[1], from, pitch, c.folded.rows, c.folded.pixels * c.pixel());
+    for (int64_t r = 0; r < c.folded.rows; ++r)
+        copy_pixels(c, to + r * c.dst_stride[1], c.dst_stride + 2, from + r * pitch, dense, c.folded.pixels);
 }
 
 // ---- Whole calls ----
@@ -308,6 +387,13 @@ Footprint source_footprint(const WindowCall &c) {
     f.operand = operand(c.type, start, f.stride);
     return f;
 }
+// Is it a picture whose rows cost more than its pixels, and are there any rows?
+bool folds(const WindowCall &c) {
+    const size_t bytes = scratch_bytes(c.size[1] + c.extent[1] - 1, c.size[2] + c.extent[2] - 1, c.pixel());
+    return c.size[0] == 1 && c.extent[0] == 1 && c.size[1] > 1 && c.row_elements() * c.element() <= most_of_row &&
+           bytes <= size_t(most_folded);
+}
+
 Footprint destination_footprint(const WindowCall &c) {
     Footprint f;
     for (int i = 0; i < 4; ++i) {
@@ -320,7 +406,7 @@ Footprint destination_footprint(const WindowCall &c) {
 
 } // namespace
 
-int64_t PreparedCall::prepare(WindowCall &c) {
+int64_t PreparedCall::prepare(WindowCall &c, bool row_by_row) {
     Footprint src = source_footprint(c), dst = destination_footprint(c);
     src.operand.stride = src.stride;
     dst.operand.stride = dst.stride;
@@ -336,30 +422,46 @@ int64_t PreparedCall::prepare(WindowCall &c) {
         c.extent[0] == 1 && mode != JORM_BORDER_WRAP && inside(c, 0) && inside(c, 1) && inside(c, 2);
     const bool copy =
         (meet && !same) || (needs_ring(c) && !ring_serves) || (c.extent[0] > 1 && mode == JORM_BORDER_CONST);
-    if (!copy) return JORM_OK;
+    const bool fold = !row_by_row && folds(c);
+    if (!copy && !fold) return JORM_OK;
 
     c.in_place = false;
+    if (const int64_t status = copy_with_border(c); status != JORM_OK || !fold) return status;
+    c.folded = {c.size[1], c.size[2], c.size[2] + c.extent[2] - 1};
+    c.size[2] += (c.size[1] - 1) * c.folded.pitch;
+    c.last[2] = c.size[2] + c.after(2);
+    c.size[1] = 1;
+    return JORM_OK;
+}
+
+// Rows first as far as they exist, around them the constant or what stands for others, column by column or all columns
+// between two rows at once.
+int64_t PreparedCall::copy_with_border(WindowCall &c) {
     int64_t grown[3];
     for (int i = 0; i < 3; ++i) grown[i] = c.size[i] + c.extent[i] - 1;
-    copy_.emplace(c.xe, scratch_bytes(grown[0], grown[1], grown[2], c.pixel()), line);
+    const int64_t pixel = c.pixel(), row_bytes = grown[2] * pixel, rows = grown[0] * grown[1];
+    const size_t bytes = scratch_bytes(grown[0], grown[1], grown[2], pixel);
+    if (bytes > SIZE_MAX / 2) return JORM_ENOMEM;
+    copy_.emplace(c.xe, bytes + 2 * line, line);
     if (!*copy_) return JORM_ENOMEM;
-    char *const block = copy_->as<char>();
-    const int64_t row_bytes = grown[2] * c.pixel();
-    WindowRows rows;
-    rows.call_ = &c;
-    if (const int64_t status = rows.find_columns(); status != JORM_OK) return status;
-    if (mode == JORM_BORDER_CONST) jorm_mkifillvalv16(c.type, rows.constant_, c.border.values, c.channels);
-    for (int64_t i = 0; i < grown[0] * grown[1]; ++i) {
-        const int64_t z = stands_for(c, 0, i / grown[1] - c.before[0]);
-        const int64_t y = stands_for(c, 1, i % grown[1] - c.before[1]);
-        char *const to = block + i * row_bytes;
-        if (z != none && y != none)
-            rows.make_row(to, c.src + z * c.src_stride[0] + y * c.src_stride[1]);
-        else
-            for (int64_t x = 0; x < grown[2]; ++x) std::memcpy(to + x * c.pixel(), rows.constant_, size_t(c.pixel()));
+    char *const block = copy_->as<char>() + line;
+    WindowRows made;
+    made.call_ = &c;
+    if (const int64_t status = made.find_columns(); status != JORM_OK) return status;
+    const bool constant = (c.border.mode & 15) == JORM_BORDER_CONST;
+    const bool bare = constant || ColumnSpan(c).complete_each_other(c);
+    if (constant) {
+        jorm_mkifillvalv16(c.type, made.constant_, c.border.values, c.channels);
+        fill_rows(memory_rows_at(c.which), block, 0, 1, rows * row_bytes, 4 * c.channels, made.constant_);
     }
+    for (int64_t d = 0; d < grown[0]; ++d) {
+        const int64_t z = stands_for(c, 0, d - c.before[0]);
+        if (z != none)
+            made.make_plane(block + d * grown[1] * row_bytes, row_bytes, c.src + z * c.src_stride[0], bare);
+    }
+    if (bare && !constant) made.complete_all(block, row_bytes, rows);
     c.src_stride[3] = c.element();
-    c.src_stride[2] = c.pixel();
+    c.src_stride[2] = pixel;
     c.src_stride[1] = row_bytes;
     c.src_stride[0] = row_bytes * grown[1];
     c.src = block;

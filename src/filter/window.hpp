@@ -16,6 +16,8 @@
 
 namespace jorm {
 
+struct FoldGap;
+
 // One call of a neighbourhood operation, in slots: planes, rows, pixels, and for strides the channels.
 struct WindowCall {
     jorm_xe *xe;
@@ -32,6 +34,11 @@ struct WindowCall {
     int64_t first[3], last[3];    // where the picture begins and ends, seen from the source's start
     jorm_border border;
     bool in_place; // source and destination are the same elements
+    // A small picture goes as a row: the rows one after the other with the columns that their windows read beyond them,
+    // `pitch` pixels from one to the next. 0 rows where it does not.
+    struct {
+        int64_t rows, pixels, pitch;
+    } folded;
 
     int32_t element() const { return element_size(type); }
     int64_t pixel() const { return int64_t(channels) * element(); }
@@ -99,6 +106,10 @@ private:
     const char *distant_row(int64_t v);
     char *next_slot();
     void load();
+    void make_bare(char *to, const char *from) const;
+    void make_plane(char *to, int64_t pitch, const char *plane, bool bare_rows) const;
+    bool find_gap(FoldGap &gap) const;
+    void complete_all(char *block, int64_t pitch, int64_t rows) const;
     void make_row(char *to, const char *from) const;
     char *slot(int64_t r) const { return ring_start_ + (r - lowest_ + (r < lowest_ ? capacity_ : 0)) * pitch_; }
 
@@ -132,12 +143,16 @@ private:
 };
 
 // Makes the source of a call fit for windows: a source that overlaps the destination, other than by being the same, or
-// that a window with several planes cannot read as it stands, is copied with its border.
+// that a window with several planes cannot read as it stands, is copied with its border. So is a small picture, which
+// then goes as one row: by itself each of its rows would cost more than its pixels do.
 class PreparedCall {
 public:
-    int64_t prepare(WindowCall &call);
+    // `row_by_row`: the stage looks at more than windows, so it cannot tell what lies between folded rows.
+    int64_t prepare(WindowCall &call, bool row_by_row = false);
 
 private:
+    int64_t copy_with_border(WindowCall &call);
+
     std::optional<Scratch> copy_;
 };
 
