@@ -217,12 +217,14 @@ constexpr int64_t most_pixels = int64_t(1) << 31;
 int64_t box(WindowCall &c) {
     const size_t area = scratch_bytes(c.extent[0], c.extent[1], c.extent[2]);
     if (area > size_t(most_pixels)) return JORM_ENOMEM;
+    const bool of_bytes =
+        c.type == JORM_U8 && area < ByteMean::max_area && c.extent[0] * c.extent[1] <= ByteMean::max_height;
     PreparedCall prepared;
-    if (const int64_t status = prepared.prepare(c); status != JORM_OK) return status;
+    if (const int64_t status = prepared.prepare(c, of_bytes); status != JORM_OK) return status;
     WindowRows rows;
     if (const int64_t status = rows.open(c, 1); status != JORM_OK) return status;
-    ByteMean mean = {int32_t(c.extent[2]), 0, 0, 0, 0};
-    if (c.type == JORM_U8 && area < ByteMean::max_area && c.extent[0] * c.extent[1] <= ByteMean::max_height) {
+    if (of_bytes) {
+        ByteMean mean = {int32_t(c.extent[2]), 0, 0, 0, 0};
         if (mean.width < 2 || mean.width > 2 * ByteMean::max_half + 1 || !find_factors(mean, int64_t(area)))
             mean = {mean.width, 0, uint16_t(area), 0, 0};
         if (SmallBoxStage::serves(rows)) {

@@ -4,6 +4,13 @@
 
 namespace jorm {
 
+void ExtremumChoice::meet(WindowRows &in, int64_t from, int64_t to) {
+    const WindowCall &c = in.call();
+    if (c.folded.rows > 0) return meet(in.row(from), in.bare + (to - 1 - from) * c.folded.pitch * c.channels);
+    for (int64_t v = from; rows_->unordered && v < to; ++v)
+        for (int64_t d = 0; d < c.extent[0]; ++d) meet(in.row(d, v), in.bare);
+}
+
 int64_t ExtremumStage::open(WindowRows &in, Extreme which) {
     in_ = &in;
     const WindowCall &c = in.call();
@@ -43,11 +50,9 @@ bool ExtremumStage::find_ends() {
 
 // Looks at the rows that come in with row y.
 void ExtremumStage::meet(int64_t y) {
-    if (!rows_->unordered) return;
     const WindowCall &c = in_->call();
-    const int64_t top = y - c.before[1], last = top + c.extent[1] - 1;
-    for (int64_t v = y == 0 ? top : last; rows_->unordered && v <= last; ++v)
-        for (int64_t d = 0; d < c.extent[0]; ++d) rows_.meet(in_->row(d, v), in_->bare);
+    const int64_t top = y - c.before[1], end = top + c.extent[1];
+    rows_.meet(*in_, y == 0 ? top : end - 1, end);
     small_ = small_ && rows_->small_windows;
 }
 

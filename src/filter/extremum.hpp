@@ -21,6 +21,8 @@ public:
     void meet(const void *row, int64_t n) {
         if (rows_->unordered && rows_->unordered(row, n)) ++rows_;
     }
+    // Rows [from, to) of every plane that a window reads.
+    void meet(WindowRows &in, int64_t from, int64_t to);
 
 private:
     const ExtremumRows *rows_ = nullptr;

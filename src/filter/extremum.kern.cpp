@@ -155,10 +155,10 @@ template <class Kind, class T> void pair(void *to, const void *row, int64_t n, i
 }
 
 bool holds_nan(const void *row, int64_t n) {
-    const f32 *r = elements<f32>(row);
+    const s32 *bits = elements<s32>(row); // without the sign, greater than those of infinity
     s32 found = 0;
-    for (int64_t i = 0; i < n; ++i) found |= r[i] != r[i];
-    return found != 0;
+    for (int64_t i = 0; i < n; ++i) found |= 0x7f800000 - (bits[i] & 0x7fffffff);
+    return found < 0;
 }
 
 template <class T> [[gnu::always_inline]] inline T difference(T a, T b) {

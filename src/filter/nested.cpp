@@ -118,34 +118,30 @@ void NestedStage::begin_plane(int64_t z) {
     taken_ = -in_->call().before[1];
 }
 
-// Row v of every plane of the window, made whole where it does not come so.
-void NestedStage::take(int64_t v) {
+// Rows [taken, end) of every plane of the window, made whole where they do not come so.
+void NestedStage::take(int64_t end) {
     const WindowCall &c = in_->call();
-    for (int64_t d = 0; d < c.extent[0]; ++d) {
-        if (whole_) {
-            rows_.meet(in_->row(d, v), in_->bare);
-            continue;
+    rows_.meet(*in_, taken_, end);
+    for (; taken_ < end; ++taken_)
+        for (int64_t d = 0; d < c.extent[0] && !whole_; ++d) {
+            char *const to = ring_ + (d * c.extent[1] + (taken_ + c.before[1]) % c.extent[1]) * pitch_;
+            std::memcpy(to + in_->left * c.element(), in_->row(d, taken_), size_t(in_->bare * c.element()));
+            in_->complete(to, c.element());
         }
-        char *const to = ring_ + (d * c.extent[1] + (v + c.before[1]) % c.extent[1]) * pitch_;
-        char *const bare = to + in_->left * c.element();
-        std::memcpy(bare, in_->row(d, v), size_t(in_->bare * c.element()));
-        rows_.meet(bare, in_->bare);
-        in_->complete(to, c.element());
-    }
+}
+
+// Row r of the window of row y in plane d of it.
+const void *NestedStage::row(int64_t y, int64_t d, int64_t r) const {
+    const WindowCall &c = in_->call();
+    if (whole_) return in_->row(d, y - c.before[1] + r);
+    const int64_t slot = y % c.extent[1] + r;
+    return ring_ + (d * c.extent[1] + slot - (slot < c.extent[1] ? 0 : c.extent[1])) * pitch_;
 }
 
 void NestedStage::produce(int64_t y, void *row) {
     const WindowCall &c = in_->call();
-    while (taken_ <= y + c.after(1)) take(taken_++);
-    const int64_t first = y % c.extent[1]; // slot of the window's first row
-    for (int32_t i = 0; i < mask_->rows; ++i) {
-        if (whole_) {
-            row_list_[i] = in_->row(mask_->plane[i], y - c.before[1] + mask_->row[i]);
-            continue;
-        }
-        const int64_t slot = first + mask_->row[i] - (first + mask_->row[i] < c.extent[1] ? 0 : c.extent[1]);
-        row_list_[i] = ring_ + (mask_->plane[i] * c.extent[1] + slot) * pitch_;
-    }
+    take(y + c.after(1) + 1);
+    for (int32_t i = 0; i < mask_->rows; ++i) row_list_[i] = this->row(y, mask_->plane[i], mask_->row[i]);
     rows_->across_nested(line_list_, row_list_, mask_->end, mask_->groups, in_->whole());
     for (int32_t i = 0; i < mask_->doubled_lines; ++i) {
         const auto [from, apart] = mask_->doubled[i];

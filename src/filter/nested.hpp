@@ -41,7 +41,8 @@ public:
     void produce(int64_t y, void *row) override;
 
 private:
-    void take(int64_t v);
+    void take(int64_t end);
+    const void *row(int64_t y, int64_t d, int64_t r) const;
 
     WindowRows *in_ = nullptr;
     ExtremumChoice rows_;

@@ -225,8 +225,17 @@ void SeparableStage::gather(int64_t y) {
 
 void SeparableStage::produce(int64_t y, void *row) {
     if (small_) return produce_small(y, row);
+    const WindowCall &c = in_->call();
     gather(y);
-    rows_->along(row, along_.rows, in_->call().row_elements());
+    if (c.folded.rows == 0 || rows_->sum_bytes < int32_t(sizeof(double)))
+        return rows_->along(row, along_.rows, c.row_elements());
+    // What lies between the rows of a small picture is not worth sums in double precision.
+    const int64_t pitch = c.folded.pitch * c.channels;
+    for (int64_t r = 0; r < c.folded.rows; ++r) {
+        rows_->along(static_cast<char *>(row) + r * pitch * c.element(), along_.rows, c.folded.pixels * c.channels);
+        for (int64_t i = 0; i < c.extent[2]; ++i)
+            along_.row[i] = static_cast<const char *>(along_.row[i]) + pitch * rows_->sum_bytes;
+    }
 }
 
 void SeparableStage::produce_sums(int64_t y, void *row) {

@@ -99,7 +99,7 @@ template <class U> void complete_side(char *row, int64_t at, int64_t n, const in
 template <int N> struct Unit { char bytes[N]; };
 
 // Calls f(a unit of so many bytes): a pixel of up to four channels, in elements or in sums of them.
-template <class F> void with_unit(int64_t bytes, F f) {
+template <class F> [[gnu::always_inline]] inline void with_unit(int64_t bytes, F f) {
     switch (bytes) {
     case 1:
         return f(Unit<1>());
@@ -406,7 +406,7 @@ Footprint destination_footprint(const WindowCall &c) {
 
 } // namespace
 
-int64_t PreparedCall::prepare(WindowCall &c, bool row_by_row) {
+int64_t PreparedCall::prepare(WindowCall &c, bool fold) {
     Footprint src = source_footprint(c), dst = destination_footprint(c);
     src.operand.stride = src.stride;
     dst.operand.stride = dst.stride;
@@ -422,7 +422,7 @@ int64_t PreparedCall::prepare(WindowCall &c, bool row_by_row) {
         c.extent[0] == 1 && mode != JORM_BORDER_WRAP && inside(c, 0) && inside(c, 1) && inside(c, 2);
     const bool copy =
         (meet && !same) || (needs_ring(c) && !ring_serves) || (c.extent[0] > 1 && mode == JORM_BORDER_CONST);
-    const bool fold = !row_by_row && folds(c);
+    fold = fold && folds(c);
     if (!copy && !fold) return JORM_OK;
 
     c.in_place = false;

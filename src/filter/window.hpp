@@ -147,8 +147,9 @@ private:
 // then goes as one row: by itself each of its rows would cost more than its pixels do.
 class PreparedCall {
 public:
-    // `row_by_row`: the stage looks at more than windows, so it cannot tell what lies between folded rows.
-    int64_t prepare(WindowCall &call, bool row_by_row = false);
+    // `fold`: a small picture may go as a row. Not where a stage looks at more than the windows of the region, nor where
+    // what it gathers for its first row is much.
+    int64_t prepare(WindowCall &call, bool fold = true);
 
 private:
     int64_t copy_with_border(WindowCall &call);
