@@ -45,7 +45,8 @@ private:
 };
 
 // Both passes in one go: the second takes the rows of the first as they come. Windows with several planes and small
-// pictures that go as a row take them one after the other, with the picture between them in scratch memory. open_pass(stage, rows, extreme) readies a Stage.
+// pictures that go as a row take them one after the other, with the picture between them in scratch memory.
+// open_pass(stage, rows, extreme) readies a Stage.
 template <class Stage, class OpenPass> int64_t run_composite(WindowCall &c, Composite which, OpenPass open_pass) {
     const Extreme one = is_closing(which) ? Extreme::largest : Extreme::least;
     const Extreme other = is_closing(which) ? Extreme::least : Extreme::largest;

@@ -12,7 +12,7 @@ namespace jorm {
 struct FoldGap {
     static constexpr int64_t most = 32; // bytes
     int64_t bytes;
-    uint8_t from[most + 16];
+    uint8_t from[most];
 };
 
 struct FoldedRows {

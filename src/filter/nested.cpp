@@ -97,7 +97,8 @@ int64_t NestedStage::open(WindowRows &in, Extreme which, const NestedColumns &ma
     pitch_ = ring_pitch(in.whole() * c.element());
     whole_ = in.left == 0 && in.right == 0;
     const int32_t lines = mask.groups + mask.doubled_lines;
-    const size_t ring = whole_ ? 0 : scratch_bytes(c.extent[0], c.extent[1], pitch_), made = scratch_bytes(lines, pitch_),
+    const size_t ring = whole_ ? 0 : scratch_bytes(c.extent[0], c.extent[1], pitch_),
+                 made = scratch_bytes(lines, pitch_),
                  lists = scratch_bytes(lines + mask.rows + mask.places, sizeof(void *));
     if (ring > SIZE_MAX / 4 || made > SIZE_MAX / 4) return JORM_ENOMEM;
     memory_.emplace(c.xe, ring + made + lists, 64);
@@ -123,25 +124,30 @@ void NestedStage::take(int64_t end) {
     const WindowCall &c = in_->call();
     rows_.meet(*in_, taken_, end);
     for (; taken_ < end; ++taken_)
-        for (int64_t d = 0; d < c.extent[0] && !whole_; ++d) {
+        for (int64_t d = 0; d < c.extent[0]; ++d) {
+            const char *const row = in_->row(d, taken_); // even if the mask is empty there: results may overwrite it
+            if (whole_) continue;
             char *const to = ring_ + (d * c.extent[1] + (taken_ + c.before[1]) % c.extent[1]) * pitch_;
-            std::memcpy(to + in_->left * c.element(), in_->row(d, taken_), size_t(in_->bare * c.element()));
+            std::memcpy(to + in_->left * c.element(), row, size_t(in_->bare * c.element()));
             in_->complete(to, c.element());
         }
 }
 
-// Row r of the window of row y in plane d of it.
-const void *NestedStage::row(int64_t y, int64_t d, int64_t r) const {
+// The rows of the mask in the window of row y.
+void NestedStage::find_rows(int64_t y) {
     const WindowCall &c = in_->call();
-    if (whole_) return in_->row(d, y - c.before[1] + r);
-    const int64_t slot = y % c.extent[1] + r;
-    return ring_ + (d * c.extent[1] + slot - (slot < c.extent[1] ? 0 : c.extent[1])) * pitch_;
+    const int64_t top = y - c.before[1], first = y % c.extent[1]; // slot of the window's first row
+    for (int32_t i = 0; i < mask_->rows; ++i) {
+        const int64_t d = mask_->plane[i], r = mask_->row[i];
+        const int64_t slot = first + r - (first + r < c.extent[1] ? 0 : c.extent[1]);
+        row_list_[i] = whole_ ? in_->row(d, top + r) : ring_ + (d * c.extent[1] + slot) * pitch_;
+    }
 }
 
 void NestedStage::produce(int64_t y, void *row) {
     const WindowCall &c = in_->call();
     take(y + c.after(1) + 1);
-    for (int32_t i = 0; i < mask_->rows; ++i) row_list_[i] = this->row(y, mask_->plane[i], mask_->row[i]);
+    find_rows(y);
     rows_->across_nested(line_list_, row_list_, mask_->end, mask_->groups, in_->whole());
     for (int32_t i = 0; i < mask_->doubled_lines; ++i) {
         const auto [from, apart] = mask_->doubled[i];

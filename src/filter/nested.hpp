@@ -42,7 +42,7 @@ public:
 
 private:
     void take(int64_t end);
-    const void *row(int64_t y, int64_t d, int64_t r) const;
+    void find_rows(int64_t y);
 
     WindowRows *in_ = nullptr;
     ExtremumChoice rows_;

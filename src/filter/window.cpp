@@ -281,7 +281,7 @@ void WindowRows::make_plane(char *to, int64_t pitch, const char *plane, bool bar
     const WindowCall &c = *call_;
     const int64_t begin = -c.before[1], end = c.size[1] + c.after(1), step = c.src_stride[1];
     const int64_t from = std::clamp(c.first[1], begin, end), until = std::clamp(c.last[1], from, end);
-    const bool together = bare_rows && dense_source(c) && bare * c.element() <= most_of_row;
+    const bool together = bare_rows && bare > 0 && dense_source(c) && bare * c.element() <= most_of_row;
     for (int64_t v = begin, n; v < end; v += n) {
         n = together && v == from && from < until ? until - from : 1;
         const int64_t y = stands_for(c, 1, v);
@@ -290,7 +290,7 @@ void WindowRows::make_plane(char *to, int64_t pitch, const char *plane, bool bar
         const char *const source = plane + y * step;
         if (together)
             folded_rows_of(c).copy(row + left * c.element(), pitch, source + (columns_[0] - c.before[2]) * c.pixel(),
-                                 step, n, bare * c.element());
+                                   step, n, bare * c.element());
         else if (bare_rows)
             make_bare(row, source);
         else
@@ -303,7 +303,7 @@ bool WindowRows::find_gap(FoldGap &gap) const {
     const int64_t pixel = call_->pixel(), bytes = bare / call_->channels * pixel, begin = columns_[0] * pixel;
     gap.bytes = (columns_[0] + columns_[1]) * pixel;
     if (gap.bytes > gap.most) return false;
-    for (int64_t i = 0; i < gap.most + 16; ++i) gap.from[i] = uint8_t(16 + (i - gap.bytes) % 16);
+    for (int64_t i = gap.bytes; i < gap.most; ++i) gap.from[i] = uint8_t(16 + (i - gap.bytes) % 16);
     bool serve = true;
     each_to_complete([&](int64_t column, int64_t from) {
         const bool after = column < columns_[0]; // the gap
@@ -456,8 +456,7 @@ int64_t PreparedCall::copy_with_border(WindowCall &c) {
     }
     for (int64_t d = 0; d < grown[0]; ++d) {
         const int64_t z = stands_for(c, 0, d - c.before[0]);
-        if (z != none)
-            made.make_plane(block + d * grown[1] * row_bytes, row_bytes, c.src + z * c.src_stride[0], bare);
+        if (z != none) made.make_plane(block + d * grown[1] * row_bytes, row_bytes, c.src + z * c.src_stride[0], bare);
     }
     if (bare && !constant) made.complete_all(block, row_bytes, rows);
     c.src_stride[3] = c.element();

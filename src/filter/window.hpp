@@ -147,8 +147,8 @@ private:
 // then goes as one row: by itself each of its rows would cost more than its pixels do.
 class PreparedCall {
 public:
-    // `fold`: a small picture may go as a row. Not where a stage looks at more than the windows of the region, nor where
-    // what it gathers for its first row is much.
+    // `fold`: a small picture may go as a row. Not where a stage looks at more than the windows of the region, nor
+    // where what it gathers for its first row is much.
     int64_t prepare(WindowCall &call, bool fold = true);
 
 private:
