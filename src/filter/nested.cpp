@@ -117,29 +117,32 @@ int64_t NestedStage::open(WindowRows &in, Extreme which, const NestedColumns &ma
 void NestedStage::begin_plane(int64_t z) {
     in_->begin_plane(z);
     taken_ = -in_->call().before[1];
+    slot_ = 0;
 }
 
 // Rows [taken, end) of every plane of the window, made whole where they do not come so.
 void NestedStage::take(int64_t end) {
     const WindowCall &c = in_->call();
     rows_.meet(*in_, taken_, end);
-    for (; taken_ < end; ++taken_)
+    for (; taken_ < end; ++taken_) {
         for (int64_t d = 0; d < c.extent[0]; ++d) {
             const char *const row = in_->row(d, taken_); // even if the mask is empty there: results may overwrite it
             if (whole_) continue;
-            char *const to = ring_ + (d * c.extent[1] + (taken_ + c.before[1]) % c.extent[1]) * pitch_;
+            char *const to = ring_ + (d * c.extent[1] + slot_) * pitch_;
             std::memcpy(to + in_->left * c.element(), row, size_t(in_->bare * c.element()));
             in_->complete(to, c.element());
         }
+        if (++slot_ == c.extent[1]) slot_ = 0;
+    }
 }
 
 // The rows of the mask in the window of row y.
 void NestedStage::find_rows(int64_t y) {
     const WindowCall &c = in_->call();
-    const int64_t top = y - c.before[1], first = y % c.extent[1]; // slot of the window's first row
+    const int64_t top = y - c.before[1];
     for (int32_t i = 0; i < mask_->rows; ++i) {
         const int64_t d = mask_->plane[i], r = mask_->row[i];
-        const int64_t slot = first + r - (first + r < c.extent[1] ? 0 : c.extent[1]);
+        const int64_t slot = slot_ + r - (slot_ + r < c.extent[1] ? 0 : c.extent[1]);
         row_list_[i] = whole_ ? in_->row(d, top + r) : ring_ + (d * c.extent[1] + slot) * pitch_;
     }
 }

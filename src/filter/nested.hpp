@@ -47,8 +47,9 @@ private:
     WindowRows *in_ = nullptr;
     ExtremumChoice rows_;
     const NestedColumns *mask_ = nullptr;
-    int64_t pitch_ = 0, taken_ = 0;
-    bool whole_ = false; // as rows come
+    int64_t pitch_ = 0, taken_ = 0; // the row to take next
+    int64_t slot_ = 0;              // where it goes: that of the window's first row
+    bool whole_ = false;            // as rows come
     char *ring_ = nullptr, *lines_ = nullptr;
     void **line_list_ = nullptr;
     const void **row_list_ = nullptr, **place_list_ = nullptr;
