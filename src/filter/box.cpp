@@ -220,7 +220,8 @@ int64_t box(WindowCall &c) {
     const bool of_bytes =
         c.type == JORM_U8 && area < ByteMean::max_area && c.extent[0] * c.extent[1] <= ByteMean::max_height;
     PreparedCall prepared;
-    if (const int64_t status = prepared.prepare(c, of_bytes); status != JORM_OK) return status;
+    if (const int64_t status = prepared.prepare(c, of_bytes ? PreparedCall::short_row : 0); status != JORM_OK)
+        return status;
     WindowRows rows;
     if (const int64_t status = rows.open(c, 1); status != JORM_OK) return status;
     if (of_bytes) {

@@ -4,7 +4,7 @@
 
 namespace jorm {
 
-void ExtremumChoice::meet(WindowRows &in, int64_t from, int64_t to) {
+void ExtremumChoice::meet_all(WindowRows &in, int64_t from, int64_t to) {
     const WindowCall &c = in.call();
     if (c.folded.rows > 0) return meet(in.row(from), in.bare + (to - 1 - from) * c.folded.pitch * c.channels);
     for (int64_t v = from; rows_->unordered && v < to; ++v)
@@ -50,6 +50,7 @@ bool ExtremumStage::find_ends() {
 
 // Looks at the rows that come in with row y.
 void ExtremumStage::meet(int64_t y) {
+    if (!rows_->unordered) return;
     const WindowCall &c = in_->call();
     const int64_t top = y - c.before[1], end = top + c.extent[1];
     rows_.meet(*in_, y == 0 ? top : end - 1, end);

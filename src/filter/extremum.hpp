@@ -22,9 +22,13 @@ public:
         if (rows_->unordered && rows_->unordered(row, n)) ++rows_;
     }
     // Rows [from, to) of every plane that a window reads.
-    void meet(WindowRows &in, int64_t from, int64_t to);
+    void meet(WindowRows &in, int64_t from, int64_t to) {
+        if (rows_->unordered) meet_all(in, from, to);
+    }
 
 private:
+    void meet_all(WindowRows &in, int64_t from, int64_t to);
+
     const ExtremumRows *rows_ = nullptr;
 };
 

@@ -100,7 +100,7 @@ private:
 int64_t run_firefly(WindowCall &c, const double *sigmas, const Limits &limits) {
     if (const int64_t status = weights_serve(c); status != JORM_OK || check_only(c)) return status;
     PreparedCall prepared;
-    if (const int64_t status = prepared.prepare(c, false); status != JORM_OK) return status;
+    if (const int64_t status = prepared.prepare(c, 0); status != JORM_OK) return status;
     GaussianWeights weights;
     if (const int64_t status = weights.open(c, sigmas); status != JORM_OK) return status;
     WindowRows rows;

@@ -132,7 +132,8 @@ int64_t SeparableStage::open(WindowRows &in, const SeparableWeights &w, const Se
     const int64_t height = c.extent[0] * c.extent[1];
     const int64_t bytes = taps_bytes(height) + taps_bytes(c.extent[2]) + aligned(height * int64_t(sizeof(double)));
     const int64_t pitch = ring_pitch(in.whole() * int64_t(sizeof(double)));
-    memory_.emplace(c.xe, size_t(bytes) + scratch_bytes(together, pitch), line);
+    const int64_t rows_of_sums = std::min(together, c.size[1]);
+    memory_.emplace(c.xe, size_t(bytes) + scratch_bytes(rows_of_sums, pitch), line);
     if (!*memory_) return JORM_ENOMEM;
     char *memory = memory_->as<char>();
 
@@ -152,7 +153,7 @@ int64_t SeparableStage::open(WindowRows &in, const SeparableWeights &w, const Se
     const double one = 1, factor = scale > 0 ? scale : 1;
     down_ = make_taps(height, down, factor, rows_->weight_bytes, memory);
     along_ = make_taps(c.extent[2], w.axis[2] ? w.axis[2] : &one, 1 / factor, rows_->sum_bytes, memory);
-    for (char *&sums : sums_) sums = memory, memory += pitch;
+    for (int64_t r = 0; r < rows_of_sums; ++r) sums_[r] = memory + r * pitch;
     small_ = small_serves();
     return JORM_OK;
 }

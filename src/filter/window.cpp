@@ -12,8 +12,8 @@ namespace {
 
 constexpr int64_t none = INT64_MIN;
 constexpr int64_t line = 64;
-// Bytes of a row of a picture that is folded, of the picture with its border.
-constexpr int64_t most_of_row = 256, most_folded = 1 << 15;
+// A picture is folded that has so many bytes with its border at most and this many rows at least.
+constexpr int64_t most_folded = 1 << 17, least_rows = 5;
 
 // The position of [first, last) that stands for v under a border mode, `none` for a constant. Mirror images repeat.
 int64_t stands_for(uint32_t mode, int64_t v, int64_t first, int64_t last) {
@@ -281,7 +281,7 @@ void WindowRows::make_plane(char *to, int64_t pitch, const char *plane, bool bar
     const WindowCall &c = *call_;
     const int64_t begin = -c.before[1], end = c.size[1] + c.after(1), step = c.src_stride[1];
     const int64_t from = std::clamp(c.first[1], begin, end), until = std::clamp(c.last[1], from, end);
-    const bool together = bare_rows && bare > 0 && dense_source(c) && bare * c.element() <= most_of_row;
+    const bool together = bare_rows && bare > 0 && dense_source(c) && bare * c.element() <= PreparedCall::short_row;
     for (int64_t v = begin, n; v < end; v += n) {
         n = together && v == from && from < until ? until - from : 1;
         const int64_t y = stands_for(c, 1, v);
@@ -387,11 +387,11 @@ Footprint source_footprint(const WindowCall &c) {
     f.operand = operand(c.type, start, f.stride);
     return f;
 }
-// Is it a picture whose rows cost more than its pixels, and are there any rows?
-bool folds(const WindowCall &c) {
+// Does a row by itself cost more than its pixels, and is the border the lesser part?
+bool folds(const WindowCall &c, int64_t most_of_row) {
     const size_t bytes = scratch_bytes(c.size[1] + c.extent[1] - 1, c.size[2] + c.extent[2] - 1, c.pixel());
-    return c.size[0] == 1 && c.extent[0] == 1 && c.size[1] > 1 && c.row_elements() * c.element() <= most_of_row &&
-           bytes <= size_t(most_folded);
+    return c.size[0] == 1 && c.extent[0] == 1 && c.size[1] >= std::max(least_rows, c.extent[1]) &&
+           c.size[2] >= c.extent[2] && c.size[2] * c.pixel() <= most_of_row && bytes <= size_t(most_folded);
 }
 
 Footprint destination_footprint(const WindowCall &c) {
@@ -406,7 +406,7 @@ Footprint destination_footprint(const WindowCall &c) {
 
 } // namespace
 
-int64_t PreparedCall::prepare(WindowCall &c, bool fold) {
+int64_t PreparedCall::prepare(WindowCall &c, int64_t most_of_row) {
     Footprint src = source_footprint(c), dst = destination_footprint(c);
     src.operand.stride = src.stride;
     dst.operand.stride = dst.stride;
@@ -422,7 +422,7 @@ int64_t PreparedCall::prepare(WindowCall &c, bool fold) {
         c.extent[0] == 1 && mode != JORM_BORDER_WRAP && inside(c, 0) && inside(c, 1) && inside(c, 2);
     const bool copy =
         (meet && !same) || (needs_ring(c) && !ring_serves) || (c.extent[0] > 1 && mode == JORM_BORDER_CONST);
-    fold = fold && folds(c);
+    const bool fold = folds(c, most_of_row);
     if (!copy && !fold) return JORM_OK;
 
     c.in_place = false;

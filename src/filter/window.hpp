@@ -147,9 +147,10 @@ private:
 // then goes as one row: by itself each of its rows would cost more than its pixels do.
 class PreparedCall {
 public:
-    // `fold`: a small picture may go as a row. Not where a stage looks at more than the windows of the region, nor
-    // where what it gathers for its first row is much.
-    int64_t prepare(WindowCall &call, bool fold = true);
+    // A small picture is folded whose rows have so many bytes at most. Not one whose stage looks at more than the
+    // windows of the region, nor where what a stage gathers for its first row is much.
+    static constexpr int64_t short_row = 256;
+    int64_t prepare(WindowCall &call, int64_t most_of_row = short_row);
 
 private:
     int64_t copy_with_border(WindowCall &call);
