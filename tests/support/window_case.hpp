@@ -80,12 +80,14 @@ struct WindowCase {
     }
 
 private:
+    // Most are tiny, some have long rows, some have short ones and room for large windows.
+    static Index random_extent(Random &r, int ndims, int channels) {
+        const int planes = ndims == 4 ? r.in(1, 3) : 1;
+        if (ndims == 3 && r.one_in(4)) return {1, r.in(8, 24), r.in(16, 48), channels};
+        return {planes, r.in(1, 12), r.one_in(5) ? r.in(60, 310) : r.in(1, 20), channels};
+    }
     WindowCase(Random &r, uint32_t type, int channels, int max_window, int ndims)
-        : picture{r,
-                  type,
-                  {ndims == 4 ? r.in(1, 3) : 1, r.in(1, 12), r.one_in(4) ? r.in(60, 310) : r.in(1, 20), channels},
-                  r.one_in(3),
-                  ndims} {
+        : picture{r, type, random_extent(r, ndims, channels), r.one_in(3), ndims} {
         // A picture with views is described from its first pixel on, others from their lowest byte perhaps.
         const int way = r.in(0, 5);
         const bool views = r.one_in(2) || way == 5, from_lowest = !views && r.one_in(2);
@@ -102,9 +104,7 @@ private:
         else if (way == 4 || way == 3)
             dst = src;
         else {
-            const Index extent = {ndims == 4 ? r.in(1, 3) : 1, r.in(1, 12), r.one_in(6) ? r.in(60, 310) : r.in(1, 24),
-                                  channels};
-            result.emplace(r, type, extent, r.one_in(3), ndims);
+            result.emplace(r, type, random_extent(r, ndims, channels), r.one_in(3), ndims);
             if (extent_of(src)[0] != 1) result.emplace(r, type, extent_of(src), false, ndims);
             dst = result->a;
         }
