@@ -61,7 +61,7 @@ template <class Stage, class OpenPass> int64_t run_composite(WindowCall &c, Comp
     WindowRows rows;
     Stage second;
     HatStage hat;
-    int64_t status = prepared.prepare(c);
+    int64_t status = prepared.prepare(c, Stage::short_row);
     const bool apart = c.extent[0] > 1 || c.folded.rows > 0;
     if (status == JORM_OK && apart) {
         status = between.open(c, other);
@@ -72,7 +72,7 @@ template <class Stage, class OpenPass> int64_t run_composite(WindowCall &c, Comp
             if (status == JORM_OK) status = open_pass(first_stage, first_source, one);
             if (status == JORM_OK) status = run_stage(between.first, first_stage);
         }
-        if (status == JORM_OK) status = prepared_between.prepare(between.second);
+        if (status == JORM_OK) status = prepared_between.prepare(between.second, Stage::short_row);
     }
     if (status == JORM_OK) status = source.open(c, is_hat(which) ? c.extent[1] + 1 : 1);
     if (status == JORM_OK && !apart) status = open_pass(first, source, one);

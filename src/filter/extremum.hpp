@@ -36,6 +36,7 @@ private:
 // of them at a time where `in` keeps one more row than a window has.
 class ExtremumStage : public RowStage {
 public:
+    static constexpr int64_t short_row = PreparedCall::short_row; // that is folded
     int64_t open(WindowRows &in, Extreme which);
     void begin_plane(int64_t z) override { in_->begin_plane(z); }
     void produce(int64_t y, void *row) override;

@@ -42,6 +42,7 @@ private:
 // has; a window is then as many elements as the mask has runs.
 class MaskStage : public RowStage {
 public:
+    static constexpr int64_t short_row = 0; // not folded: every row of the window has lines of its own
     int64_t open(WindowRows &in, Extreme which, const MaskRuns &runs);
     void begin_plane(int64_t z) override;
     void produce(int64_t y, void *row) override;

@@ -48,7 +48,7 @@ int64_t run_extremum(WindowCall &c, const jorm_strel &strel, Extreme which) {
     if (const int64_t status = serves(c); status != JORM_OK || check_only(c)) return status;
     return with_mask(c, strel, [&]<class Mask>(const Mask &mask) {
         PreparedCall prepared;
-        if (const int64_t status = prepared.prepare(c); status != JORM_OK) return status;
+        if (const int64_t status = prepared.prepare(c, Mask::Stage::short_row); status != JORM_OK) return status;
         WindowRows rows;
         if (const int64_t status = rows.open(c); status != JORM_OK) return status;
         typename Mask::Stage stage;

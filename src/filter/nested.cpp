@@ -7,6 +7,8 @@
 
 namespace jorm {
 
+constexpr int64_t part_of_folded = 8192; // elements of a row, whose lines take little memory
+
 // A column with n rows in it has all rows of those with fewer when every row is in all columns with more than some
 // number of rows and in no others.
 int64_t NestedColumns::open(jorm_xe *xe, const jorm_strel &strel, const WindowCall &c) {
@@ -96,9 +98,11 @@ int64_t NestedStage::open(WindowRows &in, Extreme which, const NestedColumns &ma
     rows_.open(c, which);
     pitch_ = ring_pitch(in.whole() * c.element());
     whole_ = in.left == 0 && in.right == 0;
+    part_ = c.folded.rows > 0 ? std::min(part_of_folded, c.row_elements()) : c.row_elements();
+    const int64_t line_pitch = ring_pitch((part_ + beyond()) * c.element());
     const int32_t lines = mask.groups + mask.doubled_lines;
     const size_t ring = whole_ ? 0 : scratch_bytes(c.extent[0], c.extent[1], pitch_),
-                 made = scratch_bytes(lines, pitch_),
+                 made = scratch_bytes(lines, line_pitch),
                  lists = scratch_bytes(lines + mask.rows + mask.places, sizeof(void *));
     if (ring > SIZE_MAX / 4 || made > SIZE_MAX / 4) return JORM_ENOMEM;
     memory_.emplace(c.xe, ring + made + lists, 64);
@@ -108,9 +112,9 @@ int64_t NestedStage::open(WindowRows &in, Extreme which, const NestedColumns &ma
     line_list_ = reinterpret_cast<void **>(lines_ + made);
     place_list_ = const_cast<const void **>(line_list_ + lines);
     row_list_ = place_list_ + mask.places;
-    for (int32_t i = 0; i < lines; ++i) line_list_[i] = lines_ + i * pitch_;
+    for (int32_t i = 0; i < lines; ++i) line_list_[i] = lines_ + i * line_pitch;
     for (int32_t i = 0; i < mask.places; ++i)
-        place_list_[i] = lines_ + mask.place[i].line * pitch_ + mask.place[i].column * c.pixel();
+        place_list_[i] = lines_ + mask.place[i].line * line_pitch + mask.place[i].column * c.pixel();
     return JORM_OK;
 }
 
@@ -151,13 +155,22 @@ void NestedStage::produce(int64_t y, void *row) {
     const WindowCall &c = in_->call();
     take(y + c.after(1) + 1);
     find_rows(y);
-    rows_->across_nested(line_list_, row_list_, mask_->end, mask_->groups, in_->whole());
+    for (int64_t from = 0, n = c.row_elements(); from < n; from += part_)
+        make_part(static_cast<char *>(row) + from * c.element(), std::min(part_, n - from));
+}
+
+// The next n elements of a row.
+void NestedStage::make_part(void *to, int64_t n) {
+    const WindowCall &c = in_->call();
+    const int64_t all = n + beyond();
+    rows_->across_nested(line_list_, row_list_, mask_->end, mask_->groups, all);
     for (int32_t i = 0; i < mask_->doubled_lines; ++i) {
         const auto [from, apart] = mask_->doubled[i];
-        rows_->pair(line_list_[mask_->groups + i], line_list_[from], in_->whole() - (2 * apart - 1) * c.channels,
+        rows_->pair(line_list_[mask_->groups + i], line_list_[from], all - (2 * apart - 1) * c.channels,
                     apart * c.channels);
     }
-    rows_->columns.across(row, place_list_, mask_->places, c.row_elements());
+    rows_->columns.across(to, place_list_, mask_->places, n);
+    for (int32_t i = 0; i < mask_->rows; ++i) row_list_[i] = static_cast<const char *>(row_list_[i]) + n * c.element();
 }
 
 } // namespace jorm

@@ -36,6 +36,7 @@ private:
 // The extremum over nested columns: down the columns for all groups together, then along the lines that this makes.
 class NestedStage : public RowStage {
 public:
+    static constexpr int64_t short_row = PreparedCall::short_row;
     int64_t open(WindowRows &in, Extreme which, const NestedColumns &mask);
     void begin_plane(int64_t z) override;
     void produce(int64_t y, void *row) override;
@@ -43,12 +44,16 @@ public:
 private:
     void take(int64_t end);
     void find_rows(int64_t y);
+    void make_part(void *to, int64_t n);
+    // Elements that the last window of a row reads after its first ones.
+    int64_t beyond() const { return (in_->call().extent[2] - 1) * in_->call().channels; }
 
     WindowRows *in_ = nullptr;
     ExtremumChoice rows_;
     const NestedColumns *mask_ = nullptr;
     int64_t pitch_ = 0, taken_ = 0; // the row to take next
     int64_t slot_ = 0;              // where it goes: that of the window's first row
+    int64_t part_ = 0;              // elements of a row that are made at once
     bool whole_ = false;            // as rows come
     char *ring_ = nullptr, *lines_ = nullptr;
     void **line_list_ = nullptr;
