@@ -197,6 +197,8 @@ public:
                 [&](auto *in, auto *out) { rows_->slide(bare, in, out, n); });
         in_->complete(columns, rows_->sum_bytes);
         const bool narrow = c.extent[2] == 1;
+        if (rows_->mean_along && c.extent[2] <= MeanRows::few)
+            return rows_->mean_along(row, columns, c.size[2], c.extent[2], area_);
         if (!narrow) rows_->along(along, spare, columns, c.size[2], c.extent[2]);
         rows_->mean(row, narrow ? columns : along, c.size[2], area_);
     }

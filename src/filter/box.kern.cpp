@@ -386,6 +386,29 @@ void mean_real(void *to, const void *sums, int64_t n, int64_t area) {
     for (int64_t i = 0; i < n; ++i) t[i] = f32(s[i] * inverse);
 }
 
+// The sums of a register of windows stay in it.
+void mean_real_along(void *to, const void *columns, int64_t n, int64_t k, int64_t area) {
+    constexpr int lanes = register_bytes / int(sizeof(f64));
+    f32 *const t = elements<f32>(to);
+    const f64 *const x = elements<f64>(columns), inverse = 1.0 / f64(area);
+    const auto mean_of = [&]<int N, int Many>(Count<N>, Count<Many>, int64_t i) __attribute__((always_inline)) {
+        using V = VectorOf<f64, N>;
+        V sum[Many];
+        for (int j = 0; j < Many; ++j) sum[j] = read<V>(x + i + j * N);
+        for (int64_t c = 1; c < k; ++c)
+            for (int j = 0; j < Many; ++j) sum[j] += read<V>(x + i + c + j * N);
+        for (int j = 0; j < Many; ++j) {
+            const VectorOf<f32, N> mean = converted<f32, N, f64>(sum[j] * inverse);
+            __builtin_memcpy(t + i + j * N, &mean, sizeof mean);
+        }
+    };
+    if (n >= lanes)
+        each_register<lanes, 4>(
+            n, [&](auto many, int64_t i) __attribute__((always_inline)) { mean_of(Count<lanes>(), many, i); });
+    else
+        for (int64_t i = 0; i < n; ++i) mean_of(Count<1>(), Count<1>(), i);
+}
+
 struct Add {
     template <class V> [[gnu::always_inline]] static V of(V a, V b) { return a + b; }
     [[gnu::always_inline]] static f64 of(f64 a, f32 b) { return a + f64(b); }
@@ -398,11 +421,12 @@ const ByteMeanRows byte_mean_rows[] = {
     {small_means, 3 * register_bytes, gather_bytes, slide_bytes, mean_bytes, add_up, wide_mean}};
 
 #define LINE(T, Sum, mean_row)                                                                                         \
-    { sizeof(Sum), enter<T, Sum>, slide<T, Sum>, along<Sum>, mean_row }
+    { sizeof(Sum), enter<T, Sum>, slide<T, Sum>, along<Sum>, mean_row, nullptr }
 extern const MeanRows mean_rows[];
-const MeanRows mean_rows[] = {LINE(u8, s32, (mean<u8, s32>)),   LINE(s16, s32, (mean<s16, s32>)),
-                              LINE(u8, s64, (mean<u8, s64>)),   LINE(s16, s64, (mean<s16, s64>)),
-                              LINE(s32, s64, (mean<s32, s64>)), {sizeof(f64), nullptr, nullptr, along<f64>, mean_real}};
+const MeanRows mean_rows[] = {
+    LINE(u8, s32, (mean<u8, s32>)),   LINE(s16, s32, (mean<s16, s32>)),
+    LINE(u8, s64, (mean<u8, s64>)),   LINE(s16, s64, (mean<s16, s64>)),
+    LINE(s32, s64, (mean<s32, s64>)), {sizeof(f64), nullptr, nullptr, along<f64>, mean_real, mean_real_along}};
 
 extern const ColumnRows real_sum_columns[];
 const ColumnRows real_sum_columns[] = {column_rows<Add, f32, f64>};

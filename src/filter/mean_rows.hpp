@@ -39,6 +39,9 @@ struct MeanRows {
     // Sums of windows of k columns along a row of n + k - 1 of them; `to` and `spare` are as long as that.
     void (*along)(void *to, void *spare, const void *columns, int64_t n, int64_t k);
     void (*mean)(void *to, const void *sums, int64_t n, int64_t area);
+    // Both at once, for windows of up to `few` columns; null where it is not quicker.
+    void (*mean_along)(void *to, const void *columns, int64_t n, int64_t k, int64_t area);
+    static constexpr int64_t few = 7;
 };
 // Narrow sums have 32 bits.
 enum BoxLine : int { box_u8_narrow, box_s16_narrow, box_u8, box_s16, box_s32, box_f32 };
