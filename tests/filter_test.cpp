@@ -104,6 +104,35 @@ TEST_F(Filter, OpeningsAndClosings) {
         run(kind, 250, 11, false);
 }
 
+// Pictures of many short rows go in bands unless they are their own destination.
+TEST_F(Filter, BandsOfTallPictures) {
+    jorm_seshape window;
+    __jorm_seshape__$g2(&window, 9, 5);
+    uint8_t cross[7][7] = {};
+    for (int k = 0; k < 7; ++k) cross[k][3] = cross[3][k] = 255;
+    jorm_strel mask = {{0, 3, 3, 0}, {}};
+    jorm_array_make(&mask.mask, JORM_U8, 7, 7, 1, 0, cross);
+    for (const uint32_t type : {JORM_U8, JORM_S16, JORM_F32}) {
+        const Index size = {1, 9000, 20, 1};
+        Picture src(r, type, size, true), got(r, type, size, true);
+        src.fill([&] { return r.in(0, 255); });
+        const Bytes before = src.memory;
+        const auto expect_same = [&](auto call) {
+            ASSERT_EQ(call(&got.a, &src.a), JORM_OK);
+            ASSERT_EQ(call(&src.a, nullptr), JORM_OK);
+            each(size, [&](const Index &i) { ASSERT_EQ(got.get(i), src.get(i)) << type << " in row " << i[1]; });
+            src.memory = before;
+        };
+        using Array = const jorm_array *;
+        for (const uint32_t kind : {JORM_FILTER_MIN, JORM_FILTER_BOX})
+            expect_same([&](Array d, Array s) { return JormFilter(xe, 0, d, s, nullptr, nullptr, kind, &window); });
+        expect_same(
+            [&](Array d, Array s) { return JormGaussianFilter(xe, 0, d, s, nullptr, nullptr, &window, nullptr); });
+        expect_same(
+            [&](Array d, Array s) { return JormMorphop(xe, 0, d, s, nullptr, nullptr, JORM_MORPH_DILATE, &mask); });
+    }
+}
+
 // Whatever request for memory fails, the status tells so, nothing is written and nothing stays taken.
 TEST_F(Filter, MemoryThatCannotBeHad) {
     uint8_t disk[7][7] = {};

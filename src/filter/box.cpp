@@ -214,6 +214,30 @@ private:
 // Beyond that the sums of 32-bit elements would not fit 64 bits.
 constexpr int64_t most_pixels = int64_t(1) << 31;
 
+int64_t box_of_bytes(const WindowCall &c, int64_t area) {
+    WindowRows rows;
+    if (const int64_t status = rows.open(c, 1); status != JORM_OK) return status;
+    ByteMean mean = {int32_t(c.extent[2]), 0, 0, 0, 0};
+    if (mean.width < 2 || mean.width > 2 * ByteMean::max_half + 1 || !find_factors(mean, area))
+        mean = {mean.width, 0, uint16_t(area), 0, 0};
+    if (SmallBoxStage::serves(rows)) {
+        SmallBoxStage stage;
+        stage.open(rows, mean);
+        return run_stage(c, stage);
+    }
+    ByteBoxStage stage;
+    const int64_t status = stage.open(rows, mean);
+    return status == JORM_OK ? run_stage(c, stage) : status;
+}
+
+int64_t box_of_any(const WindowCall &c, int64_t area) {
+    WindowRows rows;
+    if (const int64_t status = rows.open(c, 1); status != JORM_OK) return status;
+    BoxStage stage;
+    const int64_t status = stage.open(rows, area);
+    return status == JORM_OK ? run_stage(c, stage) : status;
+}
+
 } // namespace
 
 int64_t box(WindowCall &c) {
@@ -221,27 +245,9 @@ int64_t box(WindowCall &c) {
     if (area > size_t(most_pixels)) return JORM_ENOMEM;
     const bool of_bytes =
         c.type == JORM_U8 && area < ByteMean::max_area && c.extent[0] * c.extent[1] <= ByteMean::max_height;
-    PreparedCall prepared;
-    if (const int64_t status = prepared.prepare(c, of_bytes ? PreparedCall::short_row : 0); status != JORM_OK)
-        return status;
-    WindowRows rows;
-    if (const int64_t status = rows.open(c, 1); status != JORM_OK) return status;
-    if (of_bytes) {
-        ByteMean mean = {int32_t(c.extent[2]), 0, 0, 0, 0};
-        if (mean.width < 2 || mean.width > 2 * ByteMean::max_half + 1 || !find_factors(mean, int64_t(area)))
-            mean = {mean.width, 0, uint16_t(area), 0, 0};
-        if (SmallBoxStage::serves(rows)) {
-            SmallBoxStage stage;
-            stage.open(rows, mean);
-            return run_stage(c, stage);
-        }
-        ByteBoxStage stage;
-        const int64_t status = stage.open(rows, mean);
-        return status == JORM_OK ? run_stage(c, stage) : status;
-    }
-    BoxStage stage;
-    const int64_t status = stage.open(rows, int64_t(area));
-    return status == JORM_OK ? run_stage(c, stage) : status;
+    return run_prepared(c, of_bytes ? 3 * PreparedCall::short_row / 4 : 0, [=](const WindowCall &band) {
+        return of_bytes ? box_of_bytes(band, int64_t(area)) : box_of_any(band, int64_t(area));
+    });
 }
 
 } // namespace jorm

@@ -20,14 +20,13 @@ namespace {
 template <Extreme which> int64_t run_extremum(WindowCall &c) {
     if (const int64_t status = rectangle_serves(c); status != JORM_OK || check_only(c)) return status;
     const bool least_window = c.extent[1] == 3 && c.extent[2] == 3; // rows of which take little more than a copy
-    PreparedCall prepared;
-    if (const int64_t status = prepared.prepare(c, PreparedCall::short_row / (least_window ? 2 : 1)); status != JORM_OK)
-        return status;
-    WindowRows rows;
-    if (const int64_t status = rows.open(c, 1); status != JORM_OK) return status;
-    ExtremumStage stage;
-    if (const int64_t status = stage.open(rows, which); status != JORM_OK) return status;
-    return run_stage(c, stage);
+    return run_prepared(c, PreparedCall::short_row / (least_window ? 2 : 1), [](const WindowCall &band) -> int64_t {
+        WindowRows rows;
+        if (const int64_t status = rows.open(band, 1); status != JORM_OK) return status;
+        ExtremumStage stage;
+        const int64_t status = stage.open(rows, which);
+        return status == JORM_OK ? run_stage(band, stage) : status;
+    });
 }
 
 int64_t run_box(WindowCall &c) {

@@ -47,13 +47,13 @@ template <class F> int64_t with_mask(const WindowCall &c, const jorm_strel &stre
 int64_t run_extremum(WindowCall &c, const jorm_strel &strel, Extreme which) {
     if (const int64_t status = serves(c); status != JORM_OK || check_only(c)) return status;
     return with_mask(c, strel, [&]<class Mask>(const Mask &mask) {
-        PreparedCall prepared;
-        if (const int64_t status = prepared.prepare(c, Mask::Stage::short_row); status != JORM_OK) return status;
-        WindowRows rows;
-        if (const int64_t status = rows.open(c); status != JORM_OK) return status;
-        typename Mask::Stage stage;
-        const int64_t status = stage.open(rows, which, mask);
-        return status == JORM_OK ? run_stage(c, stage) : status;
+        return run_prepared(c, Mask::Stage::short_row, [&](const WindowCall &band) -> int64_t {
+            WindowRows rows;
+            if (const int64_t status = rows.open(band); status != JORM_OK) return status;
+            typename Mask::Stage stage;
+            const int64_t status = stage.open(rows, which, mask);
+            return status == JORM_OK ? run_stage(band, stage) : status;
+        });
     });
 }
 

@@ -143,23 +143,30 @@ void NestedStage::take(int64_t end) {
 // The rows of the mask in the window of row y.
 void NestedStage::find_rows(int64_t y) {
     const WindowCall &c = in_->call();
-    const int64_t top = y - c.before[1];
-    for (int32_t i = 0; i < mask_->rows; ++i) {
-        const int64_t d = mask_->plane[i], r = mask_->row[i];
-        const int64_t slot = slot_ + r - (slot_ + r < c.extent[1] ? 0 : c.extent[1]);
-        row_list_[i] = whole_ ? in_->row(d, top + r) : ring_ + (d * c.extent[1] + slot) * pitch_;
-    }
+    const int64_t top = y - c.before[1], height = c.extent[1];
+    const int32_t *const plane = mask_->plane, *const row = mask_->row;
+    if (whole_)
+        for (int32_t i = 0; i < mask_->rows; ++i) row_list_[i] = in_->row(plane[i], top + row[i]);
+    else
+        for (int32_t i = 0; i < mask_->rows; ++i) {
+            const int64_t slot = slot_ + row[i];
+            row_list_[i] = ring_ + (plane[i] * height + slot - (slot < height ? 0 : height)) * pitch_;
+        }
 }
 
 void NestedStage::produce(int64_t y, void *row) {
     const WindowCall &c = in_->call();
     take(y + c.after(1) + 1);
     find_rows(y);
-    for (int64_t from = 0, n = c.row_elements(); from < n; from += part_)
-        make_part(static_cast<char *>(row) + from * c.element(), std::min(part_, n - from));
+    const int64_t n = c.row_elements(), e = c.element();
+    for (int64_t from = 0; from < n; from += part_) {
+        for (int32_t i = 0; from > 0 && i < mask_->rows; ++i)
+            row_list_[i] = static_cast<const char *>(row_list_[i]) + part_ * e;
+        make_part(static_cast<char *>(row) + from * e, std::min(part_, n - from));
+    }
 }
 
-// The next n elements of a row.
+// n elements of a row from those on that its window's rows begin with.
 void NestedStage::make_part(void *to, int64_t n) {
     const WindowCall &c = in_->call();
     const int64_t all = n + beyond();
@@ -170,7 +177,6 @@ void NestedStage::make_part(void *to, int64_t n) {
                     apart * c.channels);
     }
     rows_->columns.across(to, place_list_, mask_->places, n);
-    for (int32_t i = 0; i < mask_->rows; ++i) row_list_[i] = static_cast<const char *>(row_list_[i]) + n * c.element();
 }
 
 } // namespace jorm

@@ -387,12 +387,6 @@ Footprint source_footprint(const WindowCall &c) {
     f.operand = operand(c.type, start, f.stride);
     return f;
 }
-// Does a row by itself cost more than its pixels, and is the border the lesser part?
-bool folds(const WindowCall &c, int64_t most_of_row) {
-    const size_t bytes = scratch_bytes(c.size[1] + c.extent[1] - 1, c.size[2] + c.extent[2] - 1, c.pixel());
-    return c.size[0] == 1 && c.extent[0] == 1 && c.size[1] >= std::max(least_rows, c.extent[1]) &&
-           c.size[2] >= c.extent[2] && c.size[2] * c.pixel() <= most_of_row && bytes <= size_t(most_folded);
-}
 
 Footprint destination_footprint(const WindowCall &c) {
     Footprint f;
@@ -404,13 +398,37 @@ Footprint destination_footprint(const WindowCall &c) {
     return f;
 }
 
-} // namespace
-
-int64_t PreparedCall::prepare(WindowCall &c, int64_t most_of_row) {
+// May what windows read be written?
+bool may_meet(const WindowCall &c) {
     Footprint src = source_footprint(c), dst = destination_footprint(c);
     src.operand.stride = src.stride;
     dst.operand.stride = dst.stride;
-    const bool meet = may_meet(4, c.channels, dst.size, dst.operand, src.size, src.operand);
+    return may_meet(4, c.channels, dst.size, dst.operand, src.size, src.operand);
+}
+
+// Does a row by itself cost more than its pixels, and is the border beside it the lesser part?
+bool short_rows(const WindowCall &c, int64_t most_of_row) {
+    return c.size[0] == 1 && c.extent[0] == 1 && c.size[2] >= c.extent[2] && c.size[2] * c.pixel() <= most_of_row;
+}
+// How many rows may be folded together?
+int64_t most_rows(const WindowCall &c) {
+    return most_folded / ((c.size[2] + c.extent[2] - 1) * c.pixel()) - (c.extent[1] - 1);
+}
+bool folds(const WindowCall &c, int64_t most_of_row) {
+    return short_rows(c, most_of_row) && c.size[1] >= std::max(least_rows, c.extent[1]) && c.size[1] <= most_rows(c);
+}
+
+} // namespace
+
+int64_t rows_of_band(const WindowCall &c, int64_t most_of_row) {
+    const int64_t rows = c.size[1], most = short_rows(c, most_of_row) ? most_rows(c) : rows;
+    if (rows <= most || most < 4 * c.extent[1] || may_meet(c)) return rows;
+    const int64_t bands = (rows + most - 1) / most;
+    return (rows + bands - 1) / bands;
+}
+
+int64_t PreparedCall::prepare(WindowCall &c, int64_t most_of_row) {
+    const bool meet = may_meet(c);
     bool same = meet && c.dst == c.src;
     for (int i = 0; i < 4 && same; ++i)
         same = c.dst_stride[i] == c.src_stride[i] || (i < 3 ? c.size[i] : c.channels) == 1;

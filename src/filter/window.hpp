@@ -158,6 +158,27 @@ private:
     std::optional<Scratch> copy_;
 };
 
+// How many rows of a call go together: all, but where rows are short, so many that they may be folded.
+int64_t rows_of_band(const WindowCall &call, int64_t most_of_row);
+
+// Runs f(prepared call) on the region, or on one band of it after the other.
+template <class F> int64_t run_prepared(const WindowCall &call, int64_t most_of_row, F f) {
+    const int64_t rows = rows_of_band(call, most_of_row);
+    for (int64_t y = 0; y < call.size[1]; y += rows) {
+        WindowCall band = call;
+        band.size[1] = rows < call.size[1] - y ? rows : call.size[1] - y;
+        band.dst += y * call.dst_stride[1];
+        band.src += y * call.src_stride[1];
+        band.first[1] -= y;
+        band.last[1] -= y;
+        PreparedCall prepared;
+        int64_t status = prepared.prepare(band, most_of_row);
+        if (status == JORM_OK) status = f(band);
+        if (status != JORM_OK) return status;
+    }
+    return JORM_OK;
+}
+
 // Bytes from row to row of a buffer: whole cache lines that do not all begin at the same place of a page.
 int64_t ring_pitch(int64_t bytes);
 
