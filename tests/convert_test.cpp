@@ -197,6 +197,7 @@ TEST_F(Convert, GainOfPlanes) {
     const double gain[] = {0.25};
     ASSERT_EQ(JormGain(nullptr, 0, &twin.a, &flat.a, gain, nullptr, &plane, nullptr), 0);
     EXPECT_TRUE(same(twin.get({1, 1, 4, 0}), gained(JORM_F32, flat.get({0, 1, 4, 0}), 0.25, 0)));
+    EXPECT_EQ(JormVConvert(xe, 0, &twin.a, &flat.a, &plane, nullptr, nullptr, nullptr), JORM_EINVAL);
 }
 
 // ---- In the source's own memory ----
