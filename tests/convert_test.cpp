@@ -271,7 +271,6 @@ TEST_F(Convert, Refusals) {
     EXPECT_TRUE(std::isnan(range.lo) && range.hi == 5); // kept
     expect_each(JORM_EINVAL,
                 {_jorma__swvconvert(xe, 0, word, nullptr, u8, to, ds, u8, from, ss, nullptr, nullptr),
-                 JormTGAgain(xe, 0, nullptr, word, size, u16, to, ds, u8, from, ss),
                  jorma__gain(xe, 0, word, size, u16, nullptr, ds, u8, from, ss, nullptr, nullptr), malformed});
     const double two[] = {2}, one[] = {1};
     EXPECT_EQ(jorm_scfochk(two, nullptr, 1), 3);
