@@ -18,7 +18,7 @@ struct Histogram : jorm_histogram {
 jorm_histdesc description(uint32_t nbins, double lo, double hi) {
     jorm_histdesc d = {};
     d.first = d.fourth = d.rest = 77; // not read
-    d.nbins = nbins, d.lo = lo, d.hi = hi, d.f1 = 1 << 17, d.f2 = 98305;
+    d.nbins = nbins, d.lo = lo, d.hi = hi, d.f1 = 1 << 17, d.f2 = 98307;
     return d;
 }
 
@@ -134,7 +134,7 @@ TEST(Histogram, AgreesWithPlainCounting) {
 }
 
 TEST(Histogram, HeadersSayWhatTheDescriptionMeans) {
-    constexpr uint32_t product = 1 << 17;
+    constexpr uint32_t product = 3 << 17; // modulo 2^32
     const std::pair<jorm_histdesc, jorm_histogram> lines[] = {
         {description(256, 0, 255), {0, 0, 255, 256, 1, 0, 0, 255, 255, 1, product, 256, nullptr}},
         {description(16, 0, 255), {0, 0, 255, 256, 17, 0, 0, 255, 255, 17, product, 16, nullptr}},
