@@ -18,7 +18,7 @@ struct Histogram : jorm_histogram {
 jorm_histdesc description(uint32_t nbins, double lo, double hi) {
     jorm_histdesc d = {};
     d.first = d.fourth = d.rest = 77; // not read
-    d.nbins = nbins, d.lo = lo, d.hi = hi, d.f1 = 1 << 17, d.f2 = 98305;
+    d.nbins = nbins, d.lo = lo, d.hi = hi, d.f1 = 1 << 17, d.f2 = 98307;
     return d;
 }
 
@@ -64,10 +64,19 @@ int64_t bin_of(const jorm_histogram &h, uint32_t type, double x) {
     return width == h.nbins ? v - lo : int64_t(__int128(v - lo) * h.nbins / width);
 }
 
+// By the kernel that the lookup finds, which serves one channel.
+int64_t at_kernel(const ReadCase &c, jorm_xe *xe, jorm_histogram *h) {
+    const void *const p = c.src.at(c.o), *const q = c.mask.at(c.m);
+    jorm_proc *const found = (c.masked ? jorma__histofunxm_imp : jorma__histofun_imp)(1, c.type, nullptr);
+    if (c.masked)
+        return kernel_as<jorm_histogram_xm_kernel>(found)(xe, c.options, c.word, c.s, p, c.stride, q, c.by, h);
+    return kernel_as<jorm_histogram_kernel>(found)(xe, c.options, c.word, c.s, p, c.stride, h);
+}
+
 void check_case(Random &r, int rows, int pixels) {
     const uint32_t type = r.of(types);
     ReadCase c(r, type, rows, pixels, type != JORM_S8);
-    const int style = r.in(0, 2), layer = r.in(0, ReadCase::layers - 1);
+    const int style = r.in(0, 2), layer = r.in(0, ReadCase::layers - (c.n[3] > 1));
     c.src.fill([&] { return sample(r, type, style); });
     const jorm_histdesc d[3] = {random_description(r, type), random_description(r, type), random_description(r, type)};
     const bool with_scratch = !r.one_in(4), without_bins = r.one_in(8);
@@ -84,7 +93,8 @@ void check_case(Random &r, int rows, int pixels) {
             ASSERT_EQ(layer == ReadCase::entry        ? c.at_entry(xe, JormHistogram, JormHistogramEx, 0, h)
                       : layer == ReadCase::adapter    ? c.at_adapter(xe, jorma_histogram, jorma_histogram_xm, h)
                       : layer == ReadCase::dispatcher ? c.at_dispatcher(xe, jorma__histogram, jorma__histogram_xm, h)
-                                                      : c.at_slice(xe, JormTGAhistogram, JormTGAhistogramEx, &params),
+                      : layer == ReadCase::slice      ? c.at_slice(xe, JormTGAhistogram, JormTGAhistogramEx, &params)
+                                                      : at_kernel(c, xe, h),
                       JORM_OK);
             for (int k = 0; k < 3; ++k) {
                 SCOPED_TRACE(testing::Message() << "type " << type << " channel " << k << " level " << level
@@ -124,29 +134,23 @@ TEST(Histogram, AgreesWithPlainCounting) {
 }
 
 TEST(Histogram, HeadersSayWhatTheDescriptionMeans) {
-    struct Line {
-        jorm_histdesc d;
-        int32_t ilo, ihi;
-        uint32_t width, istep;
-        float flo, fhi, fspan, fstep;
+    constexpr uint32_t product = 3 << 17; // modulo 2^32
+    const std::pair<jorm_histdesc, jorm_histogram> lines[] = {
+        {description(256, 0, 255), {0, 0, 255, 256, 1, 0, 0, 255, 255, 1, product, 256, nullptr}},
+        {description(16, 0, 255), {0, 0, 255, 256, 17, 0, 0, 255, 255, 17, product, 16, nullptr}},
+        {description(1, 0, 255), {0, 0, 255, 256, 0, 0, 0, 255, 255, 0, product, 1, nullptr}},
+        {description(9, -2.5, 0.5), {0, -2, 0, 3, 1, 0, -2.5f, 0.5f, 3, 0.375f, product, 9, nullptr}},
+        {description(3, 7, 7), {0, 7, 7, 1, 0, 0, 7, 7, 0, 0, product, 3, nullptr}},
+        {description(5, -2147483648., 2147483647.),
+         {0, INT32_MIN, INT32_MAX, 0, 0x3FFFFFFF, 0, -0x1p31f, 0x1p31f, 0x1p32f, 0x1p30f, product, 5, nullptr}},
+        {description(2, 0.1, 1e10),
+         {0, 0, INT32_MIN, 0x80000001, 0x80000000, 0, 0.1f, 1e10f, 1e10f, 1e10f, product, 2, nullptr}},
     };
-    const Line lines[] = {
-        {description(256, 0, 255), 0, 255, 256, 1, 0, 255, 255, 1},
-        {description(16, 0, 255), 0, 255, 256, 17, 0, 255, 255, 17},
-        {description(1, 0, 255), 0, 255, 256, 0, 0, 255, 255, 0},
-        {description(9, -2.5, 0.5), -2, 0, 3, 1, -2.5f, 0.5f, 3, 0.375f},
-        {description(3, 7, 7), 7, 7, 1, 0, 7, 7, 0, 0},
-        {description(5, -2147483648., 2147483647.), INT32_MIN, INT32_MAX, 0, 0x3FFFFFFF, -0x1p31f, 0x1p31f, 0x1p32f,
-         0x1p30f},
-        {description(2, 0.1, 1e10), 0, INT32_MIN, 0x80000001, 0x80000000, 0.1f, 1e10f, 1e10f, 1e10f},
-    };
-    for (const Line &l : lines) {
+    for (const auto &[d, wanted] : lines) {
         jorm_histogram h;
         std::memset(&h, 0x55, sizeof h);
-        EXPECT_EQ(jorm_hist_inithdr(&h, &l.d), l.d.nbins);
-        EXPECT_EQ(std::tuple(h.sum, h.ilo, h.ihi, h.width, h.istep), std::tuple(0u, l.ilo, l.ihi, l.width, l.istep));
-        EXPECT_EQ(std::tuple(h.fsum, h.flo, h.fhi, h.fspan, h.fstep), std::tuple(0, l.flo, l.fhi, l.fspan, l.fstep));
-        EXPECT_EQ(std::tuple(h.product, h.nbins, h.bins), std::tuple(1u << 17, l.d.nbins, nullptr));
+        EXPECT_EQ(jorm_hist_inithdr(&h, &d), d.nbins);
+        EXPECT_EQ(std::memcmp(&h, &wanted, sizeof h), 0) << d.nbins << " bins of " << d.lo << " to " << d.hi;
     }
 }
 
@@ -228,8 +232,7 @@ TEST(Histogram, CountersComeAllOrNone) {
     heap_limit = SIZE_MAX;
 }
 
-TEST(Histogram, Kernels) {
-    Random r(62);
+TEST(Histogram, KernelsThatThereAre) {
     for (uint32_t type = 0; type < 17; ++type)
         for (uint32_t channels = 0; channels < 6; ++channels)
             for (const bool masked : {false, true}) {
@@ -237,29 +240,9 @@ TEST(Histogram, Kernels) {
                 const bool sound = ((type >= 1 && type <= 4) || (type >= 9 && type <= 15)) && channels >= 1 &&
                                    channels <= 4 && (!known || channels == 1);
                 int32_t status = 1;
-                jorm_proc *const proc = masked ? jorma__histofunxm_imp(channels, type, &status)
-                                               : jorma__histofun_imp(channels, type, &status);
+                jorm_proc *const proc = (masked ? jorma__histofunxm_imp : jorma__histofun_imp)(channels, type, &status);
                 EXPECT_EQ(status, !sound ? JORM_EINVAL : known ? JORM_OK : JORM_ENOTSUP) << type << ' ' << channels;
-                if (status != JORM_OK) {
-                    EXPECT_EQ(proc, sound ? jorma_proc_enotsup : jorma_proc_einval);
-                    continue;
-                }
-                Picture a(r, type, {1, 3, 50, 1}, true), mask(r, JORM_U8, {1, 3, 50, 1}, true);
-                a.fill([&] { return r.in(0, 99); });
-                mask.fill([&] { return r.in(0, 1); });
-                Histogram h(description(100, 0, 99)), k(description(100, 0, 99));
-                const int32_t size[3] = {3, 50, 1}, *stride = a.a.stride + 1, *by = mask.a.stride + 1;
-                const void *const p = a.at({}), *const q = mask.at({});
-                const uint32_t w = JORM_WORD(3);
-                if (masked)
-                    expect_each(JORM_OK,
-                                {kernel_as<jorm_histogram_xm_kernel>(proc)(nullptr, 0, w, size, p, stride, q, by, &k),
-                                 jorma__histogram_xm(nullptr, 0, w, size, type, p, stride, q, by, &h)});
-                else
-                    expect_each(JORM_OK, {kernel_as<jorm_histogram_kernel>(proc)(nullptr, 0, w, size, p, stride, &k),
-                                          jorma__histogram(nullptr, 0, w, size, type, p, stride, &h)});
-                EXPECT_EQ(std::memcmp(h.bins, k.bins, 101 * 4), 0);
-                EXPECT_TRUE(h.sum != 0 && h.sum == k.sum);
+                EXPECT_TRUE(status == JORM_OK || proc == (sound ? jorma_proc_enotsup : jorma_proc_einval));
             }
 }
 

@@ -199,13 +199,17 @@ TEST_P(Layers, Conversions) {
     vrng to[3] = {{0, 100}, {0, 100}, {5, 6}};
     const jorm_convert_params by_scales = {known, scales, offsets};
     const jorm_vconvert_params by_ranges = {to, known};
+    const jorm_gain_params by_gains = {scales, offsets};
     Ways ways = typed(jorma__econvert, jorma_econvert, JormTGAconvert, by_scales, scales, offsets, known);
     ways.push_back(WAY(jorma_escale(xe, 0, TYPED_BASES, scales, offsets, known)));
     expect_same(WAY(JormConvert(xe, 0, &dst.a, &src.a, &roi, roi.origin, scales, offsets, known)), ways);
     ways = typed(jorma__vconvert, jorma_vconvert, JormTGAvconvert, by_ranges, to, known);
     ways.push_back(WAY(jorma_vscale(xe, 0, TYPED_BASES, to, known)));
     expect_same(WAY(JormVConvert(xe, 0, &dst.a, &src.a, &roi, roi.origin, to, known)), ways);
-    expect_each(JORM_EINVAL, {JormTGAconvert(xe, 0, nullptr, SLICE), JormTGAvconvert(xe, 0, nullptr, SLICE)});
+    expect_same(WAY(JormGain(xe, 0, &dst.a, &src.a, scales, offsets, &roi, roi.origin)),
+                typed(jorma__gain, jorma_gain, JormTGAgain, by_gains, scales, offsets));
+    expect_each(JORM_EINVAL, {JormTGAconvert(xe, 0, nullptr, SLICE), JormTGAvconvert(xe, 0, nullptr, SLICE),
+                              JormTGAgain(xe, 0, nullptr, SLICE)});
 }
 
 TEST_P(Layers, Comparisons) {

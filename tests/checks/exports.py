@@ -75,13 +75,9 @@ def main():
         rows = wanted(table, have)
         faults += [("wanted but not exported", [n for n, _ in rows if n not in names]),
                    ("of the wrong kind", [n for n, kind in rows if have.get(n, kind) != kind])]
-    bad = 0
-    for what, which in faults:
-        for name in sorted(which):
-            bad += 1
-            print(f"{what}: {name}")
-    print(f"{len(names)} exports, {bad} faults")
-    return 1 if bad or not names else 0
+    found = [f"{what}: {name}" for what, which in faults for name in sorted(which)]
+    print(*found, f"{len(names)} exports, {len(found)} faults", sep="\n")
+    return 1 if found or not names else 0
 
 
 sys.exit(main())

@@ -13,22 +13,15 @@ MODES = {".h": [("c", "c99"), ("c++", "c++17")], ".hpp": [("c++", "c++20")]}
 WARNINGS = ["-Wall", "-Wextra", "-pedantic", "-Werror"]
 
 
-def main():
-    include, compilers = pathlib.Path(sys.argv[1]), [c for c in sys.argv[2:] if shutil.which(c)]
-    failed = checked = 0
-    for compiler in compilers:
-        for header in sorted(include.rglob("*.h*")):
-            for language, standard in MODES[header.suffix]:
-                name = header.relative_to(include).as_posix()
-                run = subprocess.run([compiler, "-x", language, "-std=" + standard, *WARNINGS, "-I", str(include),
-                                      "-fsyntax-only", "-"],
-                                     input=f'#include "{name}"\n', capture_output=True, text=True)
-                checked += 1
-                if run.returncode:
-                    failed += 1
-                    print(f"{name} as {standard} with {compiler}:\n{run.stderr}")
-    print(f"{checked} compilations, {failed} failed")
-    return 1 if failed or not checked else 0
-
-
-sys.exit(main())
+include, compilers = pathlib.Path(sys.argv[1]), [c for c in sys.argv[2:] if shutil.which(c)]
+cases = [(compiler, header.relative_to(include).as_posix(), *mode)
+         for compiler in compilers for header in sorted(include.rglob("*.h*")) for mode in MODES[header.suffix]]
+failed = 0
+for compiler, name, language, standard in cases:
+    run = subprocess.run([compiler, "-x", language, "-std=" + standard, *WARNINGS, "-I", str(include), "-fsyntax-only",
+                          "-"], input=f'#include "{name}"\n', capture_output=True, text=True)
+    if run.returncode:
+        failed += 1
+        print(f"{name} as {standard} with {compiler}:\n{run.stderr}")
+print(f"{len(cases)} compilations, {failed} failed")
+sys.exit(1 if failed or not cases else 0)

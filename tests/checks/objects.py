@@ -10,28 +10,20 @@ import subprocess
 import sys
 
 
-def main():
-    objects = [o for arg in sys.argv[1:] for o in arg.split(";") if o]
-    if not objects:
-        sys.exit("no objects given")
-    bad = 0
-    for obj in objects:
-        symbols = subprocess.run(["nm", "-C", "--defined-only", obj], check=True, capture_output=True, text=True).stdout
-        for line in symbols.splitlines():
-            kind, name = line.split(maxsplit=2)[1:]
-            if kind in "WVu":
-                bad += 1
-                print(f"{obj}: shared symbol ({kind}) {name}")
-        sections = subprocess.run(["objdump", "-h", obj], check=True, capture_output=True, text=True).stdout
-        if ".init_array" in sections or ".ctors" in sections:
-            bad += 1
-            print(f"{obj}: runs code at load time")
-        code = subprocess.run(["objdump", "-d", "--no-show-raw-insn", obj], capture_output=True, text=True)
-        if "%mm" in code.stdout:
-            bad += 1
-            print(f"{obj}: uses MMX registers")
-    print(f"{len(objects)} objects, {bad} faults")
-    return 1 if bad else 0
+def faults(obj):
+    def shown(*command):
+        return subprocess.run([*command, obj], check=True, capture_output=True, text=True).stdout
+
+    symbols = (line.split(maxsplit=2)[1:] for line in shown("nm", "-C", "--defined-only").splitlines())
+    yield from (f"shared symbol ({kind}) {name}" for kind, name in symbols if kind in "WVu")
+    sections = shown("objdump", "-h")
+    if ".init_array" in sections or ".ctors" in sections:
+        yield "runs code at load time"
+    if "%mm" in shown("objdump", "-d", "--no-show-raw-insn"):
+        yield "uses MMX registers"
 
 
-sys.exit(main())
+objects = [o for arg in sys.argv[1:] for o in arg.split(";") if o]
+found = [f"{obj}: {fault}" for obj in objects for fault in faults(obj)]
+print(*found, f"{len(objects)} objects, {len(found)} faults", sep="\n")
+sys.exit(1 if found or not objects else 0)
