@@ -409,7 +409,7 @@ TEST(WatershedBuilder, GatheredRegionsHoldTheirSubtrees) {
         const auto &[kinds, flags, own] = layouts[round % 9];
         Flood flood(kinds, flags);
         chains.insert(flood.builder->iface);
-        EXPECT_EQ(flood.builder->iface != JormWTSTBxinterface(), own) << kinds << flags;
+        ASSERT_EQ(flood.builder->iface != JormWTSTBxinterface(), own) << kinds << flags;
         const jorm_wtsl &ops = flood.ops();
         EXPECT_TRUE(ops.tag == JORM_WTSL && ops.destroyrgn == __JormWTSTBdestroyrgn &&
                     ops.disposergn == __JormWTSTBdisposergn);
