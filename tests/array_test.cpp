@@ -36,34 +36,29 @@ TEST(Vec, BinaryFamilies) {
         const Index a = random_vec(r), b = random_vec(r), blank = {5, 6, 7, 8};
         const int n = r.in(0, 4);
         const bool null = round % 4 == 0; // stands for zeros, in place for nothing
-        const auto expected = [&](auto oracle, Index d, int count) {
-            for (size_t i = 0; i < size_t(count); ++i) d[i] = int32_t(oracle(int64_t(a[i]), null ? 0 : int64_t(b[i])));
-            return d;
-        };
-        const auto apart = [&](auto oracle) {
+        const auto check = [&](auto oracle) {
             return [&, oracle](auto form, auto slots, int first, int count) {
-                Index d = blank;
-                EXPECT_EQ(form(slots, d.data() + first, a.data() + first, null ? nullptr : b.data() + first),
-                          d.data() + first);
-                EXPECT_EQ(d, expected(oracle, blank, count));
-                EXPECT_EQ(form(slots, nullptr, a.data() + first, b.data() + first), nullptr);
-            };
-        };
-        const auto in_place = [&](auto oracle) {
-            return [&, oracle](auto form, auto slots, int first, int count) {
-                Index d = a;
-                EXPECT_EQ(form(slots, d.data() + first, null ? nullptr : b.data() + first), d.data() + first);
-                EXPECT_EQ(d, null ? a : expected(oracle, a, count));
+                constexpr bool in_place = std::is_invocable_v<decltype(form), decltype(slots), int32_t *, int32_t *>;
+                Index d = in_place ? a : blank, want = d;
+                for (size_t i = 0; i < size_t(count) && !(in_place && null); ++i)
+                    want[i] = int32_t(oracle(int64_t(a[i]), null ? 0 : int64_t(b[i])));
+                int32_t *const to = d.data() + first;
+                const int32_t *const x = a.data() + first, *const y = null ? nullptr : b.data() + first;
+                if constexpr (in_place)
+                    EXPECT_EQ(form(slots, to, y), to);
+                else
+                    EXPECT_TRUE(form(slots, to, x, y) == to && form(slots, nullptr, x, y) == nullptr);
+                EXPECT_EQ(d, want);
             };
         };
 #define FAMILY(op, value)                                                                                              \
     {                                                                                                                  \
         SCOPED_TRACE(#op);                                                                                             \
         const auto oracle = [](int64_t x, int64_t y) { return uint32_t(value); };                                      \
-        each_form(n, apart(oracle), jorm_vec__##op, jorm_vec_##op, jorm_vec_##op##_$L);                                \
-        each_form(n, apart(oracle), jorm_vec__##op##_$S, jorm_vec_##op##_$S, jorm_vec_##op##_$LS);                     \
-        each_form(n, in_place(oracle), jorm_vec__##op##_$I, jorm_vec_##op##_$I, jorm_vec_##op##_$IL);                  \
-        each_form(n, in_place(oracle), jorm_vec__##op##_$IS, jorm_vec_##op##_$IS, jorm_vec_##op##_$ILS);               \
+        each_form(n, check(oracle), jorm_vec__##op, jorm_vec_##op, jorm_vec_##op##_$L);                                \
+        each_form(n, check(oracle), jorm_vec__##op##_$S, jorm_vec_##op##_$S, jorm_vec_##op##_$LS);                     \
+        each_form(n, check(oracle), jorm_vec__##op##_$I, jorm_vec_##op##_$I, jorm_vec_##op##_$IL);                     \
+        each_form(n, check(oracle), jorm_vec__##op##_$IS, jorm_vec_##op##_$IS, jorm_vec_##op##_$ILS);                  \
     }
         FAMILY(add, x + y)
         FAMILY(sub, x - y)
@@ -259,38 +254,31 @@ TEST(Overlap, CoarseAnswers) {
 }
 
 TEST(Toolkit, AccessorsAndCounts) {
-    const Index s = {0, 64, 12, 2};
-    for (const Index &e : {Index{2, -1, 3, 11}, {2, 3, 5, 3}, {1 << 10, 1 << 10, 3, 4}, {1 << 20, 1 << 20, 0, 12}})
+    using Values = std::array<int32_t, 5>; // of vectors of none to four slots
+    const Index s = {7, 64, 12, 2}, e = {2, 3, 5, 11}, negative = {2, -1, 3, 11}, huge = {65536, 65537, 3, 4};
+    const auto check = [](auto counted, auto worded, const Values &wanted, const auto &...v) {
         for (int n = 0; n <= 4; ++n) {
-            const auto from_end = [n](const Index &v, int k, int none = 0) { return n < k ? none : v[size_t(n - k)]; };
-            const auto product = [&e](int count) { // modulo 2^32
-                uint32_t p = 1;
-                for (int i = 0; i < count; ++i) p *= uint32_t(e[size_t(i)]);
-                return int32_t(p);
-            };
-            const auto positive = [&e](int count, int least) {
-                return std::all_of(&e[0], &e[0] + count, [least](int v) { return v >= least; });
-            };
-            const auto check = [n](auto counted, auto worded, int32_t wanted, auto... v) {
-                EXPECT_EQ(counted(n, v...), wanted) << n;
-                EXPECT_EQ(worded(JORM_WORD(n), v...), wanted) << n;
-            };
-            const int32_t *const x = e.data(), *const y = s.data(), row = from_end(e, 2) * from_end(s, 2);
-            const int channels = (from_end(e, 1) & 7) + (from_end(e, 1) >> 3 & 1), pixels = std::max(n - 1, 0);
-            check(jorm__elstride, jorm_elstride, from_end(s, 1), y);
-            check(jorm__pixstride, jorm_pixstride, from_end(s, 2), y);
-            check(jorm__rowstride, jorm_rowstride, from_end(s, 3), y);
-            check(jorm__rowstride2, jorm_rowstride2, n < 3 ? row : from_end(s, 3), x, y);
-            check(jorm__pixpadding, jorm_pixpadding, from_end(s, 2) - channels * from_end(s, 1), x, y);
-            check(jorm__rowpadding, jorm_rowpadding, from_end(s, 3) - row, x, y);
-            check(jorm_volume__height, jorm_volume_height, from_end(e, 3, 1), x);
-            check(jorm_volume__nchannels, jorm_volume_nchannels, channels, x);
-            check(jorm_volume__capacity, jorm_volume_capacity, product(std::max(n, 1)), x);
-            check(jorm_volume__pixcap, jorm_volume_pixcap, product(std::max(n - 1, 1)), x);
-            check(jorm_volume__capacity_$Q, jorm_volume_capacity_$Q, positive(n, 0) * product(n), x);
-            check(jorm_volume__pixcap_$Q, jorm_volume_pixcap_$Q, positive(pixels, 0) * product(pixels), x);
-            check(jorm_volume__empty, jorm_volume_empty, !positive(n, 1), x);
+            EXPECT_EQ(counted(n, v.data()...), wanted[size_t(n)]) << n;
+            EXPECT_EQ(worded(JORM_WORD(n), v.data()...), wanted[size_t(n)]) << n;
         }
+    };
+    check(jorm__elstride, jorm_elstride, {0, 7, 64, 12, 2}, s);
+    check(jorm__pixstride, jorm_pixstride, {0, 0, 7, 64, 12}, s);
+    check(jorm__rowstride, jorm_rowstride, {0, 0, 0, 7, 64}, s);
+    check(jorm__rowstride2, jorm_rowstride2, {0, 0, 14, 7, 64}, e, s);
+    check(jorm__pixpadding, jorm_pixpadding, {0, -14, -185, 4, 4}, e, s);
+    check(jorm__rowpadding, jorm_rowpadding, {0, 0, -14, -185, 4}, e, s);
+    check(jorm_volume__height, jorm_volume_height, {1, 1, 1, 2, 3}, e);
+    check(jorm_volume__nchannels, jorm_volume_nchannels, {0, 2, 3, 5, 4}, e);
+    check(jorm_volume__capacity, jorm_volume_capacity, {2, 2, 6, 30, 330}, e);
+    check(jorm_volume__capacity, jorm_volume_capacity, {65536, 65536, 65536, 196608, 786432}, huge); // modulo 2^32
+    check(jorm_volume__pixcap, jorm_volume_pixcap, {2, 2, 2, -2, -6}, negative);
+    check(jorm_volume__capacity_$Q, jorm_volume_capacity_$Q, {1, 2, 0, 0, 0}, negative);
+    check(jorm_volume__capacity_$Q, jorm_volume_capacity_$Q, {1, 65536, 65536, 196608, 786432}, huge);
+    check(jorm_volume__pixcap_$Q, jorm_volume_pixcap_$Q, {1, 1, 2, 6, 30}, e);
+    check(jorm_volume__empty, jorm_volume_empty, {}, e);
+    check(jorm_volume__empty, jorm_volume_empty, {0, 0, 1, 1, 1}, negative);
+    EXPECT_TRUE(jorm_volume__empty(1, Index{}.data()));
     EXPECT_EQ(jorm_elpadding(), 0);
     Index v;
     EXPECT_EQ(slots(_jorm_Nvolume__$(v.data())), (Index{1, 1, 1, 1}));
@@ -365,33 +353,32 @@ TEST(Make, DescribesMemory) {
     int16_t memory[64] = {};
     jorm_array a, b;
     const int32_t extent[4] = {2, 3, 5, 2}, upward[3] = {-40, 4, 2};
-    ASSERT_EQ(jorm_array_make(&a, JORM_S16, 3, 5, 2, 0, memory), JORM_OK);
-    _jorm_array__$xtrn(&b, JORM_S16, 3, extent + 1, nullptr, memory);
-    EXPECT_EQ(std::memcmp(&a, &b, sizeof a), 0);
-    ASSERT_EQ(jorm_array_make(&a, JORM_S16, 3, 5, 2, -40, memory), JORM_OK);
-    _jorm_array__$xtrn(&b, JORM_S16, 3, extent + 1, upward, memory);
-    EXPECT_EQ(std::memcmp(&a, &b, sizeof a), 0);
-    ASSERT_EQ(jorm_array_make4(&a, JORM_S16, 2, 3, 5, 2, 0, 0, memory), JORM_OK);
-    _jorm_array__$xtrn(&b, JORM_S16, 4, extent, nullptr, memory);
-    EXPECT_EQ(std::memcmp(&a, &b, sizeof a), 0);
+    const auto expect_like = [&](int64_t status, int32_t ndims, const int32_t *stride) {
+        EXPECT_EQ(status, JORM_OK);
+        _jorm_array__$xtrn(&b, JORM_S16, ndims, extent + 4 - ndims, stride, memory);
+        EXPECT_EQ(std::memcmp(&a, &b, sizeof a), 0);
+    };
+    expect_like(jorm_array_make(&a, JORM_S16, 3, 5, 2, 0, memory), 3, nullptr);
+    expect_like(jorm_array_make(&a, JORM_S16, 3, 5, 2, -40, memory), 3, upward);
+    expect_like(jorm_array_make4(&a, JORM_S16, 2, 3, 5, 2, 0, 0, memory), 4, nullptr);
     ASSERT_EQ(jorm_array_make4(&a, JORM_S16, 2, 3, 5, 2, 0, -24, memory), JORM_OK);
     EXPECT_EQ(slots(a.stride), (Index{72, -24, 4, 2}));
 
     const jorm_array before = a;
     const int64_t wide = int64_t(1) << 31;
+    const auto make = [&](uint32_t type, int32_t h, int32_t w, int32_t channels, int64_t row_stride) {
+        return jorm_array_make(&a, type, h, w, channels, row_stride, memory);
+    };
+    const auto make4 = [&](uint32_t type, int32_t d, int32_t h, int32_t w, int64_t plane_stride) {
+        return jorm_array_make4(&a, type, d, h, w, 1, plane_stride, 0, memory);
+    };
     expect_each(JORM_EINVAL,
                 {jorm_array_make(nullptr, JORM_U8, 1, 1, 1, 0, memory),
-                 jorm_array_make(&a, JORM_U8, 1, 1, 1, 0, nullptr), jorm_array_make(&a, 15, 1, 1, 1, 0, memory),
-                 jorm_array_make(&a, 5, 1, 1, 1, 0, memory), jorm_array_make(&a, 257, 1, 1, 1, 0, memory),
-                 jorm_array_make(&a, 0, 1, 1, 1, 0, memory), jorm_array_make(&a, JORM_U8, 0, 1, 1, 0, memory),
-                 jorm_array_make(&a, JORM_U8, 1, -1, 1, 0, memory), jorm_array_make(&a, JORM_U8, 1, 1, 0, 0, memory),
-                 jorm_array_make(&a, JORM_U8, 1, 1, 5, 0, memory), jorm_array_make(&a, JORM_S16, 1, 1, 1, 3, memory),
-                 jorm_array_make(&a, JORM_U8, 1, 1, 1, wide, memory),
-                 jorm_array_make(&a, JORM_U8, 1, 1, 1, INT64_MIN, memory),
-                 jorm_array_make(&a, JORM_S32, 2, INT32_MAX, 4, 0, memory),
-                 jorm_array_make4(&a, JORM_U8, 0, 1, 1, 1, 0, 0, memory),
-                 jorm_array_make4(&a, JORM_U8, 2, 65536, 32768, 1, 0, 0, memory),
-                 jorm_array_make4(&a, JORM_S16, 1, 1, 1, 1, 1, 0, memory)});
+                 jorm_array_make(&a, JORM_U8, 1, 1, 1, 0, nullptr), make(15, 1, 1, 1, 0), make(5, 1, 1, 1, 0),
+                 make(257, 1, 1, 1, 0), make(0, 1, 1, 1, 0), make(JORM_U8, 0, 1, 1, 0), make(JORM_U8, 1, -1, 1, 0),
+                 make(JORM_U8, 1, 1, 0, 0), make(JORM_U8, 1, 1, 5, 0), make(JORM_S16, 1, 1, 1, 3),
+                 make(JORM_U8, 1, 1, 1, wide), make(JORM_U8, 1, 1, 1, INT64_MIN), make(JORM_S32, 2, INT32_MAX, 4, 0),
+                 make4(JORM_U8, 0, 1, 1, 0), make4(JORM_U8, 2, 65536, 32768, 0), make4(JORM_S16, 1, 1, 1, 1)});
     EXPECT_EQ(std::memcmp(&a, &before, sizeof a), 0);
     EXPECT_EQ(jorm_array_make(&a, JORM_U8, 2, 9, 1, -wide, memory), JORM_OK);
 }

@@ -246,7 +246,7 @@ TEST_F(Copies, Borders) {
 
 // Orders of copying and scratch memory: what works without an environment, and what needs one.
 TEST_F(Copies, OverlapsInPlace) {
-    const int h = 5, w = 8, last = h * w - 1;
+    const int h = 5, w = 8;
     const struct {
         const char *name;
         int dst, dst_row, dst_pixel, src, src_row, src_pixel, rows, pixels;
@@ -255,14 +255,10 @@ TEST_F(Copies, OverlapsInPlace) {
         {"down", w, w, 1, 0, w, 1, h - 1, w, false},
         {"up", 0, w, 1, w, w, 1, h - 1, w, false},
         {"right", 3, w, 1, 0, w, 1, h, w - 3, false},
-        {"left", 0, w, 1, 3, w, 1, h, w - 3, false},
-        {"odd rows to even ones", 0, 2 * w, 1, w, 2 * w, 1, 2, w, false},
+        {"down, from the last row", (h - 1) * w, -w, 1, (h - 2) * w, -w, 1, h - 1, w, false},
         {"every second pixel packed", 0, w, 1, 0, w, 2, h, w / 2, false},
-        {"packed rows", 0, w - 2, 1, 0, w, 1, h, w - 2, false},
         {"unpacked rows", 0, w, 1, 0, w - 2, 1, h, w - 2, false},
         {"mirrored", w - 1, w, -1, 0, w, 1, h, w, true},
-        {"upside down", last + 1 - w, -w, 1, 0, w, 1, h, w, true},
-        {"turned", last, -w, -1, 0, w, 1, h, w, true},
         {"transposed", 0, 1, h, 0, w, 1, h, w, true},
         {"one row for all", 0, w, 1, w, 0, 1, h, w, true},
     };
@@ -319,11 +315,10 @@ TEST_F(Copies, RefusedBeforeAnythingIsWritten) {
     for (int i = 0; i < 20000; ++i) {
         const int32_t extent[] = {r.in(1, 4), r.in(1, 5), r.in(1, 2)};
         const auto strides = [&] { return Index{r.in(-14, 14), r.in(-5, 5), r.in(1, 2), 0}; };
-        const Index to = i ? strides() : Index{12, 3, 1, 0}, from = i ? strides() : Index{4, 1, 1, 0};
-        const int32_t first[] = {2, 4, 1};
+        const Index to = strides(), from = strides();
         jorm_array d, s;
-        _jorm_array__$xtrn(&d, JORM_U8, 3, i ? extent : first, to.data(), &buffers[0][i ? 1000 : 8]);
-        _jorm_array__$xtrn(&s, JORM_U8, 3, i ? extent : first, from.data(), &buffers[0][i ? 1000 + r.in(-30, 30) : 20]);
+        _jorm_array__$xtrn(&d, JORM_U8, 3, extent, to.data(), &buffers[0][1000]);
+        _jorm_array__$xtrn(&s, JORM_U8, 3, extent, from.data(), &buffers[0][size_t(1000 + r.in(-30, 30))]);
         const Bytes memory = buffers[0];
         if (JormCopy(nullptr, 0, &d, &s, nullptr, nullptr) == JORM_OK) continue;
         ++refused;

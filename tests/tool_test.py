@@ -30,15 +30,10 @@ def run(*words, status=0):
     return done
 
 
-def write_pgm(name, width, samples, colour=False):
-    height = len(samples) // width // (3 if colour else 1)
-    (SCRATCH / name).write_bytes(b"P%d\n# made by a test\n%d %d\n255\n" % (6 if colour else 5, width, height) +
-                                 bytes(samples))
-
-
-def write_wide_pgm(name, width, samples):
-    (SCRATCH / name).write_bytes(b"P5 %d %d 65535\n" % (width, len(samples) // width) +
-                                 struct.pack(">%dH" % len(samples), *samples))
+def write_pgm(name, width, samples, colour=False, wide=False):
+    header = 6 if colour else 5, width, len(samples) // width // (3 if colour else 1), 65535 if wide else 255
+    (SCRATCH / name).write_bytes(b"P%d\n# made by a test\n%d %d\n%d\n" % header +
+                                 struct.pack(">%d%s" % (len(samples), "H" if wide else "B"), *samples))
 
 
 CHANNELS = {0: 1, 2: 3, 3: 1, 4: 2, 6: 4}  # of the PNG colour types
@@ -100,7 +95,16 @@ def out(*words):
     return read_png("out.png")
 
 
+def pixel(samples, width, x, y):
+    return samples[3 * (width * y + x):3 * (width * y + x) + 3]
+
+
 class Tool(unittest.TestCase):
+    def expect(self, channels, pictures, cases):
+        """Commands and the samples that they make of pictures."""
+        for words, expected in cases:
+            self.assertEqual(out(*words, *pictures), (channels, expected), words)
+
     A, B = [0, 1, 100, 200, 255, 255, 77, 128], [0, 255, 100, 100, 1, 255, 33, 64]
     WIDE_A = [0, 1, 40000, 30000, 65535, 65535, 257, 32768]
     WIDE_B = [0, 65535, 30000, 40000, 1, 65535, 33, 64]
@@ -111,8 +115,8 @@ class Tool(unittest.TestCase):
         SCRATCH.mkdir(parents=True)
         write_pgm("a.pgm", 4, cls.A)
         write_pgm("b.pgm", 4, cls.B)
-        write_wide_pgm("wide_a.pgm", 4, cls.WIDE_A)
-        write_wide_pgm("wide_b.pgm", 4, cls.WIDE_B)
+        write_pgm("wide_a.pgm", 4, cls.WIDE_A, wide=True)
+        write_pgm("wide_b.pgm", 4, cls.WIDE_B, wide=True)
 
     def test_samples(self):
         for top, names, first, second in [(255, ["a.pgm", "b.pgm"], self.A, self.B),
@@ -130,6 +134,8 @@ class Tool(unittest.TestCase):
                 (["and"], lambda a, b: a & b),
                 (["or"], lambda a, b: a | b),
                 (["xor"], lambda a, b: a ^ b),
+                (["compare"], lambda a, b: 255 * (a > b)),
+                (["compare", "--relation", "less-or-equal"], lambda a, b: 255 * (a <= b)),
             ]:
                 self.assertEqual(out(*words, *names), (1, [expected(a, b) for a, b in zip(first, second)]), words)
             for words, expected in [
@@ -139,19 +145,25 @@ class Tool(unittest.TestCase):
                 (["clamp", "--low", "100", "--high", "200"], lambda a: min(max(a, 100), 200)),
                 (["gain", "--scale", "1.5", "--offset=-20"], lambda a: min(top, max(0, round(1.5 * a - 20)))),
                 (["crop", "--at", "0,0", "--size", "4x2"], lambda a: a),
+                (["compare", "--to", top // 2 + 1, "--relation", "less"], lambda a: 255 * (a < top // 2 + 1)),
+                (["compare", "--to", "1", "--relation", "equal"], lambda a: 255 * (a == 1)),
+                (["threshold", "--level", "99.5"], lambda a: 255 * (a > 99.5)),
+                (["threshold", "--level", f"0,{top // 2 + 1}"], lambda a: 255 * (0 < a <= top // 2 + 1)),
             ]:
                 self.assertEqual(out(*words, names[0]), (1, [expected(a) for a in first]), words)
 
     def test_colour_and_alpha(self):
         write_png("c.png", 2, range(0, 16), 6)
         self.assertEqual(out("negate", "c.png"), (4, [v if v % 4 == 3 else 255 - v for v in range(16)]))
+        self.assertEqual(out("compare", "c.png", "--to", "4,5,200", "--relation", "less"),
+                         (3, [255 * (v < (4, 5, 200)[v % 4]) for v in range(16) if v % 4 < 3]))
         write_pgm("c.ppm", 2, range(12), colour=True)
         run("add", "c.png", "c.ppm", "-o", "out.png")
         self.assertEqual(read_png("out.png")[1], [v if v % 4 == 3 else v + v // 4 * 3 + v % 4 for v in range(16)])
         self.assertEqual(out("add", "c.ppm", "c.ppm", "c.ppm"), (3, [3 * v for v in range(12)]))
         write_png("p.png", 1, [1, 2, 3, 4], 6)
         white, grey = [255] * 4, [9, 9, 9, 255]
-        for words, expected in [
+        self.expect(4, ["p.png"], [
             (["border", "--margin", "1", "--colour", "9"], 4 * grey + [1, 2, 3, 4] + 4 * grey),
             (["border", "--margin", "1", "--mode", "const"], 4 * [0, 0, 0, 255] + [1, 2, 3, 4] + 4 * [0, 0, 0, 255]),
             (["border", "--margin", "1", "--colour", "5,6,7,8"], 4 * [5, 6, 7, 8] + [1, 2, 3, 4] + 4 * [5, 6, 7, 8]),
@@ -163,8 +175,7 @@ class Tool(unittest.TestCase):
             (["gain", "--scale", "1,2,3", "--offset", "10"], [11, 14, 19, 4]),
             (["convert", "--scale", "257", "--depth", "16"], [257, 514, 771, 1028]),
             (["convert", "--from", "0,255", "--depth", "16"], [257, 514, 771, 1028]),
-        ]:
-            self.assertEqual(out(*words, "p.png"), (4, expected), words)
+        ])
 
     def test_masks(self):
         colours = [0, 0, 0, 0, 0, 7, 255, 255, 255, 255, 255, 0]  # pixels of nothing, some blue, white, yellow
@@ -173,13 +184,12 @@ class Tool(unittest.TestCase):
         write_png("clear.png", 4, [0, 255, 1, 255, 0, 0, 0, 0], 4)
         write_pgm("row.pgm", 4, [1, 2, 3, 4])
         write_pgm("ten.pgm", 4, [10] * 4)
-        for words, expected in [
+        self.expect(1, [], [
             (["mask", "row.pgm", "ten.pgm", "m.png"], [1, 10, 10, 10]),
             (["mask", "row.pgm", "ten.pgm", "m.png", "--invert"], [10, 10, 3, 10]),
             (["mask", "row.pgm", "ten.pgm", "wide_m.png"], [1, 2, 10, 10]),
             (["fill", "row.pgm", "--colour", "10", "--mask", "clear.png"], [1, 10, 3, 4]),
-        ]:
-            self.assertEqual(out(*words), (1, expected), words)
+        ])
 
     def test_kinds_of_png(self):
         """Samples are read as they stand, whatever chunks about colours say."""
@@ -250,15 +260,13 @@ class Tool(unittest.TestCase):
 
     def test_resize(self):
         write_pgm("r.pgm", 3, [1, 2, 3, 4, 5, 6])
-        for words, expected in [
-            (["--size", "2x2"], [1, 3, 4, 6]),
-            (["--factor", "2,1"], [1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6]),
-            (["--factor", "-1"], [6, 5, 4, 3, 2, 1]),
-            (["--factor=0.01"], [5]),
-        ]:
-            self.assertEqual(out("resize", "r.pgm", *words), (1, expected), words)
-        for words in [[], ["--size", "2x2", "--factor", "2"], ["--factor", "0"], ["--factor", "1,2,3"],
-                      ["--factor", "1e9"]]:
+        self.expect(1, ["r.pgm"], [
+            (["resize", "--size", "2x2"], [1, 3, 4, 6]),
+            (["resize", "--factor", "2,1"], [1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6]),
+            (["resize", "--factor", "-1"], [6, 5, 4, 3, 2, 1]),
+            (["resize", "--factor=0.01"], [5]),
+        ])
+        for words in [], ["--size=2x2", "--factor=2"], ["--factor=0"], ["--factor=1,2,3"], ["--factor=1e9"]:
             run("resize", "r.pgm", *words, "-o", "out.png", status=2)
 
     def test_matrix(self):
@@ -289,23 +297,20 @@ class Tool(unittest.TestCase):
                 x, y = abs(x), abs(y)
                 return plane[min(y, 2 * h - 2 - y) * w + min(x, 2 * w - 2 - x)]
             return [of([at(x + dx, y + dy) for dx, dy in window]) for y in range(h) for x in range(w)]
+        opened = lambda p, window: over(over(p, window, min), window, max, -1)
+        closed = lambda p, window: over(over(p, window, max), window, min, 65536)
 
         for colour, depth in (0, 8), (0, 16), (6, 8), (6, 16):
             n, top = CHANNELS[colour], 2 ** depth - 1
             samples = [(i * i * 7919 + i * 104729) % (top + 1) for i in range(w * h * n)]
             write_png("f.png", w, samples, colour, depth)
-
-            def opened(p, window):
-                return over(over(p, window, min), window, max, -1)
-
-            def closed(p, window):
-                return over(over(p, window, max), window, min, top + 1)
-
             for words, expected in [
                 (["box", "--size", "5x3"], lambda p: over(p, long, lambda v: round(sum(v) / 15))),
                 (["gauss", "--size", "3x3", "--sigma", "1000"], lambda p: over(p, full, lambda v: round(sum(v) / 9))),
                 (["firefly", "--threshold", top], lambda p: p),
                 (["erode", "--size", "5x3"], lambda p: over(p, long, min)),
+                (["min", "--window", "5x3"], lambda p: over(p, long, min)),
+                (["max", "--window", "3x3"], lambda p: over(p, full, max)),
                 (["dilate", "--size", "3x3", "--shape", "cross"], lambda p: over(p, plus, max)),
                 (["dilate", "--shape", "ellipse"], lambda p: over(p, round5, max)),
                 (["erode", "--mask", "element.png"], lambda p: over(p, plus, min)),
@@ -367,28 +372,10 @@ class Tool(unittest.TestCase):
         ]:
             self.assertEqual(out("convert", name, *words)[1], expected, (name, words))
 
-    def test_compare_and_threshold(self):
-        for prefix, first, second, cases in [
-            ("", self.A, self.B, [(["compare", "b.pgm", "--relation", "less-or-equal"], lambda a, b: a <= b),
-                                  (["compare", "--to", "100", "--relation", "equal"], lambda a, b: a == 100),
-                                  (["threshold", "--level", "99.5"], lambda a, b: a > 99.5),
-                                  (["threshold", "--level", "0,200"], lambda a, b: 0 < a <= 200)]),
-            ("wide_", self.WIDE_A, self.WIDE_B, [
-                (["compare", "wide_b.pgm"], lambda a, b: a > b),
-                (["compare", "--to", "32768", "--relation", "less"], lambda a, b: a < 32768),
-                (["threshold", "--level", "256,40000"], lambda a, b: 256 < a <= 40000)]),
-        ]:
-            for words, holds in cases:
-                self.assertEqual(out(words[0], prefix + "a.pgm", *words[1:]),
-                                 (1, [255 * holds(a, b) for a, b in zip(first, second)]), words)
-        write_png("c.png", 2, range(0, 16), 6)
-        self.assertEqual(out("compare", "c.png", "--to", "4,5,200", "--relation", "less"),
-                         (3, [255 * (v < (4, 5, 200)[v % 4]) for v in range(16) if v % 4 < 3]))
-
     def test_threshold_methods(self):
         for name, depth, low, high in ("two.pgm", 8, 60, 200), ("wide_two.pgm", 16, 20000, 50000):
             page = [low if (x - 16) ** 2 + (y - 16) ** 2 < 16 else high for y in range(32) for x in range(32)]
-            (write_pgm if depth == 8 else write_wide_pgm)(name, 32, page)
+            write_pgm(name, 32, page, wide=depth == 16)
             found = json.loads(run("otsu", "--json", name).stdout)
             self.assertEqual((found[0]["picture"], found[0]["depth"]), (name, depth))
             level, = found[0]["levels"]
@@ -403,12 +390,6 @@ class Tool(unittest.TestCase):
             for offset, expected in (-1, 255), (1, 0):  # where all of the window is alike
                 words = ["threshold", name, "--method", "adaptive", f"--offset={offset}"]
                 self.assertEqual(out(*words)[1][:5], [expected] * 5)
-
-    def test_windows(self):
-        for command, choose in ("min", min), ("max", max):
-            run(command, "a.pgm", "--window", "3x1", "-o", "out.png")
-            self.assertEqual(read_png("out.png")[1], [choose(self.A[4 * y + i] for i in range(max(0, x - 1),
-                             min(3, x + 1) + 1)) for y in range(2) for x in range(4)])
 
     def squares(self):
         """Paper with a dark square of 8 by 8 in a corner, touching the left edge, and a light one of 6 by 10."""
@@ -438,8 +419,7 @@ class Tool(unittest.TestCase):
                     self.assertAlmostEqual(semi, 2 * ((side ** 2 - 1) / 12) ** 0.5, places=5)
             self.assertEqual(found, expected, words)
         samples = out("mser", "squares.pgm", "--draw", "box")[1]
-        pixel = lambda x, y: samples[3 * (40 * y + x):3 * (40 * y + x) + 3]
-        self.assertEqual([pixel(0, 7), pixel(20, 21), pixel(25, 12), pixel(22, 15), pixel(30, 3)],
+        self.assertEqual([pixel(samples, 40, *at) for at in [(0, 7), (20, 21), (25, 12), (22, 15), (30, 3)]],
                          [[0, 224, 96], [255, 64, 64], [255, 64, 64], [220] * 3, [120] * 3])
 
     def test_watershed_and_tree(self):
@@ -470,7 +450,7 @@ class Tool(unittest.TestCase):
                          [[2, 1, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 3]])
         self.assertIn("  0.. 85          3\n 86..170          2\n", run("hist", "--bins", 3, "h.pgm").stdout)
         wide = [0, 255, 256, 511, 32767, 32768, 65279, 65280, 65535]
-        write_wide_pgm("wide_h.pgm", 3, wide)
+        write_pgm("wide_h.pgm", 3, wide, wide=True)
         for bins in 256, 2, 1000:
             self.assertEqual(json.loads(run("hist", "--json", "--bins", bins, "wide_h.pgm").stdout)[0],
                              [sum(v * bins // 65536 == i for v in wide) for i in range(bins)])
@@ -480,8 +460,8 @@ class Tool(unittest.TestCase):
         self.assertEqual([c.index(1) for c in counts], [255, 128, 0])
         self.assertEqual([sum(c) for c in counts], [1, 1, 1])
         channels, samples = read_png("out.png")
-        pixel = lambda x, y: samples[3 * (592 * y + x):3 * (592 * y + x) + 3]
-        self.assertEqual([pixel(60 + 2 * 255, 12), pixel(60 + 2 * 128, 150), pixel(60, 267), pixel(100, 100)],
+        places = (60 + 2 * 255, 12), (60 + 2 * 128, 150), (60, 267), (100, 100)
+        self.assertEqual([pixel(samples, 592, *at) for at in places],
                          [[255, 0, 0], [0, 255, 0], [0, 0, 255], [0, 0, 0]])
 
     def test_help(self):
