@@ -143,11 +143,6 @@ TEST(Faults, OfEveryEntry) {
     };
 #define ENTRIES(r, n, t, ...) roles = r, nulls = n, types = t, fuzz::each_entry(check, #__VA_ARGS__, __VA_ARGS__);
 #include "../fuzz/entry_table.inc"
-    ENTRIES("dw", ".I", "IE", JormFilter)
-    ENTRIES("dw", "MI", "IE", JormGaussianFilter, JormFirefly, JormFireflyEx)
-    ENTRIES("dw", "MI...I", "IE", JormSepFilter)
-    ENTRIES("dw", ".I", "II", JormMorphop)
-    ENTRIES("dw", ".I...I", "II", JormCopyMkb, JormCopyRMkb)
     EXPECT_EQ(entries, 93);
 }
 
