@@ -1,7 +1,7 @@
 // Every entry that takes arrays but the floods (floods.cpp).
 #include "entry_calls.hpp"
 
-static const std::vector<std::function<void(fuzz::ByteReader &)>> table = [] {
+static const auto table = [] {
     std::vector<std::function<void(fuzz::ByteReader &)>> list;
     const char *roles;
     const auto add = [&](const std::string &name, auto entry) {
