@@ -1,6 +1,6 @@
 // Calls of entries with random arguments over guarded memory. One table line an entry; arguments are made by their
-// types. Each call runs on a level that the input draws and without vectorised kernels, and once more on dense copies of
-// its arrays, none of which is a view or overlaps another: status and results are the same. A refused call writes
+// types. Each call runs on a level that the input draws and without vectorised kernels, and once more on dense copies
+// of its arrays, none of which is a view or overlaps another: status and results are the same. A refused call writes
 // nothing, others only the destination's elements.
 #pragma once
 #include "harness.hpp"
@@ -213,27 +213,21 @@ public:
         for (int i = 0; i < arrays_; ++i) {
             jorm_array &a = array_[i];
             if (!in_order(a)) continue;
-            int64_t size[4], before[4], elements = 1, start = 0, step = bytes_of(a.eltype);
+            int64_t size[4], before[4], start = 0, step = bytes_of(a.eltype);
             jorm_array copy = a;
             for (int k = 3; k >= 0; --k) {
-                size[k] = k == 3 ? channels_of(a) : k == 0 && a.ndims == 3 ? 1 : a.extent[k];
+                size[k] = size_of(a, k);
                 before[k] = looks_around_ ? before_[i][k] : 0;
                 if (looks_around_ && k < 3)
                     size[k] = std::max<int64_t>(before[k] + size[k], a.parent_extent[k]);
                 else
                     copy.parent_extent[k] = copy.extent[k];
                 copy.stride[k] = int32_t(step);
-                start += before[k] * step, step *= size[k], elements *= size[k];
+                start += before[k] * step, step *= size[k];
             }
-            copies[i].resize(size_t(step));
-            const uint8_t *const from = static_cast<const uint8_t *>(a.base) + a.loff;
-            for (int64_t e = 0; e < elements; ++e) {
-                int64_t rest = e, offset = 0;
-                for (int k = 3; k >= 0; rest /= size[k--])
-                    offset += (rest % size[k] - before[k]) * (size[k] > 1 ? a.stride[k] : 0);
-                std::memcpy(&copies[i][size_t(e) * size_t(bytes_of(a.eltype))], from + offset,
-                            size_t(bytes_of(a.eltype)));
-            }
+            copies[i].clear();
+            each_element(a, size, before,
+                         [&](const uint8_t *p, size_t n) { copies[i].insert(copies[i].end(), p, p + n); });
             copy.base = copies[i].data(), copy.loff = int32_t(start);
             a = copy;
         }
@@ -242,24 +236,19 @@ public:
     // The destination's elements, one after the other.
     std::vector<uint8_t> result(const uint8_t *bytes, const uint8_t *base) const {
         std::vector<uint8_t> list;
-        if (destination_in_order())
-            each_byte_run(array_[0], base, [&](size_t offset, int size) {
-                list.insert(list.end(), bytes + offset, bytes + offset + size);
-            });
+        each_result(
+            base, [&](size_t offset, size_t size) { list.insert(list.end(), bytes + offset, bytes + offset + size); });
         return list;
     }
     static const uint8_t *destination_memory() { return memory()[0].start; }
     // NaN is one value here; which one it is may depend on the order of operands.
     void settle_nan(uint8_t *bytes, const uint8_t *base, Outputs &o) const {
-        for (auto &list : o.numbers) settle(list, 16);
-        for (vrng &v : o.ranges) settle(&v.lo, 2);
-        if (!destination_in_order()) return;
-        each_byte_run(array_[0], base, [&](size_t offset, int size) {
-            float f;
-            double d;
-            uint8_t *const p = bytes + offset;
-            if (array_[0].eltype == JORM_F32 && (std::memcpy(&f, p, 4), f != f)) std::memset(p, 0xFF, size_t(size));
-            if (array_[0].eltype == JORM_F64 && (std::memcpy(&d, p, 8), d != d)) std::memset(p, 0xFF, size_t(size));
+        for (auto &list : o.numbers)
+            for (double &v : list) settle<double>(&v);
+        for (vrng &v : o.ranges) settle<double>(&v.lo), settle<double>(&v.hi);
+        each_result(base, [&](size_t offset, size_t) {
+            if (array_[0].eltype == JORM_F32) settle<float>(bytes + offset);
+            if (array_[0].eltype == JORM_F64) settle<double>(bytes + offset);
         });
     }
     bool same(const State &a, const State &b) const {
@@ -268,10 +257,8 @@ public:
     bool only_destination_written(const State &before, const State &after) const {
         static uint8_t rest[Guarded::bytes];
         std::memcpy(rest, after.bytes[0], sizeof rest);
-        if (destination_in_order())
-            each_byte_run(array_[0], memory()[0].start, [&](size_t offset, int size) {
-                std::memcpy(rest + offset, before.bytes[0] + offset, size_t(size));
-            });
+        each_result(destination_memory(),
+                    [&](size_t offset, size_t size) { std::memcpy(rest + offset, before.bytes[0] + offset, size); });
         return std::memcmp(before.bytes[0], rest, sizeof rest) == 0 &&
                std::memcmp(before.bytes[1], after.bytes[1], 2 * Guarded::bytes) == 0 &&
                (!has_destination_ || std::memcmp(&before.out.minmax, &after.out.minmax, sizeof out.minmax) == 0);
@@ -309,9 +296,10 @@ private:
         static jorm_xe *const xe = JormXEopen(nullptr, nullptr, 0);
         return xe;
     }
-    static void settle(double *v, int n) {
-        for (int i = 0; i < n; ++i)
-            if (v[i] != v[i]) v[i] = NAN;
+    template <class T> static void settle(void *p) {
+        T v;
+        std::memcpy(&v, p, sizeof v);
+        if (v != v) std::memset(p, 0xFF, sizeof v);
     }
 
     void draw_shape(jorm_seshape &s, bool wild) {
@@ -379,7 +367,6 @@ private:
         if (way == 7) a.parent_extent[1 + r.in(0, 1)] = 0;
     }
 
-    bool destination_in_order() const { return has_destination_ && in_order(array_[0]); }
     static bool in_order(const jorm_array &a) {
         if (!a.base || (a.ndims != 3 && a.ndims != 4)) return false;
         for (int k = 0; k < 3; ++k)
@@ -388,18 +375,24 @@ private:
         return sized && channels_of(a) >= 1 && channels_of(a) <= 4;
     }
     static int channels_of(const jorm_array &a) { return int(a.extent[3] & 7) + int(a.extent[3] >> 3 & 1); }
-    template <class F> static void each_byte_run(const jorm_array &a, const uint8_t *base, F f) {
-        const int planes = a.ndims == 4 ? int(a.extent[0]) : 1;
+    static int64_t size_of(const jorm_array &a, int k) {
+        return k == 3 ? channels_of(a) : k == 0 && a.ndims == 3 ? 1 : a.extent[k];
+    }
+    template <class F> static void each_element(const jorm_array &a, const int64_t *size, const int64_t *before, F f) {
         const uint8_t *const start = static_cast<const uint8_t *>(a.base) + a.loff;
-        for (int z = 0; z < planes; ++z)
-            for (uint32_t y = 0; y < a.extent[1]; ++y)
-                for (uint32_t x = 0; x < a.extent[2]; ++x)
-                    for (int c = 0; c < channels_of(a); ++c) {
-                        const uint8_t *const p = start + (planes > 1 ? int64_t(z) * a.stride[0] : 0) +
-                                                 int64_t(y) * a.stride[1] + int64_t(x) * a.stride[2] +
-                                                 int64_t(c) * a.stride[3];
-                        f(size_t(p - base), bytes_of(a.eltype));
-                    }
+        for (int64_t e = 0; e < size[0] * size[1] * size[2] * size[3]; ++e) {
+            int64_t rest = e, offset = 0;
+            for (int k = 3; k >= 0; rest /= size[k--])
+                offset += (rest % size[k] - before[k]) * (size[k] > 1 ? a.stride[k] : 0);
+            f(start + offset, size_t(bytes_of(a.eltype)));
+        }
+    }
+    // Of the destination, if it describes elements.
+    template <class F> void each_result(const uint8_t *base, F f) const {
+        const jorm_array &a = array_[0];
+        if (!has_destination_ || !in_order(a)) return;
+        const int64_t size[] = {size_of(a, 0), size_of(a, 1), size_of(a, 2), size_of(a, 3)}, before[4] = {};
+        each_element(a, size, before, [&](const uint8_t *p, size_t n) { f(size_t(p - base), n); });
     }
 
     ByteReader &r;
@@ -466,15 +459,6 @@ template <class F, class... Entries> void each_entry(F f, const char *names, Ent
         return name;
     };
     (f(next(), entries), ...);
-}
-
-using Entry = std::function<void(ByteReader &)>;
-#define JORM_FUZZ_ENTRY(name, roles) fuzz::Entry([](fuzz::ByteReader &r) { fuzz::call(#name, name, roles, r); })
-
-template <class Table> int run_any(const Table &table, const uint8_t *data, size_t size) {
-    ByteReader r(data, size);
-    table[r.byte() % std::size(table)](r);
-    return 0;
 }
 
 } // namespace fuzz
