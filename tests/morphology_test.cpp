@@ -6,7 +6,8 @@ namespace {
 
 using Morphology = WindowTest;
 
-// A mask of the case's window, in any layout: random, an ellipse, empty, solid, columns that have all rows of others.
+// A mask of the case's window, in any layout: random, an ellipse or a part of one, empty, solid, columns that have all
+// rows of others.
 struct Mask {
     Picture picture;
     jorm_strel strel;
@@ -14,13 +15,14 @@ struct Mask {
     Mask(Random &r, const WindowCase &c)
         : picture(r, JORM_U8, {c.shape.extent[0], c.shape.extent[1], c.shape.extent[2], 1}, false, c.src.ndims) {
         const int kind = r.in(0, 9);
+        const double cut = r.one_in(2) ? -1 : (r.in(0, 8) - 4) / 8.0;
         each(extent_of(picture.a), [&](const Index &q) {
             const double y = (q[1] + 0.5) / c.shape.extent[1] - 0.5, x = (q[2] + 0.5) / c.shape.extent[2] - 0.5;
             const bool nested = (q[0] * 3 + q[1] * 5) % 7 <= q[2] * 4 % 7;
             const bool in = kind == 0   ? false
                             : kind == 1 ? true
-                            : kind < 4  ? y * y + x * x <= 0.25
-                            : kind < 6  ? nested
+                            : kind < 5  ? y * y + x * x <= 0.25 && y > cut
+                            : kind < 7  ? nested
                                         : r.one_in(2);
             *picture.at(q) = in ? 255 : uint8_t(r.in(0, 254));
         });
@@ -39,11 +41,15 @@ TEST_F(Morphology, EveryOperationUnderEveryMask) {
                      {JORM_MORPH_OPEN, [](const ExtremumOracle &o, const Index &p) { return o.twice(p, false); }},
                      {JORM_MORPH_BOTHAT, [](const ExtremumOracle &o, const Index &p) { return o.hat(p, true); }},
                      {JORM_MORPH_TOPHAT, [](const ExtremumOracle &o, const Index &p) { return o.hat(p, false); }}};
-    for (int i = 0; i < 1500 && !HasFailure(); ++i) {
+    for (int i = 0; i < 2500 && !HasFailure(); ++i) {
         const uint32_t type = r.of(types);
         const int channels = r.of(std::array{1, 1, 3, 4});
         WindowCase c(r, type, channels, r.one_in(4) ? 17 : 6);
         if (c.roi) c.roi->size[3] = channels;
+        if (r.one_in(3)) { // as high as windows are that go by two rows
+            c.shape.extent[1] = r.in(12, 17);
+            c.shape.anchor[1] = r.in(0, c.shape.extent[1] - 1);
+        }
         const Mask mask(r, c);
         const auto &op = ops[size_t(r.in(0, c.region.size[1] * c.region.size[2] > 200 ? 1 : 5))];
         const auto call = [&] { return c.call(JormMorphop, xe, op.op, &mask.strel); };

@@ -150,6 +150,47 @@ void along(void *to, const void *row, void *spare, void *other, int64_t n, int64
     columns_across<Kind, T, T>(to, places, 2 + (second < last) + (third < last), n);
 }
 
+template <class Kind, class T>
+[[gnu::noinline]] void across_two(void *const *to, void *const *next, const void *const *rows, const int32_t *shared,
+                                  int64_t groups, int64_t n) {
+    const auto gather = [&]<int Many>(Count<Many>, int64_t i) __attribute__((always_inline)) {
+        const void *const *row = rows;
+        const auto at = [i](const void *r, int j) __attribute__((always_inline)) {
+            return read<Lanes<T>>(elements<T>(r) + i + j * lanes<T>);
+        };
+        Lanes<T> all[Many];
+        const auto add = [&]() __attribute__((always_inline)) {
+            for (int j = 0; j < Many; ++j) all[j] = Kind::of(all[j], at(*row, j));
+            ++row;
+        };
+        const auto add_ends = [&](int64_t group, auto with) __attribute__((always_inline)) {
+            for (int j = 0; j < Many; ++j) {
+                const auto first = at(row[0], j), last = at(row[1], j);
+                store_lanes(elements<T>(to[group]) + i + j * lanes<T>, with(j, first));
+                store_lanes(elements<T>(next[group]) + i + j * lanes<T>, with(j, last));
+                all[j] = with(j, Kind::of(first, last));
+            }
+            row += 2;
+        };
+        const auto alone = [](int, Lanes<T> v) { return v; };
+        const auto with_all = [&](int j, Lanes<T> v) { return Kind::of(all[j], v); };
+        if (shared[0] > 0) {
+            for (int j = 0; j < Many; ++j) all[j] = at(*row, j);
+            ++row;
+            for (int32_t k = 1; k < shared[0]; ++k) add();
+            add_ends(0, with_all);
+        } else {
+            add_ends(0, alone);
+        }
+        for (int64_t group = 1; group < groups; ++group) {
+            for (int32_t k = 0; k < shared[group]; ++k) add();
+            add_ends(group, with_all);
+        }
+    };
+    each_register<lanes<T>, 4>(
+        n, [&](auto many, int64_t i) __attribute__((always_inline)) { gather(many, i); });
+}
+
 template <class Kind, class T> void pair(void *to, const void *row, int64_t n, int64_t apart) {
     few_along<Kind, T>(to, row, n, 2, apart);
 }
@@ -179,8 +220,8 @@ template <class T> void subtract(void *to, const void *a, const void *b, int64_t
 
 #define LINE(Kind, T, small, unordered)                                                                                \
     {                                                                                                                  \
-        lanes<T>, small, column_rows<Kind, T, T>, columns_across_nested<Kind, T, T>, unordered, subtract<T>,           \
-            pair<Kind, T>, along<Kind, T>                                                                              \
+        lanes<T>, small, column_rows<Kind, T, T>, columns_across_nested<Kind, T, T>, across_two<Kind, T>, unordered,   \
+            subtract<T>, pair<Kind, T>, along<Kind, T>                                                                 \
     }
 #define ORDERED(Kind, T, unordered) LINE(Kind<true>, T, (small_windows<Kind<true>, T>), unordered)
 #define LINES(Kind)                                                                                                    \

@@ -28,6 +28,11 @@ struct ExtremumRows {
     ColumnRows columns;
     // Across nested groups of rows at once: to[k] of the first end[k] ones.
     void (*across_nested)(void *const *to, const void *const *rows, const int32_t *end, int64_t groups, int64_t n);
+    // The same for two windows, one a row below the other: `shared` counts the rows of both that each group adds to
+    // those before it. In the list these are followed by the first row of the upper window's group and the last one of
+    // the lower one's, which all further groups of both have. n is a register at least.
+    void (*across_two)(void *const *to, void *const *next, const void *const *rows, const int32_t *shared,
+                       int64_t groups, int64_t n);
     // Does a row ask for the exact rules of NaN? Null where all rows may come.
     bool (*unordered)(const void *row, int64_t n);
     // to = a - b, saturated.

@@ -49,7 +49,7 @@ int64_t run_extremum(WindowCall &c, const jorm_strel &strel, Extreme which) {
     return with_mask(c, strel, [&]<class Mask>(const Mask &mask) {
         return run_prepared(c, Mask::Stage::short_row, [&](const WindowCall &band) -> int64_t {
             WindowRows rows;
-            if (const int64_t status = rows.open(band); status != JORM_OK) return status;
+            if (const int64_t status = rows.open(band, 1); status != JORM_OK) return status;
             typename Mask::Stage stage;
             const int64_t status = stage.open(rows, which, mask);
             return status == JORM_OK ? run_stage(band, stage) : status;

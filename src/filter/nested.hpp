@@ -24,10 +24,15 @@ public:
     int32_t groups = 0, doubled_lines = 0, rows = 0, places = 0;
     const int32_t *end = nullptr;                   // of the rows of each group
     const int32_t *plane = nullptr, *row = nullptr; // of the window, for each of the rows
+    // Where every group is a run of rows that goes beyond the one before at both ends: the rows that two windows look
+    // at, in the order of ExtremumRows::across_two().
+    int32_t rows_of_two = 0;
+    const int32_t *row_of_two = nullptr, *shared = nullptr;
     const Doubled *doubled = nullptr;
     const Place *place = nullptr; // all that a window looks at
 
 private:
+    void list_rows_of_two(int32_t *list, int32_t *shared_rows);
     void list_places(const int32_t *count, int32_t columns, Doubled *to_double, Place *to_place);
 
     std::optional<Scratch> memory_;
@@ -40,11 +45,12 @@ public:
     int64_t open(WindowRows &in, Extreme which, const NestedColumns &mask);
     void begin_plane(int64_t z) override;
     void produce(int64_t y, void *row) override;
+    void produce_two(int64_t y, void *row, void *next) override;
 
 private:
     void take(int64_t end);
-    void find_rows(int64_t y);
-    void make_part(void *to, int64_t n);
+    void find_rows(int64_t y, const int32_t *row, const int32_t *plane, int32_t rows);
+    void along_lines(int lower, void *to, int64_t n);
     // Elements that the last window of a row reads after its first ones.
     int64_t beyond() const { return (in_->call().extent[2] - 1) * in_->call().channels; }
 
@@ -52,7 +58,8 @@ private:
     ExtremumChoice rows_;
     const NestedColumns *mask_ = nullptr;
     int64_t pitch_ = 0, taken_ = 0; // the row to take next
-    int64_t slot_ = 0;              // where it goes: that of the window's first row
+    int64_t slots_ = 0, slot_ = 0;  // of rows of one plane; where the next one goes
+    bool two_ = false;              // rows of results go together
     int64_t part_ = 0;              // elements of a row that are made at once
     bool whole_ = false;            // as rows come
     char *ring_ = nullptr, *lines_ = nullptr;
