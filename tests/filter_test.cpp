@@ -164,11 +164,13 @@ TEST_F(Filter, MemoryThatCannotBeHad) {
         CALL(JormMorphop, JORM_MORPH_TOPHAT, &mask),
     };
     for (const uint32_t type : {JORM_U8, JORM_F32})
-        for (const int below : {0, 1, 20}) { // the destination is the source, overlaps it, lies apart
-            Picture both(r, type, {1, 40, 30, 1}, true);
+        for (const int below :
+             {0, 1, 20, 4000}) { // the destination is the source, overlaps it, lies apart, goes in bands
+            const int rows = std::max(below, 20);
+            Picture both(r, type, {1, 2 * rows, 30, 1}, true);
             both.fill([&] { return r.in(0, 255); });
             jorm_array src = both.a;
-            src.extent[1] = src.parent_extent[1] = 20;
+            src.extent[1] = src.parent_extent[1] = uint32_t(rows);
             jorm_array dst = src;
             dst.loff += below * dst.stride[1];
             const Bytes before = both.memory;

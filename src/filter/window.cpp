@@ -422,7 +422,8 @@ bool folds(const WindowCall &c, int64_t most_of_row) {
 
 int64_t rows_of_band(const WindowCall &c, int64_t most_of_row) {
     const int64_t rows = c.size[1], most = short_rows(c, most_of_row) ? most_rows(c) : rows;
-    if (rows <= most || most < 4 * c.extent[1] || may_meet(c)) return rows;
+    // An environment keeps the memory that a band has had, so that none is refused once results are written.
+    if (!c.xe || rows <= most || most < 4 * c.extent[1] || may_meet(c)) return rows;
     const int64_t bands = (rows + most - 1) / most;
     return (rows + bands - 1) / bands;
 }
