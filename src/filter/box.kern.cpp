@@ -119,7 +119,7 @@ void mean_bytes_of(u8 *to, const u16 *even, const u16 *odd, int64_t n, const Byt
     if (words < size) {
         u8 room[register_bytes];
         mean_pairs<OddWidth, EvenArea, Words, 1>(room, even, odd, 0, m);
-        __builtin_memcpy(to, room, size_t(2 * words));
+        __builtin_memcpy(to, room, static_cast<unsigned long>(2 * words));
         i = words;
     }
     for (; i < words; i += size) // some of them twice

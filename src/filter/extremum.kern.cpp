@@ -174,21 +174,25 @@ template <class Kind, class T>
         };
         const auto alone = [](int, Lanes<T> v) { return v; };
         const auto with_all = [&](int j, Lanes<T> v) { return Kind::of(all[j], v); };
+        int64_t group = 0, k = 1;
         if (shared[0] > 0) {
             for (int j = 0; j < Many; ++j) all[j] = at(*row, j);
             ++row;
-            for (int32_t k = 1; k < shared[0]; ++k) add();
-            add_ends(0, with_all);
         } else {
-            add_ends(0, alone);
+            add_ends(group++, alone);
+            k = 0;
         }
-        for (int64_t group = 1; group < groups; ++group) {
-            for (int32_t k = 0; k < shared[group]; ++k) add();
+        for (; group < groups; ++group, k = 0) {
+            for (; k < shared[group]; ++k) add();
             add_ends(group, with_all);
         }
     };
-    each_register<lanes<T>, 4>(
-        n, [&](auto many, int64_t i) __attribute__((always_inline)) { gather(many, i); });
+    // What is left of a row goes with some of what went before: code for every length of it would be as long again.
+    const auto all_blocks = [&]<int Many>(Count<Many> many) __attribute__((always_inline)) {
+        constexpr int64_t step = Many * lanes<T>;
+        for (int64_t i = 0; i < n; i += step) gather(many, i + step <= n ? i : n - step);
+    };
+    n >= 4 * lanes<T> ? all_blocks(Count<4>()) : all_blocks(Count<1>());
 }
 
 template <class Kind, class T> void pair(void *to, const void *row, int64_t n, int64_t apart) {
