@@ -1,5 +1,7 @@
 #include "filter/composite.hpp"
 
+#include "convert/copy_block.hpp"
+
 #include <cstring>
 #include <limits>
 
@@ -55,28 +57,45 @@ void HatStage::produce_two(int64_t y, void *row, void *next) {
     subtract(y + 1, next, changed + pitch_);
 }
 
+// Folded, both passes have the same pitch, so the results of the first one lie between borders as they come.
 int64_t BetweenPasses::open(const WindowCall &c, Extreme against) {
-    const int64_t row = c.size[2] * c.pixel();
-    block_.emplace(c.xe, scratch_bytes(c.size[0], c.size[1], row), 64);
+    const bool folded = c.folded.rows > 0;
+    const int64_t row = (folded ? c.folded.pitch : c.size[2]) * c.pixel();
+    const int64_t rows = folded ? c.folded.rows + c.extent[1] - 1 : c.size[1];
+    against_ = against;
+    block_.emplace(c.xe, scratch_bytes(c.size[0], rows, row), 64);
     if (!*block_) return JORM_ENOMEM;
-    const int64_t dense[4] = {c.size[1] * row, row, c.pixel(), c.element()};
+    const int64_t dense[4] = {rows * row, row, c.pixel(), c.element()};
     first = second = c;
-    first.dst = block_->as<char>();
-    second.src = block_->as<char>();
+    first.folded = {};
     std::memcpy(first.dst_stride, dense, sizeof dense);
     std::memcpy(second.src_stride, dense, sizeof dense);
-    if (c.folded.rows > 0) { // what the first pass makes lies in memory as it is; the second one folds it again
-        second.size[1] = c.folded.rows;
-        second.size[2] = c.folded.pixels;
-        second.src_stride[1] = c.folded.pitch * c.pixel();
-        first.folded = second.folded = {};
+    first.dst = block_->as<char>() + (folded ? before() : 0);
+    second.src = first.dst;
+    return JORM_OK;
+}
+
+int64_t BetweenPasses::finish(PreparedCall &prepared) {
+    WindowCall &c = second;
+    const NeutralPixel neutral(c, against_);
+    if (c.folded.rows == 0) {
+        for (int i = 0; i < 3; ++i) {
+            c.first[i] = 0;
+            c.last[i] = c.size[i];
+        }
+        c.border.mode = JORM_BORDER_CONST;
+        for (double &value : c.border.values) value = neutral.value;
+        return prepared.prepare(c, 0);
     }
-    for (int i = 0; i < 3; ++i) {
-        second.first[i] = 0;
-        second.last[i] = second.size[i];
-    }
-    second.border.mode = JORM_BORDER_CONST;
-    for (double &value : second.border.values) value = NeutralPixel(c, against).value;
+    const int64_t pitch = c.src_stride[1], row = c.folded.pixels * c.pixel();
+    char *const start = block_->as<char>(), *const end = start + before() + row;
+    const auto fill = [&](char *to, int64_t rows, int64_t bytes) {
+        fill_rows(memory_rows_at(c.which), to, pitch, rows, bytes, int32_t(sizeof(float)), neutral.bytes);
+    };
+    fill(start, 1, before());
+    fill(end, c.folded.rows - 1, pitch - row);
+    const int64_t last = (c.folded.rows - 1) * pitch;
+    fill(end + last, 1, (c.folded.rows + c.extent[1] - 1) * pitch - (before() + row + last));
     return JORM_OK;
 }
 

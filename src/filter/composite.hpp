@@ -38,9 +38,15 @@ private:
 class BetweenPasses {
 public:
     int64_t open(const WindowCall &c, Extreme second);
+    // Once the first pass has run: surrounds what it made, which lies where the second pass reads it, or lets
+    // `prepared` see to that.
+    int64_t finish(PreparedCall &prepared);
     WindowCall first, second;
 
 private:
+    int64_t before() const { return second.before[1] * second.src_stride[1] + second.before[2] * second.pixel(); }
+
+    Extreme against_ = Extreme::least;
     std::optional<Scratch> block_;
 };
 
@@ -72,7 +78,7 @@ template <class Stage, class OpenPass> int64_t run_composite(WindowCall &c, Comp
             if (status == JORM_OK) status = open_pass(first_stage, first_source, one);
             if (status == JORM_OK) status = run_stage(between.first, first_stage);
         }
-        if (status == JORM_OK) status = prepared_between.prepare(between.second, Stage::short_row);
+        if (status == JORM_OK) status = between.finish(prepared_between);
     }
     if (status == JORM_OK) status = source.open(c, is_hat(which) ? c.extent[1] + 1 : 1);
     if (status == JORM_OK && !apart) status = open_pass(first, source, one);
