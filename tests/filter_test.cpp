@@ -1,4 +1,5 @@
 // Minima, maxima, means, openings and closings of rectangular windows.
+#include "jorm/copy.h"
 #include "jorm/filter.h"
 #include "jorm/morphology.h"
 #include "jorm/sepfilter.h"
@@ -131,6 +132,22 @@ TEST_F(Filter, BandsOfTallPictures) {
         expect_same(
             [&](Array d, Array s) { return JormMorphop(xe, 0, d, s, nullptr, nullptr, JORM_MORPH_DILATE, &mask); });
     }
+}
+
+// Rows a page apart go another way than others.
+TEST_F(Filter, RowsAPageApart) {
+    jorm_seshape window;
+    __jorm_seshape__$g2(&window, 11, 5);
+    const Index size = {1, 30, 4096, 1};
+    const Picture src(r, JORM_U8, size, true), got(r, JORM_U8, size, true), wanted(r, JORM_U8, size, true),
+        wide(r, JORM_U8, {1, 30, 4160, 1}, true);
+    jorm_array apart;
+    ASSERT_EQ(jorm_array_sub(&apart, &wide.a, 0, 0, 30, 4096), JORM_OK);
+    ASSERT_EQ(JormCopy(xe, 0, &apart, &src.a, nullptr, nullptr), JORM_OK);
+    const uint64_t own = JORM_OPT_OWN_BORDER;
+    ASSERT_EQ(JormGaussianFilter(xe, own, &got.a, &src.a, nullptr, nullptr, &window, nullptr), JORM_OK);
+    ASSERT_EQ(JormGaussianFilter(xe, own, &wanted.a, &apart, nullptr, nullptr, &window, nullptr), JORM_OK);
+    each(size, [&](const Index &i) { ASSERT_EQ(got.get(i), wanted.get(i)) << i[1] << ", " << i[2]; });
 }
 
 // Whatever request for memory fails, the status tells so, nothing is written and nothing stays taken.

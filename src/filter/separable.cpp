@@ -247,7 +247,8 @@ void SeparableStage::produce_sums(int64_t y, void *row) {
 int64_t separable(WindowCall &c, const SeparableWeights &weights, const SeparableRows *table) {
     return run_prepared(c, PreparedCall::short_row, [&](const WindowCall &band) -> int64_t {
         WindowRows rows;
-        if (const int64_t status = rows.open(band, SeparableStage::together - 1); status != JORM_OK) return status;
+        if (const int64_t status = rows.open(band, SeparableStage::together - 1, true); status != JORM_OK)
+            return status;
         SeparableStage stage;
         const int64_t status = stage.open(rows, weights, table);
         return status == JORM_OK ? run_stage(band, stage) : status;

@@ -12,6 +12,8 @@ namespace {
 
 constexpr int64_t none = INT64_MIN;
 constexpr int64_t line = 64;
+// Of the first-level cache: so many lines a multiple of a page apart stay in it.
+constexpr int64_t ways = 8, page = 4096;
 // A picture is folded that has so many bytes with its border at most and this many rows at least.
 constexpr int64_t most_folded = 1 << 17, least_rows = 5;
 
@@ -79,6 +81,11 @@ bool needs_ring(const WindowCall &c) {
            (beyond && (c.border.mode & 15) == JORM_BORDER_CONST);
 }
 
+// Does a ring follow what windows read: the rows of one plane, downward?
+bool ring_serves(const WindowCall &c) {
+    return c.extent[0] == 1 && (c.border.mode & 15) != JORM_BORDER_WRAP && inside(c, 0) && inside(c, 1) && inside(c, 2);
+}
+
 // Pixels of a row from a layout into another, `channels` elements each.
 void copy_pixels(const WindowCall &c, char *to, const int64_t *to_stride, const char *from, const int64_t *from_stride,
                  int64_t n) {
@@ -128,7 +135,7 @@ template <class F> [[gnu::always_inline]] inline void with_unit(int64_t bytes, F
 
 int64_t ring_pitch(int64_t bytes) {
     const int64_t pitch = (bytes + line - 1) / line * line;
-    return pitch % 4096 == 0 ? pitch + line : pitch;
+    return pitch % page == 0 ? pitch + line : pitch;
 }
 
 // ---- Rows of a window ----
@@ -151,10 +158,11 @@ int64_t WindowRows::find_columns() {
     return JORM_OK;
 }
 
-int64_t WindowRows::open(const WindowCall &call, int64_t history) {
+int64_t WindowRows::open(const WindowCall &call, int64_t history, bool side_by_side) {
     call_ = &call;
     if (const int64_t status = find_columns(); status != JORM_OK) return status;
-    if (!needs_ring(call)) return JORM_OK;
+    const bool crowded = side_by_side && call.extent[1] > ways && call.src_stride[1] % page == 0 && ring_serves(call);
+    if (!needs_ring(call) && !crowded) return JORM_OK;
     const bool constant = (call.border.mode & 15) == JORM_BORDER_CONST;
     if (constant) jorm_mkifillvalv16(call.type, constant_, call.border.values, call.channels);
     return open_ring(history, constant ? constant_ : nullptr);
@@ -435,12 +443,8 @@ int64_t PreparedCall::prepare(WindowCall &c, int64_t most_of_row) {
         same = c.dst_stride[i] == c.src_stride[i] || (i < 3 ? c.size[i] : c.channels) == 1;
     c.in_place = same;
 
-    // A ring follows the rows of one plane downward.
-    const uint32_t mode = c.border.mode & 15;
-    const bool ring_serves =
-        c.extent[0] == 1 && mode != JORM_BORDER_WRAP && inside(c, 0) && inside(c, 1) && inside(c, 2);
-    const bool copy =
-        (meet && !same) || (needs_ring(c) && !ring_serves) || (c.extent[0] > 1 && mode == JORM_BORDER_CONST);
+    const bool copy = (meet && !same) || (needs_ring(c) && !ring_serves(c)) ||
+                      (c.extent[0] > 1 && (c.border.mode & 15) == JORM_BORDER_CONST);
     const bool fold = folds(c, most_of_row);
     if (!copy && !fold) return JORM_OK;
 

@@ -62,8 +62,9 @@ public:
 // exist and `right` are to be completed; rows that come whole have neither left nor right.
 class WindowRows {
 public:
-    // The source of the call. `history` rows above the window stay readable.
-    int64_t open(const WindowCall &call, int64_t history = 0);
+    // The source of the call. `history` rows above the window stay readable. Of a stage that reads all of its window's
+    // rows `side by side` those that would not stay in the first-level cache together go through the ring.
+    int64_t open(const WindowCall &call, int64_t history = 0, bool side_by_side = false);
     // What another stage makes of the region, with a constant (a pixel of elements) around it.
     int64_t open(const WindowCall &call, RowStage &stage, const void *constant, int64_t history = 0);
     void begin_plane(int64_t z);
